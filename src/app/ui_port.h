@@ -1,0 +1,98 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace lotwise {
+
+enum class Icon { kNone, kCritical, kQuestion, kExclamation, kInformation };
+enum class Buttons { kOk, kOkCancel, kYesNo, kYesNoCancel, kRetryCancel };
+enum class Answer { kOk, kCancel, kYes, kNo, kRetry };
+
+// The three choices of the reconciliation dialog dlgChkFiles; the values are
+// the program-wide result codes the dialog leaves behind.
+enum class ChkFilesChoice { kDelete = 100, kCreate = 101, kIgnore = 102 };
+
+// A file picker's request: the dialog's title, a preset file name, the
+// folder to start in and the file-type filter ("CSV Files (*.csv)").
+struct FileRequest {
+  std::string title;
+  std::string file_name;
+  std::string initial_folder;
+  std::string filter;
+};
+
+// A dialog's form model: its caption and fields live in the core together
+// with its Show/Check/_OK procedures; the port only shows it and lets the
+// user fill it in and press its buttons, which call those procedures.
+class DialogForm {
+ public:
+  virtual ~DialogForm() = default;
+  // The dialog's name ("dlgNewModClient", "dlgFileLoc").
+  virtual std::string_view Name() const = 0;
+};
+
+// Every word the program says to its user goes through this port: message
+// boxes and questions, help-bar text, the gauge, the hourglass and the
+// pickers. The desktop program implements it with windows; tests script it.
+class UiPort {
+ public:
+  virtual ~UiPort() = default;
+
+  // Shows a modal message and returns the button pressed. A message with
+  // only an OK button returns kOk.
+  virtual Answer MessageBox(std::string_view text, std::string_view title, Icon icon,
+                            Buttons buttons) = 0;
+
+  // The main window's help bar (status line) text.
+  virtual void SetHelpBarText(std::string_view text) = 0;
+
+  // Lets pending window events run during long operations.
+  virtual void ProcessEvents() {}
+
+  // The help-bar progress gauge: start at 0, set, add, stop and hide.
+  virtual void StartGauge() {}
+  virtual void SetGauge(int percent) { (void)percent; }
+  virtual void AddGauge(int percent) { (void)percent; }
+  virtual void StopGauge() {}
+
+  // Hourglass pointer on/off; use the HourglassGuard below rather than these.
+  virtual void PushHourglass() {}
+  virtual void PopHourglass() {}
+
+  // The open-file dialog used to pick a folder; returns the chosen full path,
+  // empty on cancel.
+  virtual std::string PickFile(const FileRequest& request) = 0;
+  // The save-file dialog; returns the chosen full path, empty on cancel.
+  virtual std::string PickSaveFile(const FileRequest& request) = 0;
+
+  // dlgChkFiles: shows `text` under `caption` with Delete, Create and Ignore;
+  // Create is disabled when `create_enabled` is false.
+  virtual ChkFilesChoice ChkFiles(std::string_view caption, std::string_view text,
+                                  bool create_enabled) = 0;
+
+  // Shows a dialog modally until the user closes it.
+  virtual void RunModal(DialogForm& form) = 0;
+
+  // Prints plain lines of text (the removed-blocks list and the like).
+  virtual void PrintLines(std::string_view title, const std::vector<std::string>& lines) {
+    (void)title;
+    (void)lines;
+  }
+};
+
+// Shows the hourglass for its lifetime and restores the previous pointer on
+// every exit path.
+class HourglassGuard {
+ public:
+  explicit HourglassGuard(UiPort& ui) : ui_(ui) { ui_.PushHourglass(); }
+  ~HourglassGuard() { ui_.PopHourglass(); }
+  HourglassGuard(const HourglassGuard&) = delete;
+  HourglassGuard& operator=(const HourglassGuard&) = delete;
+
+ private:
+  UiPort& ui_;
+};
+
+}  // namespace lotwise

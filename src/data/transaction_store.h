@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "app/currency.h"
+#include "app/date.h"
+
+namespace lotwise {
+
+class Application;
+
+// Transaction types and their same-date ranks ("Prec Sort").
+inline constexpr int16_t kTypeBuy = 10;
+inline constexpr int16_t kTypeReinvest = 20;
+inline constexpr int16_t kTypeSplit = 11;
+inline constexpr int16_t kTypeDividend = 21;
+inline constexpr int16_t kPrecBuy = 10;
+inline constexpr int16_t kPrecReinvest = 20;
+inline constexpr int16_t kPrecAdjust = 30;
+inline constexpr int16_t kPrecSell = 40;
+inline constexpr int16_t kPrecDividend = 50;
+inline constexpr int16_t kPrecSplit = 60;
+
+// Opens a new block for security `sec_id` with its Buy (type 10) or
+// Reinvestment (type 20) row, both in one unit of work. Asks first when the
+// security already has an acquisition of that type on that date. Stores the
+// new block's id ("01/15/1998-2") in `block_id`. Returns true iff written.
+bool AddBuy(Application& app, int64_t sec_id, std::string& block_id, int16_t type, Date date,
+            Currency cost, double shares, Currency fee, const std::string& notes);
+// Files a sale row (shares negative) under block `block_no`.
+bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
+             double shares, const std::string& notes);
+// Files a split (type 11) or stock dividend (type 21) row.
+bool AddSplit(Application& app, int64_t block_no, int16_t type, Date date, double pre_ratio,
+              double post_ratio, double shares, const std::string& notes);
+// Files an adjustment of shares and cost.
+bool AddAdjust(Application& app, int64_t block_no, Date date, double shares, Currency cost,
+               const std::string& notes);
+
+// Rewrite the row `unique_id` of the kind's table, logging each changed
+// field (notes are not logged). A buy whose date changes re-dates its block.
+bool ModifyBuy(Application& app, int64_t unique_id, Date date, Currency cost, Currency fee,
+               double shares, const std::string& notes);
+bool ModifySell(Application& app, int64_t unique_id, Date date, Currency sale_price, Currency fee,
+                double shares, const std::string& notes);
+bool ModifySplit(Application& app, int64_t unique_id, Date date, double shares,
+                 const std::string& notes);
+bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost, double shares,
+                  const std::string& notes);
+
+// Re-dates block `block_no` of security `sec_id` and gives it the block id
+// for its new date. Returns false when the user declines.
+bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date);
+// Deletes the table's rows of the block of that type (99: any) dated after
+// `date`.
+void RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
+                   Date date);
+// Deletes the block selected in the main window, with its transactions,
+// after the user confirms.
+void DeleteBlock(Application& app);
+
+}  // namespace lotwise

@@ -1,0 +1,114 @@
+#include "support/app_fixture.h"
+
+#include <filesystem>
+#include <random>
+
+#include "app/paths.h"
+#include "data/database.h"
+#include "data/schema.h"
+
+namespace lotwise::testing {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string UniqueFolder(const std::string& prefix) {
+  static std::mt19937_64 random(std::random_device{}());
+  fs::path base = fs::temp_directory_path();
+  for (;;) {
+    fs::path candidate = base / (prefix + std::to_string(random() % 1000000000000ULL));
+    std::error_code ec;
+    if (fs::create_directory(candidate, ec)) return WithTrailingSeparator(candidate.string());
+  }
+}
+
+}  // namespace
+
+const std::string& TemplateFolder() {
+  static const std::string folder = [] {
+    std::string f = UniqueFolder("lotwise-templates-");
+    CreateTemplate(FileKind::kCentral, f + kCentralTemplateName);
+    CreateTemplate(FileKind::kTaxpayer, f + kClientTemplateName);
+    CreateTemplate(FileKind::kReport, f + kReportTemplateName);
+    return f;
+  }();
+  return folder;
+}
+
+void AppTest::SetUp() {
+  root_ = UniqueFolder("lotwise-test-");
+  program_folder_ = root_ + "program";
+  fs::create_directories(program_folder_);
+  for (const char* name : {kCentralTemplateName, kClientTemplateName, kReportTemplateName}) {
+    fs::copy_file(TemplateFolder() + name, JoinPath(program_folder_, name));
+  }
+  fs::create_directories(root_ + "tmp");
+  fs::create_directories(root_ + "data/central");
+  fs::create_directories(root_ + "data/client");
+  env_ = std::make_unique<FakeEnvironment>(root_ + "tmp/");
+  app_ = std::make_unique<Application>(ui_, *env_, program_folder_, "lotwise");
+  app_->settings_store_path = root_ + "config/Tarnwick/Lw.ini";
+  app_->temp_folder = root_ + "tmp/";
+  app_->ssf_folder = root_ + "data/central/";
+  app_->taxpayer_folder = root_ + "data/client/";
+  app_->central_path = app_->ssf_folder + kCentralFileName;
+  app_->ini_path = JoinPath(program_folder_, "lotwise.INI");
+}
+
+void AppTest::TearDown() {
+  ui_.VerifyDone();
+  app_.reset();
+  std::error_code ec;
+  fs::remove_all(root_, ec);
+}
+
+void AppTest::OpenFreshCentral() {
+  fs::copy_file(JoinPath(program_folder_, kCentralTemplateName), app_->central_path);
+  app_->central = Database::Open(app_->central_path);
+}
+
+void AppTest::WriteTaxpayerFile(const std::string& file_name, const std::string& code,
+                                const std::string& name) {
+  std::string path = app_->taxpayer_folder + file_name;
+  fs::copy_file(JoinPath(program_folder_, kClientTemplateName), path);
+  auto db = Database::Open(path);
+  db->Execute(
+      R"(INSERT INTO "Client" ("Client Name", "Sort Name", "Client Code", "2nd Line", "Year End") )"
+      R"(VALUES (:name, :sort, :code, ' ', :ye))",
+      {{"name", name}, {"sort", name}, {"code", code}, {"ye", Date::FromYmd(2025, 12, 31)}});
+}
+
+void AppTest::OpenFreshTaxpayer(const std::string& code, const std::string& name,
+                                const std::string& file_name) {
+  WriteTaxpayerFile(file_name, code, name);
+  if (app_->central) {
+    app_->central->Execute(
+        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
+        R"(VALUES (:code, :name, :name, :file))",
+        {{"code", code}, {"name", name}, {"file", file_name}});
+  }
+  app_->client = Database::Open(app_->taxpayer_folder + file_name);
+  CurrentContext& c = app_->current;
+  c.client_db_path = app_->taxpayer_folder + file_name;
+  c.client_name = name;
+  c.sort_name = name;
+  c.client_code = code;
+  c.client_2nd_line = " ";
+  c.year_end = "12/31/2025";
+  app_->window.state = kClientOpen;
+}
+
+long long AppTest::CountClientRows(const std::string& table) {
+  Query q = app_->client->Select("SELECT count(*) AS n FROM \"" + table + "\"");
+  q.Next();
+  return q.Int("n");
+}
+
+long long AppTest::CountCentralRows(const std::string& table) {
+  Query q = app_->central->Select("SELECT count(*) AS n FROM \"" + table + "\"");
+  q.Next();
+  return q.Int("n");
+}
+
+}  // namespace lotwise::testing

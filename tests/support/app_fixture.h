@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "app/application.h"
+#include "support/fake_environment.h"
+#include "support/scripted_ui.h"
+
+namespace lotwise::testing {
+
+// Every test gets a program folder of its own holding fresh template files,
+// its data folders, a temporary folder and a settings store, all under one
+// scratch folder that is removed afterwards; an Application wired to a
+// scripted UI and a fake environment; and the check that the script was
+// played to its end.
+class AppTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+  void TearDown() override;
+
+  // Copies the central template into the SSF folder as CENTRAL.MDB and opens
+  // it into app->central (no version walk).
+  void OpenFreshCentral();
+  // Copies the Taxpayer File template into the taxpayer folder as
+  // `file_name`, writes its Client row, indexes it in the central file (when
+  // open) and opens it into app->client with the current context set and
+  // state CLIENTOPEN.
+  void OpenFreshTaxpayer(const std::string& code = "DOE01", const std::string& name = "John Doe",
+                         const std::string& file_name = "DOE0101.mdb");
+  // Writes a new Taxpayer File without opening it.
+  void WriteTaxpayerFile(const std::string& file_name, const std::string& code,
+                         const std::string& name);
+  // Counts the rows of a table of the open Taxpayer File / central file.
+  long long CountClientRows(const std::string& table);
+  long long CountCentralRows(const std::string& table);
+
+  // The folder of this test's files, ending in a separator.
+  std::string root_;
+  std::string program_folder_;
+  ScriptedUi ui_;
+  std::unique_ptr<FakeEnvironment> env_;
+  std::unique_ptr<Application> app_;
+};
+
+// Returns the folder that holds one set of template files for this test
+// process, writing it on first use.
+const std::string& TemplateFolder();
+
+}  // namespace lotwise::testing
