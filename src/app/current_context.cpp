@@ -31,6 +31,8 @@ void CurrentContext::ClearPort() {
   port_2nd_line.clear();
   sec_id = 0;
   sec_symbol.clear();
+  block_no = 0;
+  block_id.clear();
 }
 
 void UpdateCurrClient(Application& app, std::string_view file_name, std::string_view code) {

@@ -17,9 +17,12 @@ struct CurrentContext {
   std::string year_end;  // mm/dd/yyyy, or empty
   std::string port_name;
   std::string port_2nd_line;  // trailing blanks removed
-  // The open security (kept by the security display).
+  // The open security and the block selected in its blocks grid (kept by
+  // the security display).
   long long sec_id = 0;
   std::string sec_symbol;
+  long long block_no = 0;
+  std::string block_id;
 
   void ClearClient();
   void ClearPort();
