@@ -1,0 +1,70 @@
+#!/usr/bin/env bash
+# Sets up a Debian 12 machine for Lotwise, builds it, and runs the program,
+# the test suite or the benchmarks.
+#
+#   bash scripts/lotwise.sh run     install what is missing, build, run the program
+#   bash scripts/lotwise.sh test    install what is missing, build, run every test
+#                                   (plain build, then AddressSanitizer + UBSan build)
+#   bash scripts/lotwise.sh bench   install what is missing, build, run the benchmarks
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+PACKAGES=(
+  build-essential cmake ninja-build pkg-config
+  libsqlite3-dev libsqlitecpp-dev libfmt-dev libcli11-dev
+  libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
+)
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_missing() {
+  local missing=() package
+  for package in "${PACKAGES[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
+      missing+=("$package")
+  done
+  if [ "${#missing[@]}" -gt 0 ]; then
+    echo "Installing: ${missing[*]}"
+    as_root apt-get update -qq
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends \
+      "${missing[@]}"
+  fi
+}
+
+build() {  # build folder, extra CMake options...
+  local folder=$1
+  shift
+  cmake -S . -B "$folder" -G Ninja "$@" >/dev/null
+  cmake --build "$folder"
+}
+
+jobs=$(nproc 2>/dev/null || echo 2)
+
+case "${1:-}" in
+  run)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=Release
+    build/bin/lotwise-cli start
+    ;;
+  test)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=Release
+    ctest --test-dir build --output-on-failure -j "$jobs"
+    build build-asan -DCMAKE_BUILD_TYPE=Debug -DLOTWISE_SANITIZE=ON -DLOTWISE_BENCHMARKS=OFF
+    ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+      ctest --test-dir build-asan --output-on-failure -j "$jobs"
+    ;;
+  bench)
+    install_missing
+    build build -DCMAKE_BUILD_TYPE=Release
+    for program in build/bench/*; do
+      [ -x "$program" ] && "$program" "${@:2}"
+    done
+    ;;
+  *)
+    echo "usage: bash scripts/lotwise.sh run|test|bench" >&2
+    exit 2
+    ;;
+esac
