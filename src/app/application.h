@@ -64,6 +64,10 @@ class Application {
   std::string temp_folder;      // ends in a separator
   std::string ssf_folder;       // ends in a separator
   std::string taxpayer_folder;  // ends in a separator
+  // When not empty, both data folders of this run (command-line front):
+  // the settings store is neither read for them nor written, and the INI
+  // file is not written back at the end.
+  std::string forced_data_folder;
   std::string central_path;
   std::string report_db_path;
   bool update_all = false;

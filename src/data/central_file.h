@@ -35,6 +35,16 @@ bool DelSecFromCDB(Application& app, const std::string& symbol);
 // row, or kSymbolNotInCentral when there is none.
 std::string GetSecInfoFromCDB(Application& app, const std::string& symbol,
                               std::string_view field);
+// Returns true iff no security other than `symbol` (exact comparison; empty
+// text for a security not yet stored) carries `name`, or the user answers
+// OK to the "Name already exists" question.
+bool ConfirmSharedSecName(Application& app, Database& central, const std::string& name,
+                          const std::string& symbol);
+// As ConfirmSharedSecName for the CUSIP ("CUSIP already exists"); "NO CUSIP"
+// is never shared.
+bool ConfirmSharedSecCusip(Application& app, Database& central, const std::string& cusip,
+                           const std::string& symbol);
+
 // Counts one program start.
 void AddUsage(Application& app, Database& central);
 // Returns the number of program starts counted so far (0 after an error).

@@ -3,9 +3,11 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <sqlite3.h>
 
+#include <atomic>
 #include <filesystem>
 
 #include "app/number_text.h"
+#include "data/fault_vfs.h"
 
 namespace lotwise {
 
@@ -23,7 +25,7 @@ void NumberTextFunction(sqlite3_context* context, int argc, sqlite3_value** argv
   sqlite3_result_text(context, text.c_str(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
 }
 
-constexpr int kBusyTimeoutMs = 5000;
+std::atomic<int> busy_timeout_ms{Database::kDefaultBusyTimeoutMs};
 
 bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
@@ -79,7 +81,9 @@ LwError MapSqliteError(int code, int extended_code, std::string_view message,
 namespace {
 
 [[noreturn]] void Rethrow(const SQLite::Exception& e, std::string_view path) {
-  throw MapSqliteError(e.getErrorCode(), e.getExtendedErrorCode(), e.getErrorStr(), path);
+  // what() carries SQLite's own message ("no such table: X"); getErrorStr() only the
+  // generic text of the code, which hides what went wrong.
+  throw MapSqliteError(e.getErrorCode(), e.getExtendedErrorCode(), e.what(), path);
 }
 
 }  // namespace
@@ -162,12 +166,16 @@ std::string Query::ColumnName(int index) const { return statement_->getColumnNam
 Database::Database(std::unique_ptr<SQLite::Database> db, std::string path, StorageFaults* faults)
     : db_(std::move(db)), path_(std::move(path)), faults_(faults) {}
 
-Database::~Database() = default;
+Database::~Database() { *open_ = false; }
 
 std::unique_ptr<Database> Database::OpenWith(const std::string& path, int flags, Mode mode,
                                              bool scratch, StorageFaults* faults) {
   try {
-    auto sqlite = std::make_unique<SQLite::Database>(path, flags, kBusyTimeoutMs);
+    // With a StorageFaults the file goes through the fault-injecting file
+    // system, so that tests can fail the disk itself, not only statements.
+    std::string vfs = faults != nullptr ? RegisterFaultVfs() : "";
+    auto sqlite = std::make_unique<SQLite::Database>(path, flags, busy_timeout_ms.load(), vfs);
+    if (faults != nullptr) AttachStorageFaults(sqlite->getHandle(), faults);
     std::unique_ptr<Database> db(new Database(std::move(sqlite), path, faults));
     sqlite3_create_function_v2(db->db_->getHandle(), "lw_number_text", 1,
                                SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, NumberTextFunction,
@@ -223,11 +231,8 @@ std::unique_ptr<SQLite::Statement> Database::Prepare(std::string_view sql, const
           using T = std::decay_t<decltype(v)>;
           if constexpr (std::is_same_v<T, std::monostate>) {
             statement->bind(index);
-          } else if constexpr (std::is_same_v<T, int64_t>) {
-            statement->bind(index, v);
-          } else if constexpr (std::is_same_v<T, double>) {
-            statement->bind(index, v);
-          } else if constexpr (std::is_same_v<T, std::string>) {
+          } else if constexpr (std::is_same_v<T, int64_t> || std::is_same_v<T, double> ||
+                               std::is_same_v<T, std::string>) {
             statement->bind(index, v);
           } else if constexpr (std::is_same_v<T, Currency>) {
             statement->bind(index, v.units());
@@ -350,9 +355,14 @@ std::string Database::IntegrityCheck() {
   return result;
 }
 
+void Database::SetBusyTimeout(int milliseconds) { busy_timeout_ms.store(milliseconds); }
+
+int Database::BusyTimeout() { return busy_timeout_ms.load(); }
+
 // ---------------------------------------------------------------- Transaction
 
-Database::Transaction::Transaction(Database& db) : db_(db), depth_(db.transaction_depth_) {
+Database::Transaction::Transaction(Database& db)
+    : db_(db), depth_(db.transaction_depth_), db_open_(db.open_) {
   try {
     if (depth_ == 0) {
       // IMMEDIATE takes the write lock now, so a busy file fails before any work.
@@ -368,6 +378,9 @@ Database::Transaction::Transaction(Database& db) : db_(db), depth_(db.transactio
 
 void Database::Transaction::Commit() {
   if (done_) return;
+  if (!*db_open_) {
+    throw LwError(err::kUnexpected, "The file was closed before its changes were saved.");
+  }
   try {
     if (depth_ == 0) {
       db_.RawExecute("COMMIT");
@@ -382,7 +395,7 @@ void Database::Transaction::Commit() {
 }
 
 Database::Transaction::~Transaction() {
-  if (done_) return;
+  if (done_ || !*db_open_) return;
   try {
     if (depth_ == 0) {
       db_.RawExecute("ROLLBACK");

@@ -59,14 +59,36 @@ class StorageFaults {
  public:
   // The n-th write from now (1 = the next) fails with a disk I/O error.
   void FailWriteNumber(int n) { fail_at_ = writes_ + n; }
-  void Clear() { fail_at_ = 0; }
+  void Clear() {
+    fail_at_ = 0;
+    disk_write_fail_at_ = 0;
+    disk_sync_fail_at_ = 0;
+  }
   int writes() const { return writes_; }
   // Called before each write; throws LwError when this one is chosen.
   void BeforeWrite();
 
+  // Faults of the disk itself: a database opened with a StorageFaults goes
+  // through the fault-injecting file system (fault_vfs.h), which reports
+  // every write and sync of the database file and its rollback journal here.
+  // The n-th such write (sync) from now (1 = the next) fails as a failing
+  // disk would, wherever SQLite happens to be in its work at that moment.
+  void FailDiskWriteNumber(int n) { disk_write_fail_at_ = disk_writes_ + n; }
+  void FailDiskSyncNumber(int n) { disk_sync_fail_at_ = disk_syncs_ + n; }
+  int disk_writes() const { return disk_writes_; }
+  int disk_syncs() const { return disk_syncs_; }
+  // Called by the file system before each write (sync); returns true iff this
+  // one must fail.
+  bool BeforeDiskWrite();
+  bool BeforeDiskSync();
+
  private:
   int writes_ = 0;
   int fail_at_ = 0;
+  int disk_writes_ = 0;
+  int disk_write_fail_at_ = 0;
+  int disk_syncs_ = 0;
+  int disk_sync_fail_at_ = 0;
 };
 
 // The rows of one statement, read by column name. Move-only.
@@ -160,9 +182,18 @@ class Database {
   // Returns "ok" or SQLite's list of problems.
   std::string IntegrityCheck();
 
+  // How long a statement waits for another connection's lock before it
+  // fails as busy (3000, "-8194"), for every database opened from now on.
+  // Tests shorten it to see the busy error without waiting.
+  static constexpr int kDefaultBusyTimeoutMs = 5000;
+  static void SetBusyTimeout(int milliseconds);
+  static int BusyTimeout();
+
   // One unit of work: commits only through Commit(); the destructor rolls
   // back whatever was not committed. Nested units become savepoints, so an
-  // inner failure can be undone without losing the outer unit.
+  // inner failure can be undone without losing the outer unit. A unit whose
+  // database was closed under it (a fatal error closes the files) was rolled
+  // back by the close; its destructor then does nothing, and Commit() fails.
   class Transaction {
    public:
     explicit Transaction(Database& db);
@@ -175,6 +206,7 @@ class Database {
     Database& db_;
     int depth_;
     bool done_ = false;
+    std::shared_ptr<const bool> db_open_;
   };
 
   // The name of the table that holds the saved queries.
@@ -191,6 +223,8 @@ class Database {
   std::string path_;
   StorageFaults* faults_;
   int transaction_depth_ = 0;
+  // False once this object is destroyed; units outliving it look here.
+  std::shared_ptr<bool> open_ = std::make_shared<bool>(true);
 };
 
 // Maps a SQLite result code and message to the program's error numbers.

@@ -22,7 +22,14 @@ constexpr std::string_view kKnownTables[] = {
 
 std::string Table(std::string_view name) {
   for (std::string_view known : kKnownTables) {
-    if (known == name) return "\"" + std::string(name) + "\"";
+    if (known == name) {
+      // Appended piece by piece: GCC 12 at -O3 misreads `"\"" + name + "\""`
+      // as an overlapping copy (-Wrestrict).
+      std::string quoted(1, '"');
+      quoted.append(name);
+      quoted.push_back('"');
+      return quoted;
+    }
   }
   throw LwError(err::kObjectNotFound, "Could not find the object '" + std::string(name) + "'.");
 }

@@ -1,56 +1,431 @@
 #include "data/transaction_store.h"
+
+#include <optional>
+#include <set>
+#include <vector>
+
+#include "app/application.h"
+#include "app/environment.h"
+#include "app/error_handler.h"
 #include "app/lw_error.h"
+#include "app/number_text.h"
+#include "app/ui_port.h"
+#include "data/database.h"
+#include "data/query_builders.h"
+#include "data/taxpayer_file.h"
 
 namespace lotwise {
 
 namespace {
-[[noreturn]] void NotBuilt(const char* name) {
-  throw LwError(err::kUnexpected, std::string("not built yet: ") + name);
+
+constexpr const char* kPurchaseExistsTitle = "Purchase with same date exists";
+
+// Every question here is asked before the unit of work begins: a user who
+// leaves a question open must not hold the write lock of a shared file.
+bool AskYesNo(Application& app, const std::string& text, const std::string& title) {
+  return app.ui().MessageBox(text, title, Icon::kQuestion, Buttons::kYesNo) == Answer::kYes;
 }
+
+bool AskPurchaseExists(Application& app, Date date) {
+  return AskYesNo(app,
+                  "There is already a Purchase of Shares in this Security on " + date.ToString() +
+                      ".\nDo you still want to add this transaction?",
+                  kPurchaseExistsTitle);
+}
+
+// The rows of the saved query `name` dated `date`. The database narrows the
+// saved query down instead of the program reading it row by row, so that a
+// security with thousands of lots is checked by one index search.
+Query SavedRowsOn(Application& app, const char* name, Params params, Date date) {
+  params.emplace_back("lw_date", date);
+  return app.client->Select(
+      "SELECT * FROM (" + app.client->SavedQuerySql(name) + R"() WHERE "Date" = :lw_date)", params);
+}
+
+// True iff the saved per-block query `query` has a row of block `block_no`
+// dated `date`.
+bool BlockHasRowOn(Application& app, const char* query, int64_t block_no, Date date) {
+  return SavedRowsOn(app, query, {{"lBlockNo", block_no}}, date).Next();
+}
+
+// True iff the security has a buy of `type` (any type when nullopt) dated
+// `date` outside block `except_block`.
+bool SecurityHasBuyOn(Application& app, int64_t sec_id, Date date, std::optional<int64_t> type,
+                      int64_t except_block = 0) {
+  Query buys = SavedRowsOn(app, "Buys In Security", {{"lSecID", sec_id}}, date);
+  while (buys.Next()) {
+    if (type && buys.Int("Type") != *type) continue;
+    if (buys.Int("Block No") == except_block) continue;
+    return true;
+  }
+  return false;
+}
+
+// The first free block id of the security on `date`: "mm/dd/yyyy-n" with
+// the smallest n from 1 up. A block being re-dated never collides with its
+// own old name.
+std::string NextBlockId(Application& app, int64_t sec_id, Date date, int64_t except_block = 0) {
+  std::set<std::string> taken;
+  Query blocks = Select(*app.client, Query_GetBlocksInSecWithDate(sec_id, date));
+  while (blocks.Next()) {
+    if (blocks.Int("Block No") != except_block) taken.insert(blocks.Text("Block ID"));
+  }
+  const std::string prefix = date.ToString() + "-";
+  for (int n = 1;; ++n) {
+    std::string candidate = prefix + std::to_string(n);
+    if (!taken.contains(candidate)) return candidate;
+  }
+}
+
+// The type of the buy that opened the block, if it has one.
+std::optional<int64_t> BlockBuyType(Application& app, int64_t block_no) {
+  Query buy = app.client->Select(
+      R"(SELECT "Type" FROM "Buy" WHERE "Block No" = :n ORDER BY "Unique ID" LIMIT 1)",
+      {{"n", block_no}});
+  if (!buy.Next()) return std::nullopt;
+  return buy.Int("Type");
+}
+
+bool ConfirmRedate(Application& app, int64_t sec_id, int64_t block_no, std::optional<int64_t> type,
+                   Date date) {
+  if (!SecurityHasBuyOn(app, sec_id, date, type, block_no)) return true;
+  return AskYesNo(app,
+                  "There is already a Purchase (or Reinvestment) of Shares in this Security on " +
+                      date.ToString() + ".\nDo you still want to modify this transaction?",
+                  kPurchaseExistsTitle);
+}
+
+// Moves the block to `date` under the next free block id of that date.
+void RedateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) {
+  std::string block_id = NextBlockId(app, sec_id, date, block_no);
+  int64_t changed = app.client->Execute(
+      R"(UPDATE "Blocks" SET "Block ID" = :id, "Date" = :date WHERE "Block No" = :n AND "Sec ID" = :sec)",
+      {{"id", block_id}, {"date", date}, {"n", block_no}, {"sec", sec_id}});
+  if (changed != 1) {
+    throw LwError(err::kUnexpected, "No current record: block " + std::to_string(block_no) +
+                                        " of security " + std::to_string(sec_id));
+  }
+  if (app.current.block_no == block_no) app.current.block_id = block_id;
+}
+
+Date Today(Application& app) {
+  LocalTime now = app.env().Now();
+  return Date::FromYmd(now.year, now.month, now.day);
+}
+
+std::string ValueText(Date value) { return value.ToString(); }
+std::string ValueText(Currency value) { return value.ToString(); }
+std::string ValueText(double value) { return NumberText(value); }
+
+// The change-log lines of one modification, in field order.
+class ChangeLines {
+ public:
+  ChangeLines(const char* kind, int64_t unique_id) : kind_(kind), unique_id_(unique_id) {}
+
+  template <class T>
+  void Compare(const char* field, T old_value, T new_value) {
+    if (old_value == new_value) return;
+    lines_.push_back("Changed " + std::string(kind_) +
+                     " (Unique ID = " + std::to_string(unique_id_) + "), field '" + field +
+                     "' from " + ValueText(old_value) + " to " + ValueText(new_value));
+  }
+
+  // Writes the lines under the current portfolio and security. Returns
+  // false when the error handler is ending the program over a failed line:
+  // the modification must then not be committed without its log.
+  bool Write(Application& app) const {
+    const Date today = Today(app);
+    for (const std::string& line : lines_) {
+      LogChange(app, app.current.port_name, app.current.sec_id, today, line);
+      if (app.ended) return false;
+    }
+    return true;
+  }
+
+ private:
+  const char* kind_;
+  int64_t unique_id_;
+  std::vector<std::string> lines_;
+};
+
+// Reads the row `unique_id` of `table`, or tells the user it is missing.
+std::optional<Query> FindTransaction(Application& app, std::string_view table, int64_t unique_id) {
+  Query row = Select(*app.client, Query_GetTransaction(table, unique_id));
+  if (row.Next()) return row;
+  app.ui().MessageBox(
+      "The transaction could not be located with Unique ID = " + std::to_string(unique_id) +
+          ". This modification can not be made. It is suggested that you exit the Modify form "
+          "and try this modification again. If you continue to get this error please contact "
+          "Tarnwick Software, Inc.",
+      "Error!", Icon::kCritical, Buttons::kOk);
+  return std::nullopt;
+}
+
 }  // namespace
 
-bool AddBuy(Application&, int64_t, std::string&, int16_t, Date, Currency, double, Currency, const std::string&) {
-  NotBuilt("AddBuy");
+bool AddBuy(Application& app, int64_t sec_id, std::string& block_id, int16_t type, Date date,
+            Currency cost, double shares, Currency fee, const std::string& notes) {
+  return Trap(app, "AddBuy", false, [&] {
+    if (SecurityHasBuyOn(app, sec_id, date, type) && !AskPurchaseExists(app, date)) return false;
+    Database& db = *app.client;
+    Database::Transaction unit(db);
+    std::string new_id = NextBlockId(app, sec_id, date);
+    db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:sec, :id, :date))",
+               {{"sec", sec_id}, {"id", new_id}, {"date", date}});
+    const int64_t block_no = db.LastInsertId();
+    db.Execute(
+        R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", "Prec Sort") )"
+        R"(VALUES (:n, :date, :type, :cost, :shares, :fee, :notes, :prec))",
+        {{"n", block_no},
+         {"date", date},
+         {"type", type},
+         {"cost", cost},
+         {"shares", shares},
+         {"fee", fee},
+         {"notes", notes},
+         {"prec", type == kTypeReinvest ? kPrecReinvest : kPrecBuy}});
+    unit.Commit();
+    block_id = new_id;
+    return true;
+  });
 }
 
-bool AddSell(Application&, int64_t, Date, Currency, Currency, double, const std::string&) {
-  NotBuilt("AddSell");
+bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
+             double shares, const std::string& notes) {
+  return Trap(app, "AddSell", false, [&] {
+    // A second sale on one date deliberately reuses the purchase question.
+    if (BlockHasRowOn(app, "Sells In Block", block_no, date) && !AskPurchaseExists(app, date)) {
+      return false;
+    }
+    app.client->Execute(
+        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", "Prec Sort") )"
+        R"(VALUES (:n, :date, :price, :fee, :shares, :notes, :prec))",
+        {{"n", block_no},
+         {"date", date},
+         {"price", sale_price},
+         {"fee", fee},
+         {"shares", shares},
+         {"notes", notes},
+         {"prec", kPrecSell}});
+    return true;
+  });
 }
 
-bool AddSplit(Application&, int64_t, int16_t, Date, double, double, double, const std::string&) {
-  NotBuilt("AddSplit");
+bool AddSplit(Application& app, int64_t block_no, int16_t type, Date date, double pre_ratio,
+              double post_ratio, double shares, const std::string& notes) {
+  return Trap(app, "AddSplit", false, [&] {
+    // Any split or dividend of the block on that date prompts, whatever its type.
+    if (BlockHasRowOn(app, "Splits In Block", block_no, date)) {
+      const std::string when = date.ToString();
+      bool yes = type == kTypeDividend
+                     ? AskYesNo(app,
+                                "There is already a Stock Dividend(or Stock Split) on " + when +
+                                    ".\nDo you still want to add this Stock Dividend?",
+                                "Stock Dividend with same Date exists")
+                     : AskYesNo(app,
+                                "There is already a Stock Split(or Stock Dividend) on " + when +
+                                    ".\nDo you still want to add this Stock Split?",
+                                "Stock Split with same Date exists");
+      if (!yes) return false;
+    }
+    app.client->Execute(
+        R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
+        R"("Notes", "Prec Sort") VALUES (:n, :date, :type, :pre, :post, :shares, :notes, :prec))",
+        {{"n", block_no},
+         {"date", date},
+         {"type", type},
+         {"pre", pre_ratio},
+         {"post", post_ratio},
+         {"shares", shares},
+         {"notes", notes},
+         {"prec", type == kTypeDividend ? kPrecDividend : kPrecSplit}});
+    return true;
+  });
 }
 
-bool AddAdjust(Application&, int64_t, Date, double, Currency, const std::string&) {
-  NotBuilt("AddAdjust");
+bool AddAdjust(Application& app, int64_t block_no, Date date, double shares, Currency cost,
+               const std::string& notes) {
+  return Trap(app, "AddAdjust", false, [&] {
+    if (BlockHasRowOn(app, "Adjusts In Block", block_no, date) &&
+        !AskYesNo(app,
+                  "There is already an Adjustment in this block for " + date.ToString() +
+                      ".\nDo you still want to add this Adjustment?",
+                  "Adjustment with same Date exists")) {
+      return false;
+    }
+    app.client->Execute(
+        R"(INSERT INTO "Adjust" ("Block No", "Date", "Shares", "Cost", "Notes", "Prec Sort") )"
+        R"(VALUES (:n, :date, :shares, :cost, :notes, :prec))",
+        {{"n", block_no},
+         {"date", date},
+         {"shares", shares},
+         {"cost", cost},
+         {"notes", notes},
+         {"prec", kPrecAdjust}});
+    return true;
+  });
 }
 
-bool ModifyBuy(Application&, int64_t, Date, Currency, Currency, double, const std::string&) {
-  NotBuilt("ModifyBuy");
+bool ModifyBuy(Application& app, int64_t unique_id, Date date, Currency cost, Currency fee,
+               double shares, const std::string& notes) {
+  return Trap(app, "ModifyBuy", false, [&] {
+    std::optional<Query> row = FindTransaction(app, "Buy", unique_id);
+    if (!row) return false;
+    const Date old_date = row->DateValue("Date");
+    const int64_t block_no = row->Int("Block No");
+    const int64_t type = row->Int("Type");
+    ChangeLines lines("Buy", unique_id);
+    lines.Compare("Date", old_date, date);
+    lines.Compare("Cost", row->Money("Cost"), cost);
+    lines.Compare("Fee", row->Money("Fee"), fee);
+    lines.Compare("Shares", row->Double("Shares"), shares);
+    row.reset();
+
+    int64_t sec_id = 0;
+    if (date != old_date) {
+      Query block = app.client->Select(R"(SELECT "Sec ID" FROM "Blocks" WHERE "Block No" = :n)",
+                                       {{"n", block_no}});
+      if (!block.Next()) {
+        throw LwError(err::kUnexpected, "No current record: block " + std::to_string(block_no));
+      }
+      sec_id = block.Int("Sec ID");
+      // Declining the re-dated block's question abandons the whole change:
+      // a buy must never sit under a block of another date.
+      if (!ConfirmRedate(app, sec_id, block_no, type, date)) return false;
+    }
+
+    Database::Transaction unit(*app.client);
+    if (!lines.Write(app)) return false;
+    if (date != old_date) RedateBlock(app, sec_id, block_no, date);
+    app.client->Execute(
+        R"(UPDATE "Buy" SET "Date" = :date, "Cost" = :cost, "Fee" = :fee, "Shares" = :shares, )"
+        R"("Notes" = :notes WHERE "Unique ID" = :id)",
+        {{"date", date},
+         {"cost", cost},
+         {"fee", fee},
+         {"shares", shares},
+         {"notes", notes},
+         {"id", unique_id}});
+    unit.Commit();
+    return true;
+  });
 }
 
-bool ModifySell(Application&, int64_t, Date, Currency, Currency, double, const std::string&) {
-  NotBuilt("ModifySell");
+bool ModifySell(Application& app, int64_t unique_id, Date date, Currency sale_price, Currency fee,
+                double shares, const std::string& notes) {
+  return Trap(app, "ModifySell", false, [&] {
+    std::optional<Query> row = FindTransaction(app, "Sell", unique_id);
+    if (!row) return false;
+    ChangeLines lines("Sell", unique_id);
+    lines.Compare("Date", row->DateValue("Date"), date);
+    lines.Compare("Sale Price", row->Money("Sale Price"), sale_price);
+    lines.Compare("Fee", row->Money("Fee"), fee);
+    lines.Compare("Shares", row->Double("Shares"), shares);
+    row.reset();
+
+    Database::Transaction unit(*app.client);
+    if (!lines.Write(app)) return false;
+    app.client->Execute(R"(UPDATE "Sell" SET "Date" = :date, "Sale Price" = :price, "Fee" = :fee, )"
+                        R"("Shares" = :shares, "Notes" = :notes WHERE "Unique ID" = :id)",
+                        {{"date", date},
+                         {"price", sale_price},
+                         {"fee", fee},
+                         {"shares", shares},
+                         {"notes", notes},
+                         {"id", unique_id}});
+    unit.Commit();
+    return true;
+  });
 }
 
-bool ModifySplit(Application&, int64_t, Date, double, const std::string&) {
-  NotBuilt("ModifySplit");
+bool ModifySplit(Application& app, int64_t unique_id, Date date, double shares,
+                 const std::string& notes) {
+  return Trap(app, "ModifySplit", false, [&] {
+    std::optional<Query> row = FindTransaction(app, "Split", unique_id);
+    if (!row) return false;
+    ChangeLines lines("Split", unique_id);
+    lines.Compare("Date", row->DateValue("Date"), date);
+    lines.Compare("Shares", row->Double("Shares"), shares);
+    row.reset();
+
+    Database::Transaction unit(*app.client);
+    if (!lines.Write(app)) return false;
+    app.client->Execute(
+        R"(UPDATE "Split" SET "Date" = :date, "Shares" = :shares, "Notes" = :notes )"
+        R"(WHERE "Unique ID" = :id)",
+        {{"date", date}, {"shares", shares}, {"notes", notes}, {"id", unique_id}});
+    unit.Commit();
+    return true;
+  });
 }
 
-bool ModifyAdjust(Application&, int64_t, Date, Currency, double, const std::string&) {
-  NotBuilt("ModifyAdjust");
+bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost, double shares,
+                  const std::string& notes) {
+  return Trap(app, "ModifyAdjust", false, [&] {
+    std::optional<Query> row = FindTransaction(app, "Adjust", unique_id);
+    if (!row) return false;
+    ChangeLines lines("Adjust", unique_id);
+    lines.Compare("Date", row->DateValue("Date"), date);
+    lines.Compare("Cost", row->Money("Cost"), cost);
+    lines.Compare("Shares", row->Double("Shares"), shares);
+    row.reset();
+
+    Database::Transaction unit(*app.client);
+    if (!lines.Write(app)) return false;
+    app.client->Execute(
+        R"(UPDATE "Adjust" SET "Date" = :date, "Cost" = :cost, "Shares" = :shares, )"
+        R"("Notes" = :notes WHERE "Unique ID" = :id)",
+        {{"date", date}, {"cost", cost}, {"shares", shares}, {"notes", notes}, {"id", unique_id}});
+    unit.Commit();
+    return true;
+  });
 }
 
-bool UpdateBlock(Application&, int64_t, int64_t, Date) {
-  NotBuilt("UpdateBlock");
+bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) {
+  return Trap(app, "UpdateBlock", false, [&] {
+    if (!ConfirmRedate(app, sec_id, block_no, BlockBuyType(app, block_no), date)) return false;
+    Database::Transaction unit(*app.client);
+    RedateBlock(app, sec_id, block_no, date);
+    unit.Commit();
+    return true;
+  });
 }
 
-void RollBackTable(Application&, std::string_view, int64_t, int16_t, Date) {
-  NotBuilt("RollBackTable");
+bool RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
+                   Date date) {
+  return Trap(app, "RollBackTable", false, [&] {
+    Execute(*app.client, Query_RollBack(table, type, block_no, date));
+    return true;
+  });
 }
 
-void DeleteBlock(Application&) {
-  NotBuilt("DeleteBlock");
+void DeleteBlock(Application& app) {
+  TrapVoid(app, "DeleteBlock", [&] {
+    const int64_t block_no = app.current.block_no;
+    bool selected = false;
+    {
+      Query blocks = Select(*app.client, Query_GetBlocksInSec(app.current.sec_id));
+      while (blocks.Next()) selected = selected || blocks.Int("Block No") == block_no;
+    }
+    // With lots but none of them selected there is still nothing to delete.
+    if (!selected) {
+      app.ui().MessageBox(
+          "There are no blocks to delete. To add a block you need to enter a Buy or Reinvestment.",
+          "No Blocks", Icon::kInformation, Buttons::kOk);
+      return;
+    }
+    if (!AskYesNo(app,
+                  "You are about to delete Block: " + app.current.block_id +
+                      ". This will also delete all transactions in this block. Are you sure you "
+                      "want to do this?",
+                  "Delete Block?")) {
+      return;
+    }
+    // The block's transactions go with it (the relations cascade).
+    Execute(*app.client, Query_DeleteBlock(block_no));
+    app.current.block_no = 0;
+    app.current.block_id.clear();
+  });
 }
 
 }  // namespace lotwise

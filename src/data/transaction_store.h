@@ -54,8 +54,9 @@ bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost,
 // for its new date. Returns false when the user declines.
 bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date);
 // Deletes the table's rows of the block of that type (99: any) dated after
-// `date`.
-void RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
+// `date`. Returns true iff the delete ran (false after a reported error, so
+// that the caller's roll-back unit is not committed).
+bool RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
                    Date date);
 // Deletes the block selected in the main window, with its transactions,
 // after the user confirms.

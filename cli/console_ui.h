@@ -1,0 +1,62 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/environment.h"
+#include "app/ui_port.h"
+
+namespace lotwise {
+
+// The UI port of the command-line front: every message goes to the error
+// stream as "title: text"; a question takes the answer that --yes gives
+// (Yes, OK, Retry) or else the one that changes nothing (No, Cancel); the
+// reconciliation dialog is always answered Ignore, pickers are cancelled,
+// and a dialog that needs a window is reported and closed unseen.
+class ConsoleUi : public UiPort {
+ public:
+  ConsoleUi(std::ostream& out, std::ostream& err, bool assume_yes)
+      : out_(out), err_(err), assume_yes_(assume_yes) {}
+
+  Answer MessageBox(std::string_view text, std::string_view title, Icon icon,
+                    Buttons buttons) override;
+  void SetHelpBarText(std::string_view text) override;
+  std::string PickFile(const FileRequest& request) override;
+  std::string PickSaveFile(const FileRequest& request) override;
+  ChkFilesChoice ChkFiles(std::string_view caption, std::string_view text,
+                          bool create_enabled) override;
+  void RunModal(DialogForm& form) override;
+  void PrintLines(std::string_view title, const std::vector<std::string>& lines) override;
+
+  // How many reconciliation questions were answered (all with Ignore).
+  int chk_files_asked() const { return chk_files_asked_; }
+  // How many messages were shown.
+  int messages_shown() const { return messages_shown_; }
+
+ private:
+  std::ostream& out_;
+  std::ostream& err_;
+  bool assume_yes_;
+  int chk_files_asked_ = 0;
+  int messages_shown_ = 0;
+};
+
+// The real surroundings, except that the end of the process is only noted:
+// the front finishes its report and returns the exit code itself.
+class ConsoleEnvironment : public SystemEnvironment {
+ public:
+  void EndProcess(int exit_code) override {
+    end_requested_ = true;
+    exit_code_ = exit_code;
+  }
+  bool end_requested() const { return end_requested_; }
+  int exit_code() const { return exit_code_; }
+
+ private:
+  bool end_requested_ = false;
+  int exit_code_ = 0;
+};
+
+}  // namespace lotwise

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "data/database.h"
+#include "storage/storage_fixture.h"
+
+namespace lotwise {
+namespace {
+
+using testing::StorageTest;
+
+// A failing disk during a commit: whichever single write or sync of the
+// database file or its journal fails, the commit reports the failure, and
+// once the file is opened again none of the unit's rows is there, the rows
+// committed before are, and the file is sound.
+enum class DiskFault { kWrite, kSync };
+
+class DiskFaultTest : public StorageTest, public ::testing::WithParamInterface<DiskFault> {
+ protected:
+  static constexpr int kRows = 300;
+
+  // A Taxpayer File holding one committed portfolio.
+  std::string FileWithOneRow(const std::string& name) {
+    std::string path = CopyTemplate(name);
+    AddPortfolio(*Database::Open(path), "Before");
+    return path;
+  }
+
+  // Many rows in one unit, enough to span several pages.
+  static void WriteUnit(Database& db) {
+    Database::Transaction unit(db);
+    for (int i = 0; i < kRows; ++i) {
+      db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES (:p, :l))",
+                 {{"p", "Port " + std::to_string(i)}, {"l", std::string(80, 'x')}});
+    }
+    unit.Commit();
+  }
+
+  int Counter(const StorageFaults& faults) const {
+    return GetParam() == DiskFault::kWrite ? faults.disk_writes() : faults.disk_syncs();
+  }
+  void Arm(StorageFaults& faults, int n) const {
+    if (GetParam() == DiskFault::kWrite) {
+      faults.FailDiskWriteNumber(n);
+    } else {
+      faults.FailDiskSyncNumber(n);
+    }
+  }
+};
+
+TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
+  // How many writes (syncs) a sound commit of the unit makes.
+  int total = 0;
+  {
+    StorageFaults faults;
+    auto db = Database::Open(FileWithOneRow("count.mdb"), Database::Mode::kShared, &faults);
+    int before = Counter(faults);
+    WriteUnit(*db);
+    total = Counter(faults) - before;
+    EXPECT_EQ(Count(*db, "Portfolio"), kRows + 1);
+  }
+  ASSERT_GT(total, 1);
+
+  for (int n = 1; n <= total; ++n) {
+    SCOPED_TRACE("failing number " + std::to_string(n) + " of " + std::to_string(total));
+    std::string path = FileWithOneRow("fault" + std::to_string(n) + ".mdb");
+    {
+      StorageFaults faults;
+      auto db = Database::Open(path, Database::Mode::kShared, &faults);
+      Arm(faults, n);
+      try {
+        WriteUnit(*db);
+        ADD_FAILURE() << "the commit did not fail";
+      } catch (const LwError& e) {
+        EXPECT_EQ(e.number(), err::kSqliteBase + 10);
+        EXPECT_EQ(e.text(), "disk I/O error");
+      }
+    }
+    auto reopened = Database::Open(path);
+    EXPECT_EQ(Count(*reopened, "Portfolio"), 1);
+    EXPECT_EQ(reopened->IntegrityCheck(), "ok");
+    EXPECT_FALSE(std::filesystem::exists(path + "-journal"));
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest,
+                         ::testing::Values(DiskFault::kWrite, DiskFault::kSync),
+                         [](const auto& info) {
+                           return std::string(info.param == DiskFault::kWrite ? "Write" : "Sync");
+                         });
+
+// Only a connection opened with a StorageFaults is watched: another
+// connection to the same file writes through while a fault is armed.
+TEST_F(StorageTest, DiskFault_FilesWithoutFaultsPassThrough) {
+  std::string path = CopyTemplate("x.mdb");
+  StorageFaults faults;
+  auto db = Database::Open(path, Database::Mode::kShared, &faults);
+  auto plain = Database::Open(path);
+  AddPortfolio(*plain, "Plain");
+  EXPECT_EQ(faults.disk_writes(), 0);
+  faults.FailDiskWriteNumber(1);
+  AddPortfolio(*plain, "Still plain");
+  EXPECT_EQ(Count(*db, "Portfolio"), 2);
+  EXPECT_THROW(AddPortfolio(*db, "Faulty"), LwError);
+  EXPECT_EQ(Count(*plain, "Portfolio"), 2);
+}
+
+}  // namespace
+}  // namespace lotwise

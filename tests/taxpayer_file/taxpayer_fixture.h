@@ -1,0 +1,62 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "app/paths.h"
+#include "data/database.h"
+#include "support/app_fixture.h"
+
+namespace lotwise::testing {
+
+inline const std::string kShutDownAdvice =
+    " The program will now shut down to prevent errors in your data and calculations.";
+
+// A central file of its own for every test, and readers of the rows the
+// taxpayer operations leave behind.
+class TaxpayerTest : public AppTest {
+ protected:
+  void SetUp() override {
+    AppTest::SetUp();
+    OpenFreshCentral();
+  }
+
+  void IndexClient(const std::string& code, const std::string& name, const std::string& sort,
+                   const std::string& file) {
+    app_->central->Execute(
+        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
+        R"(VALUES (:c, :n, :s, :f))",
+        {{"c", code}, {"n", name}, {"s", sort}, {"f", file}});
+  }
+
+  // "name|sort|code|file" of the central row with exactly this code, or "-".
+  std::string CentralRow(const std::string& code) {
+    Query q = app_->central->Select(
+        R"(SELECT * FROM "Clients" WHERE "Client Code" = :c COLLATE BINARY)", {{"c", code}});
+    if (!q.Next()) return "-";
+    return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
+           q.Text("File Name");
+  }
+
+  // "name|sort|code|2nd line|year end" of the Client row of a Taxpayer File.
+  std::string ClientRow(const std::string& file_name) {
+    auto db = Database::Open(app_->taxpayer_folder + file_name, Database::Mode::kReadOnly);
+    Query q = db->Select(R"(SELECT * FROM "Client")");
+    if (!q.Next()) return "-";
+    return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
+           q.Text("2nd Line") + "|" + q.Text("Year End");
+  }
+
+  std::vector<std::string> TaxpayerFiles() { return ListFiles(app_->taxpayer_folder, "*"); }
+
+  long long Count(const std::string& sql) {
+    Query q = app_->client->Select(sql);
+    q.Next();
+    return q.Int("n");
+  }
+};
+
+}  // namespace lotwise::testing
