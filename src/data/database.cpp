@@ -177,6 +177,10 @@ std::unique_ptr<Database> Database::OpenWith(const std::string& path, int flags,
     auto sqlite = std::make_unique<SQLite::Database>(path, flags, busy_timeout_ms.load(), vfs);
     if (faults != nullptr) AttachStorageFaults(sqlite->getHandle(), faults);
     std::unique_ptr<Database> db(new Database(std::move(sqlite), path, faults));
+    // A double-quoted name must always be a name: SQLite would otherwise
+    // take an unknown one for a text literal and quietly match nothing.
+    sqlite3_db_config(db->db_->getHandle(), SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(db->db_->getHandle(), SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     sqlite3_create_function_v2(db->db_->getHandle(), "lw_number_text", 1,
                                SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr, NumberTextFunction,
                                nullptr, nullptr, nullptr);

@@ -80,7 +80,7 @@ CREATE TABLE "Buy" (
   "Notes" TEXT,
   "Prec Sort" INTEGER NOT NULL
 );
-CREATE INDEX "Buy Block" ON "Buy" ("Block No", "Date");
+CREATE INDEX "Buy Block" ON "Buy" ("Block No", "Date", "Shares");
 CREATE TABLE "Sell" (
   "Unique ID" INTEGER PRIMARY KEY AUTOINCREMENT,
   "Block No" INTEGER NOT NULL REFERENCES "Blocks" ("Block No") ON DELETE CASCADE,
@@ -91,7 +91,7 @@ CREATE TABLE "Sell" (
   "Notes" TEXT,
   "Prec Sort" INTEGER NOT NULL
 );
-CREATE INDEX "Sell Block" ON "Sell" ("Block No", "Date");
+CREATE INDEX "Sell Block" ON "Sell" ("Block No", "Date", "Shares");
 CREATE TABLE "Split" (
   "Unique ID" INTEGER PRIMARY KEY AUTOINCREMENT,
   "Block No" INTEGER NOT NULL REFERENCES "Blocks" ("Block No") ON DELETE CASCADE,
@@ -103,7 +103,7 @@ CREATE TABLE "Split" (
   "Notes" TEXT,
   "Prec Sort" INTEGER NOT NULL
 );
-CREATE INDEX "Split Block" ON "Split" ("Block No", "Date");
+CREATE INDEX "Split Block" ON "Split" ("Block No", "Date", "Shares");
 CREATE TABLE "Adjust" (
   "Unique ID" INTEGER PRIMARY KEY AUTOINCREMENT,
   "Block No" INTEGER NOT NULL REFERENCES "Blocks" ("Block No") ON DELETE CASCADE,
@@ -113,7 +113,7 @@ CREATE TABLE "Adjust" (
   "Notes" TEXT,
   "Prec Sort" INTEGER NOT NULL
 );
-CREATE INDEX "Adjust Block" ON "Adjust" ("Block No", "Date");
+CREATE INDEX "Adjust Block" ON "Adjust" ("Block No", "Date", "Shares");
 CREATE TABLE "Sell Method" (
   "Sec Symbol" TEXT NOT NULL COLLATE NOCASE PRIMARY KEY,
   "Sell Method" INTEGER NOT NULL
