@@ -39,6 +39,16 @@ void StateToSECOPEN(Application& app) {
 
 }  // namespace
 
+bool MainWindowState::IsEnabled(const std::string& name) const {
+  auto it = enabled.find(name);
+  return it == enabled.end() || it->second;
+}
+
+bool MainWindowState::IsVisible(const std::string& name) const {
+  auto it = visible.find(name);
+  return it == visible.end() || it->second;
+}
+
 int16_t State(Application& app, int16_t new_state) {
   HourglassGuard hourglass(app.ui());
   switch (new_state) {

@@ -5,6 +5,7 @@
 
 #include "app/app_state.h"
 #include "app/current_context.h"
+#include "app/sale_lists.h"
 
 namespace lotwise {
 
@@ -74,6 +75,8 @@ class Application {
   Prefs prefs;
   MainWindowState window;
   CurrentContext current;
+  // The shares lists of the sale being entered.
+  SaleLists sale_lists;
 
   // The Security Symbols File, open for the whole run.
   std::unique_ptr<Database> central;

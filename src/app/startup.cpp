@@ -98,14 +98,6 @@ std::vector<IndexRow> ReadClientInfo(Database& central) {
   return rows;
 }
 
-bool IsIndexed(Database& central, const std::string& file_name) {
-  std::string wanted = ToUpperAscii(file_name);
-  for (const IndexRow& row : ReadClientInfo(central)) {
-    if (ToUpperAscii(row.file_name) == wanted) return true;
-  }
-  return false;
-}
-
 void DeleteIndexRow(Database& central, const std::string& client_code) {
   central.Execute(R"(DELETE FROM "Clients" WHERE "Client Code" = :code)", {{"code", client_code}});
 }
@@ -287,9 +279,12 @@ void CheckDBFiles(Application& app, Database& central) {
       fs::remove(app.taxpayer_folder + scratch);
     }
 
+    // One read of the index serves every file: an office keeps thousands.
+    std::set<std::string> indexed;
+    for (const IndexRow& row : ReadClientInfo(central)) indexed.insert(ToUpperAscii(row.file_name));
     for (const std::string& name : ListFiles(app.taxpayer_folder, "*.mdb")) {
       if (ToUpperAscii(name) == "CENTRAL.MDB") continue;
-      if (IsIndexed(central, name)) continue;
+      if (indexed.count(ToUpperAscii(name)) != 0) continue;
       std::string path = app.taxpayer_folder + name;
       ChkFilesChoice choice = ShowNoClient(app, path);
       if (app.ended) return;

@@ -66,9 +66,12 @@ CREATE TABLE "Blocks" (
   "Block No" INTEGER PRIMARY KEY AUTOINCREMENT,
   "Sec ID" INTEGER NOT NULL REFERENCES "Security" ("Sec ID") ON DELETE CASCADE,
   "Block ID" TEXT NOT NULL,
-  "Date" TEXT NOT NULL
+  "Date" TEXT NOT NULL,
+  "Shares Left" REAL NOT NULL DEFAULT 0
 );
 CREATE INDEX "Blocks Sec Date" ON "Blocks" ("Sec ID", "Date", "Block ID");
+CREATE INDEX "Blocks Open" ON "Blocks" ("Sec ID", "Date", "Block ID")
+  WHERE "Shares Left" >= 0.000005;
 CREATE TABLE "Buy" (
   "Unique ID" INTEGER PRIMARY KEY AUTOINCREMENT,
   "Block No" INTEGER NOT NULL REFERENCES "Blocks" ("Block No") ON DELETE CASCADE,
@@ -114,6 +117,11 @@ CREATE TABLE "Adjust" (
   "Prec Sort" INTEGER NOT NULL
 );
 CREATE INDEX "Adjust Block" ON "Adjust" ("Block No", "Date", "Shares");
+CREATE VIEW "Block Shares" AS
+  SELECT "Block No", "Shares" FROM "Buy"
+  UNION ALL SELECT "Block No", "Shares" FROM "Sell"
+  UNION ALL SELECT "Block No", "Shares" FROM "Split"
+  UNION ALL SELECT "Block No", "Shares" FROM "Adjust";
 CREATE TABLE "Sell Method" (
   "Sec Symbol" TEXT NOT NULL COLLATE NOCASE PRIMARY KEY,
   "Sell Method" INTEGER NOT NULL
@@ -171,6 +179,32 @@ CREATE TABLE "Sec List Report" (
   "2nd Line" TEXT, "Sell Method" TEXT
 );
 )sql";
+
+// "Shares Left" of a block is the sum of the shares of all its
+// transactions, kept by the database itself on every write to them, so that
+// the blocks that still hold shares are found without summing a security's
+// whole history (a FIFO sale looks only at open blocks, whatever the number
+// of sales before it). Each trigger sums the block afresh rather than adding
+// the change, so the value is always exactly the sum of the rows.
+std::string SharesLeftTriggers() {
+  std::string script;
+  auto refresh = [](const char* row) {
+    return std::string(R"(UPDATE "Blocks" SET "Shares Left" = (SELECT total("Shares") FROM )"
+                       R"("Block Shares" WHERE "Block No" = )") +
+           row + R"(."Block No") WHERE "Block No" = )" + row + R"(."Block No";)";
+  };
+  for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) {
+    std::string t = table;
+    script += "CREATE TRIGGER \"" + t + " Shares Left Insert\" AFTER INSERT ON \"" + t +
+              "\" BEGIN " + refresh("NEW") + " END;\n";
+    script += "CREATE TRIGGER \"" + t + " Shares Left Update\" AFTER UPDATE OF \"Shares\", " +
+              "\"Block No\" ON \"" + t + "\" BEGIN " + refresh("OLD") + " " + refresh("NEW") +
+              " END;\n";
+    script += "CREATE TRIGGER \"" + t + " Shares Left Delete\" AFTER DELETE ON \"" + t +
+              "\" BEGIN " + refresh("OLD") + " END;\n";
+  }
+  return script;
+}
 
 constexpr const char* kSavedQueriesDdl =
     "CREATE TABLE lw_saved_queries (Name TEXT NOT NULL COLLATE NOCASE PRIMARY KEY, SQL TEXT NOT NULL);";
@@ -316,6 +350,7 @@ void CreateTemplate(FileKind kind, const std::string& path) {
       break;
     case FileKind::kTaxpayer:
       db->ExecuteScript(kTaxpayerTables);
+      db->ExecuteScript(SharesLeftTriggers());
       WriteQueries(*db, kTaxpayerQueries);
       break;
     case FileKind::kReport:

@@ -1,0 +1,42 @@
+#include "data/block_shares.h"
+
+#include "app/value_helpers.h"
+#include "data/database.h"
+
+namespace lotwise {
+
+std::vector<BlockShares> OpenBlocks(Database& client, int64_t sec_id) {
+  std::vector<BlockShares> blocks;
+  // The condition repeats the open-blocks index's own, so that the index is
+  // used; rounding then decides, exactly as a fresh sum would be rounded.
+  Query q = client.Select(
+      R"(SELECT "Block No", "Block ID", "Date", "Shares Left" FROM "Blocks" )"
+      R"(WHERE "Sec ID" = :id AND "Shares Left" >= 0.000005 ORDER BY "Date", "Block ID")",
+      {{"id", sec_id}});
+  while (q.Next()) {
+    double shares = RoundDouble(q.Double("Shares Left"), 5);
+    if (shares <= 0) continue;
+    blocks.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"), shares});
+  }
+  return blocks;
+}
+
+std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date as_of) {
+  std::vector<BlockShares> blocks;
+  Query q = client.Select(
+      R"(SELECT B."Block No", B."Block ID", B."Date", )"
+      R"((SELECT total(T."Shares") FROM (SELECT "Shares", "Date" FROM "Buy" WHERE "Block No" = B."Block No" )"
+      R"(UNION ALL SELECT "Shares", "Date" FROM "Sell" WHERE "Block No" = B."Block No" )"
+      R"(UNION ALL SELECT "Shares", "Date" FROM "Split" WHERE "Block No" = B."Block No" )"
+      R"(UNION ALL SELECT "Shares", "Date" FROM "Adjust" WHERE "Block No" = B."Block No") AS T )"
+      R"(WHERE T."Date" <= :as_of) AS "Shares" )"
+      R"(FROM "Blocks" AS B WHERE B."Sec ID" = :id ORDER BY B."Date", B."Block ID")",
+      {{"id", sec_id}, {"as_of", as_of}});
+  while (q.Next()) {
+    blocks.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"),
+                      RoundDouble(q.Double("Shares"), 5)});
+  }
+  return blocks;
+}
+
+}  // namespace lotwise
