@@ -1,40 +1,108 @@
 #include "app/app_state.h"
 
+#include <array>
+#include <string_view>
+
 #include "app/application.h"
 #include "app/error_handler.h"
+#include "app/security_display.h"
 #include "app/ui_port.h"
 #include "app/value_helpers.h"
+#include "lots/security_list.h"
 
 namespace lotwise {
 
 namespace {
 
+// What a state does to one element: switch it off (disable or hide), on
+// (enable or show), or leave it as the previous state left it.
+enum class Cell { kOff, kOn, kKeep };
+enum class Switch { kEnabled, kVisible };
+
+struct StateRow {
+  std::string_view name;
+  Switch what;
+  // By state: CLIENTCLOSED, CLIENTOPEN, PORTOPEN, SECOPEN.
+  std::array<Cell, 4> cells;
+};
+
+using enum Cell;
+
+constexpr StateRow kStateTable[] = {
+    {"mnuPortfolio", Switch::kVisible, {kOff, kOn, kOn, kOn}},
+    {"mnuSecurity", Switch::kVisible, {kOff, kOff, kOn, kOn}},
+    {"mnuActions", Switch::kVisible, {kOff, kOff, kOff, kOn}},
+    {"mnuFileModifyClient", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"mnuFileCloseClient", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"mnuPortfolioModify", Switch::kEnabled, {kKeep, kOff, kOn, kOn}},
+    {"mnuPortfolioClose", Switch::kEnabled, {kKeep, kOff, kOn, kOn}},
+    {"mnuSecurityDelete", Switch::kEnabled, {kKeep, kKeep, kOff, kOn}},
+    {"mnuChangeMethod", Switch::kEnabled, {kKeep, kKeep, kOff, kOn}},
+    {"mnuDeleteBlock", Switch::kEnabled, {kOff, kOff, kOff, kOn}},
+    {"mnuModifyTrans", Switch::kEnabled, {kOff, kOff, kOff, kOn}},
+    {"mnuDeleteTrans", Switch::kEnabled, {kOff, kOff, kOff, kOn}},
+    {"mnuTransListing", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"mnuBasisAnalysis", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"mnuScheduleD", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"mnuSecListing", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"NewPort", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"OpenPort", Switch::kEnabled, {kOff, kOn, kOn, kOn}},
+    {"AddSec", Switch::kEnabled, {kOff, kOff, kOn, kOn}},
+};
+
+// The caption panels and the two security views of each state.
+struct StatePanels {
+  bool client_caption;
+  bool portfolio_caption;
+  Cell sec_list;
+  Cell sec_display;
+};
+
+constexpr StatePanels kStatePanels[] = {
+    {false, false, kOff, kOff},  // CLIENTCLOSED
+    {true, false, kOff, kOff},   // CLIENTOPEN
+    {true, true, kOn, kOff},     // PORTOPEN
+    {true, true, kKeep, kKeep},  // SECOPEN: the caller has just shown the security
+};
+
+void ApplyState(Application& app, int16_t state) {
+  const size_t column = static_cast<size_t>(state - kClientClosed);
+  MainWindowState& window = app.window;
+  for (const StateRow& row : kStateTable) {
+    const Cell cell = row.cells[column];
+    if (cell == Cell::kKeep) continue;
+    auto& values = row.what == Switch::kEnabled ? window.enabled : window.visible;
+    values[std::string(row.name)] = cell == Cell::kOn;
+  }
+
+  const StatePanels& panels = kStatePanels[column];
+  window.client_panel = panels.client_caption ? FixAmpersand(app.current.client_name) : "";
+  window.portfolio_panel = panels.portfolio_caption ? FixAmpersand(app.current.port_name) : "";
+  if (panels.sec_list == Cell::kOn) ShowSecList(app);
+  if (panels.sec_list == Cell::kOff) HideSecList(app);
+  if (panels.sec_display == Cell::kOff) HideSecDisplay(app);
+}
+
 void StateToCLIENTCLOSED(Application& app) {
   TrapVoid(app, "StateToCLIENTCLOSED", [&] {
-    app.window.client_panel.clear();
-    app.window.portfolio_panel.clear();
+    ApplyState(app, kClientClosed);
+    // Without a taxpayer the lists keep nothing of the closed file.
+    app.window.securities.clear();
+    app.window.selected_security = -1;
+    app.window.display = SecurityDisplay{};
   });
 }
 
 void StateToCLIENTOPEN(Application& app) {
-  TrapVoid(app, "StateToCLIENTOPEN", [&] {
-    app.window.client_panel = FixAmpersand(app.current.client_name);
-    app.window.portfolio_panel.clear();
-  });
+  TrapVoid(app, "StateToCLIENTOPEN", [&] { ApplyState(app, kClientOpen); });
 }
 
 void StateToPORTOPEN(Application& app) {
-  TrapVoid(app, "StateToPORTOPEN", [&] {
-    app.window.client_panel = FixAmpersand(app.current.client_name);
-    app.window.portfolio_panel = FixAmpersand(app.current.port_name);
-  });
+  TrapVoid(app, "StateToPORTOPEN", [&] { ApplyState(app, kPortOpen); });
 }
 
 void StateToSECOPEN(Application& app) {
-  TrapVoid(app, "StateToSECOPEN", [&] {
-    app.window.client_panel = FixAmpersand(app.current.client_name);
-    app.window.portfolio_panel = FixAmpersand(app.current.port_name);
-  });
+  TrapVoid(app, "StateToSECOPEN", [&] { ApplyState(app, kSecOpen); });
 }
 
 }  // namespace
@@ -92,6 +160,23 @@ void ToggleHelpBar(Application& app) {
   TrapVoid(app, "ToggleHelpBar", [&] {
     app.window.options.show_help_bar = !app.window.options.show_help_bar;
     app.window.help_bar_visible = app.window.options.show_help_bar;
+  });
+}
+
+void ToggleToolTips(Application& app) {
+  TrapVoid(app, "ToggleToolTips",
+           [&] { app.window.options.show_tool_tips = !app.window.options.show_tool_tips; });
+}
+
+void ToggleOpenOnlyPort(Application& app) {
+  TrapVoid(app, "ToggleOpenOnlyPort",
+           [&] { app.window.options.open_only_port = !app.window.options.open_only_port; });
+}
+
+void ToggleRecalcShares(Application& app) {
+  TrapVoid(app, "ToggleRecalcShares", [&] {
+    app.window.options.recalc_shares = !app.window.options.recalc_shares;
+    if (app.window.options.recalc_shares && app.window.display.visible) UpdateSharesInSec(app);
   });
 }
 

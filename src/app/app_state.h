@@ -22,11 +22,11 @@ inline constexpr int16_t kStateQuery = -4000;
 
 // Check marks of the Options menu, as the INI file sets them.
 struct OptionMarks {
-  bool show_tool_bar = true;     // mnuShowToolbar
-  bool show_tool_tips = true;    // mnuShowToolTips
-  bool show_help_bar = true;     // mnuHelpBar
-  bool recalc_shares = true;     // mnuRecalcShares
-  bool open_only_port = true;    // mnuOpenOnlyPort
+  bool show_tool_bar = true;   // mnuShowToolbar
+  bool show_tool_tips = true;  // mnuShowToolTips
+  bool show_help_bar = true;   // mnuHelpBar
+  bool recalc_shares = true;   // mnuRecalcShares
+  bool open_only_port = true;  // mnuOpenOnlyPort
 };
 
 // One row of the portfolio's security list (SSdgSecList).
@@ -67,8 +67,8 @@ struct SecurityDisplay {
   // chosen yet).
   int16_t sell_method = 255;
   std::vector<BlockRow> blocks;
-  int selected_block = -1;  // index into blocks, -1 when there are none
-  int16_t trans_filter = 0;             // CSoptDisplayTrans, 0 "All" to 6 "Adjustment"
+  int selected_block = -1;                   // index into blocks, -1 when there are none
+  int16_t trans_filter = 0;                  // CSoptDisplayTrans, 0 "All" to 6 "Adjustment"
   std::string trans_filter_caption = "All";  // lblDisplayTrans
   std::vector<TransactionRow> transactions;
   int selected_transaction = -1;
@@ -110,5 +110,11 @@ int16_t State(Application& app, int16_t new_state);
 // Flip the tool bar's / help bar's check mark and show or hide the bar.
 void ToggleToolBar(Application& app);
 void ToggleHelpBar(Application& app);
+// Flip the check marks of mnuShowToolTips and mnuOpenOnlyPort.
+void ToggleToolTips(Application& app);
+void ToggleOpenOnlyPort(Application& app);
+// Flips the check mark of mnuRecalcShares; turned on while a security is
+// shown, its total is computed at once instead of waiting for a click.
+void ToggleRecalcShares(Application& app);
 
 }  // namespace lotwise

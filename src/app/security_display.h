@@ -11,31 +11,44 @@ class Application;
 inline constexpr const char* kTransFilterCaptions[] = {
     "All", "Buy", "Reinvestment", "Sell", "Stock Split", "Dividend", "Adjustment"};
 
+// The security panel of the main window, kept in app.window.display. Every
+// procedure traps its own errors (reported under its own name).
+
 // Fills app.window.display for the security `symbol` of the current
 // portfolio and shows it: name and CUSIP from the Security Symbols File
-// (offering to re-enter a deleted symbol), second line and sell method,
-// blocks oldest first with the first selected, its transactions under the
-// filter "All", and the total shares. Sets app.current.sec_id/sec_symbol.
+// (offering to re-enter a deleted symbol), second line and sell method
+// (giving the security "NOT SELECTED" when it has none), blocks oldest first
+// with the first selected, its transactions under the filter "All", and the
+// total shares. Sets app.current.sec_id/sec_symbol and block_no/block_id.
 void ShowSecDisplay(Application& app, const std::string& symbol);
+// Hides the panel; its contents stay.
 void HideSecDisplay(Application& app);
-// Applies the filter now chosen in display.trans_filter.
+// Applies the filter now chosen in display.trans_filter and shows its
+// caption.
 void SetDisplayTrans(Application& app);
-// Reloads the selected block's transactions under filter `type_index`.
+// Reloads the selected block's transactions under filter `type_index` (0 to
+// 6) with the first row selected, and the list's caption. Keeps
+// app.current.block_no/block_id equal to the selected block (0 and empty
+// text when there is none).
 void UpdateTransInBlock(Application& app, int16_t type_index);
 // Recomputes the open security's total shares into display.total_shares,
-// or shows "Recalculate" when the recalculation option is off.
+// or shows "Recalculate" without reading the file when the recalculation
+// option is off.
 void UpdateSharesInSec(Application& app);
 // As UpdateSharesInSec, whatever the option: a click on the total panel.
 void RecalculateShares(Application& app);
-// Reloads the security list and opens its selected security.
-void DisplaySecurity(Application& app);
+// Reloads the security list, selects the row of `symbol` (or keeps the
+// current row when empty text) and opens it through SecList_Select.
+void DisplaySecurity(Application& app, const std::string& symbol = "");
 // Reloads the blocks grid, selects the block `block_id` (or keeps the
-// current row when empty text) and reloads its transactions.
+// current row when empty text or not found) and reloads its transactions
+// under the current filter.
 void DisplayBlock(Application& app, const std::string& block_id = "");
 // Selects row `index` of the blocks grid and shows its transactions
-// ("Loading Transactions").
+// ("Loading Transactions"). An index outside the grid changes nothing.
 void SelectBlock(Application& app, int index);
-// Writes a changed name and CUSIP into the panel when it shows `symbol`.
+// Writes a changed name and CUSIP into the panel when the security list's
+// selected row holds `symbol`.
 void ModifySecDisplay(Application& app, const std::string& symbol, const std::string& name,
                       const std::string& cusip);
 

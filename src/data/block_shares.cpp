@@ -7,6 +7,15 @@ namespace lotwise {
 
 std::vector<BlockShares> OpenBlocks(Database& client, int64_t sec_id) {
   std::vector<BlockShares> blocks;
+  ForEachOpenBlock(client, sec_id, [&](const BlockShares& block) {
+    blocks.push_back(block);
+    return true;
+  });
+  return blocks;
+}
+
+void ForEachOpenBlock(Database& client, int64_t sec_id,
+                      const std::function<bool(const BlockShares&)>& visit) {
   // The condition repeats the open-blocks index's own, so that the index is
   // used; rounding then decides, exactly as a fresh sum would be rounded.
   Query q = client.Select(
@@ -16,9 +25,8 @@ std::vector<BlockShares> OpenBlocks(Database& client, int64_t sec_id) {
   while (q.Next()) {
     double shares = RoundDouble(q.Double("Shares Left"), 5);
     if (shares <= 0) continue;
-    blocks.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"), shares});
+    if (!visit({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"), shares})) return;
   }
-  return blocks;
 }
 
 std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date as_of) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,13 @@ struct BlockShares {
 // oldest first: by date, then by block id. Reads only the open blocks, so
 // its cost does not grow with the sales already made.
 std::vector<BlockShares> OpenBlocks(Database& client, int64_t sec_id);
+
+// Calls `visit` with the blocks OpenBlocks returns, in the same order, until
+// it returns false; the blocks after that are not read. A FIFO sale thus
+// reads only the oldest blocks it takes shares from, however many lots stay
+// open.
+void ForEachOpenBlock(Database& client, int64_t sec_id,
+                      const std::function<bool(const BlockShares&)>& visit);
 
 // Returns every block of security `sec_id`, oldest first, with the shares
 // of its transactions dated on or before `as_of` summed and rounded to five

@@ -9,6 +9,7 @@
 #include "app/error_handler.h"
 #include "app/lw_error.h"
 #include "app/number_text.h"
+#include "app/security_display.h"
 #include "app/ui_port.h"
 #include "data/database.h"
 #include "data/query_builders.h"
@@ -387,6 +388,9 @@ bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) 
     Database::Transaction unit(*app.client);
     RedateBlock(app, sec_id, block_no, date);
     unit.Commit();
+    if (app.window.display.visible && app.current.sec_id == sec_id) {
+      UpdateTransInBlock(app, app.window.display.trans_filter);
+    }
     return true;
   });
 }
@@ -425,6 +429,10 @@ void DeleteBlock(Application& app) {
     Execute(*app.client, Query_DeleteBlock(block_no));
     app.current.block_no = 0;
     app.current.block_id.clear();
+    if (app.window.display.visible) {
+      UpdateSharesInSec(app);
+      DisplayBlock(app);
+    }
   });
 }
 

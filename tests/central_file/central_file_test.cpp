@@ -5,54 +5,61 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {
 namespace {
 
-const std::string kNameQuestion =
-    "The Security Name you entered already exists in another Security. If you still want to use "
-    "this name click OK, otherwise click Cancel.";
-const std::string kCusipQuestion =
-    "The CUSIP you entered already exists in another Security. If you still want to use this CUSIP "
-    "click OK, otherwise click Cancel.";
-const std::string kNotFound =
-    "The Security you have specified can't be found. You may need to Add it again.";
-
 struct Message {
-  std::string text;
-  std::string title;
-  Icon icon;
-  Buttons buttons;
-  Answer answer;
+  std::string text, title;
+  Icon icon = Icon::kInformation;
+  Buttons buttons = Buttons::kOk;
+  Answer answer = Answer::kOk;
 };
 
 Message NameQuestion(Answer a) {
-  return {kNameQuestion, "Name already exists", Icon::kQuestion, Buttons::kOkCancel, a};
+  return {
+      "The Security Name you entered already exists in another Security. If you still want to "
+      "use this name click OK, otherwise click Cancel.",
+      "Name already exists", Icon::kQuestion, Buttons::kOkCancel, a};
 }
 Message CusipQuestion(Answer a) {
-  return {kCusipQuestion, "CUSIP already exists", Icon::kQuestion, Buttons::kOkCancel, a};
+  return {
+      "The CUSIP you entered already exists in another Security. If you still want to use "
+      "this CUSIP click OK, otherwise click Cancel.",
+      "CUSIP already exists", Icon::kQuestion, Buttons::kOkCancel, a};
 }
 
+const Message kNameNo = NameQuestion(Answer::kCancel), kNameOk = NameQuestion(Answer::kOk);
+const Message kCusipNo = CusipQuestion(Answer::kCancel), kCusipOk = CusipQuestion(Answer::kOk);
+const Message kSymbolExists{
+    "The Symbol: ibm already exists. Please enter a new Symbol or use the Security that already "
+    "exists.",
+    "Symbol already exists"};
+const Message kNotFound{
+    "The Security you have specified can't be found. You may need to Add it again.",
+    "Security not found"};
+const Message kAddInUse{
+    "The Symbol: DUP is already in use. Please enter a new Symbol or usethe Security that already "
+    "exits.",
+    "Symbol in use!"};
+const Message kModInUse{
+    "The Symbol: NOC already exists.Please enter a new Symbol, or usethe Security that already "
+    "exits.",
+    "Symbol in use!"};
+
+const std::string kNocRow = "Fund|NO CUSIP";
+
+// A central file holding IBM, with a CUSIP, and NOC, without one.
 class CentralFileTest : public AppTest {
  protected:
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshCentral();
-    Insert("IBM", "International Business Machines", "459200101");
-    Insert("NOC", "No Cusip Fund", kNoCusip);
-  }
-
-  void Insert(const std::string& symbol, const std::string& name, const std::string& cusip) {
-    app_->central->Execute(
-        R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES (:s, :n, :c))",
-        {{"s", symbol}, {"n", name}, {"c", cusip}});
-  }
-
-  void Script(const std::vector<Message>& messages) {
-    for (const Message& m : messages) ui_.Expect(m.text, m.title, m.icon, m.buttons, m.answer);
+    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES )"
+                           R"(('IBM', 'Big Blue', '459200101'), ('NOC', 'Fund', :c))",
+                           {{"c", kNoCusip}});
   }
 
   // "name|cusip" of the symbol's row, or "-" when there is none.
@@ -64,141 +71,62 @@ class CentralFileTest : public AppTest {
   }
 };
 
-// AddSecToCDB: an existing symbol (in any letter case) is refused whatever
-// else is typed; a shared name or CUSIP needs the user's OK; "NO CUSIP"
-// never counts as shared, and an empty CUSIP is stored as it.
-struct AddCase {
+// AddSecToCDB refuses an existing symbol (in any letter case); both add and
+// modify need the user's OK for a name or CUSIP of another security, never
+// for the security's own nor for "NO CUSIP"; an empty CUSIP is stored as
+// "NO CUSIP". The database's own refusal of a duplicate (another user was
+// quicker, here through a unique CUSIP index) arrives as "Symbol in use!".
+struct SecCase {
   const char* label;
+  bool modify;
   std::string symbol, name, cusip;
   std::vector<Message> messages;
-  bool added;
+  bool done;
   std::string stored;  // Row(symbol) afterwards
+  bool unique_cusips = false;
 };
 
-class AddSecToCDBTest : public CentralFileTest, public ::testing::WithParamInterface<AddCase> {};
+const SecCase kSecCases[] = {
+    {"AddNew", false, "MSFT", "Microsoft", "594918104", {}, true, "Microsoft|594918104"},
+    {"AddExistingSymbolOtherCase", false, "ibm", "Other", "1", {kSymbolExists}, false, "-"},
+    {"AddSharedNameDeclined", false, "IBX", "big blue", "1", {kNameNo}, false, "-"},
+    {"AddSharedNameAccepted", false, "IBX", "Big Blue", "1", {kNameOk}, true, "Big Blue|1"},
+    {"AddSharedCusipDeclined", false, "IBX", "Other", "459200101", {kCusipNo}, false, "-"},
+    {"AddNoCusipNeverShared", false, "NC2", "Second", kNoCusip, {}, true, "Second|NO CUSIP"},
+    {"AddEmptyCusipBecomesNoCusip", false, "NC3", "Third", "", {}, true, "Third|NO CUSIP"},
+    {"AddKeyInUse", false, "DUP", "Dup", "459200101", {kCusipOk, kAddInUse}, false, "-", true},
+    {"ModOwnNameAndCusip", true, "IBM", "Big Blue", "459200101", {}, true, "Big Blue|459200101"},
+    {"ModOtherNameDeclined", true, "NOC", "Big Blue", kNoCusip, {kNameNo}, false, kNocRow},
+    {"ModOtherCusipAccepted", true, "NOC", "Fund", "459200101", {kCusipOk}, true, "Fund|459200101"},
+    {"ModUnknownSymbol", true, "XYZ", "Nothing", "1", {kNotFound}, false, "-"},
+    {"ModKeyInUse", true, "NOC", "Fund", "459200101", {kCusipOk, kModInUse}, false, kNocRow, true},
+};
 
-TEST_P(AddSecToCDBTest, AddSecToCDB_Checks) {
-  const AddCase& c = GetParam();
-  Script(c.messages);
+class SecInCDBTest : public CentralFileTest, public ::testing::WithParamInterface<SecCase> {};
+
+TEST_P(SecInCDBTest, AddModSecInCDB_Checks) {
+  const SecCase& c = GetParam();
+  if (c.unique_cusips) {
+    app_->central->Execute(R"(CREATE UNIQUE INDEX "Unique CUSIP" ON "Securities" ("CUSIP"))");
+  }
+  for (const Message& m : c.messages) ui_.Expect(m.text, m.title, m.icon, m.buttons, m.answer);
   std::string cusip = c.cusip;
-  EXPECT_EQ(AddSecToCDB(*app_, c.symbol, c.name, cusip), c.added);
+  EXPECT_EQ(c.modify ? ModSecInCDB(*app_, c.symbol, c.name, cusip)
+                     : AddSecToCDB(*app_, c.symbol, c.name, cusip),
+            c.done);
   EXPECT_EQ(Row(c.symbol), c.stored);
-  EXPECT_EQ(CountCentralRows("Securities"), c.added ? 3 : 2);
-}
-
-const Message kSymbolExists{
-    "The Symbol: ibm already exists. Please enter a new Symbol or use the Security that already "
-    "exists.",
-    "Symbol already exists", Icon::kInformation, Buttons::kOk, Answer::kOk};
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, AddSecToCDBTest,
-    ::testing::Values(
-        AddCase{"NewSymbol", "MSFT", "Microsoft", "594918104", {}, true, "Microsoft|594918104"},
-        AddCase{"ExistingSymbolOtherCase", "ibm", "Other", "1", {kSymbolExists}, false, "-"},
-        AddCase{"SharedNameDeclined",
-                "IBX",
-                "international business machines",
-                "1",
-                {NameQuestion(Answer::kCancel)},
-                false,
-                "-"},
-        AddCase{"SharedNameAccepted",
-                "IBX",
-                "International Business Machines",
-                "1",
-                {NameQuestion(Answer::kOk)},
-                true,
-                "International Business Machines|1"},
-        AddCase{"SharedCusipDeclined",
-                "IBX",
-                "Other",
-                "459200101",
-                {CusipQuestion(Answer::kCancel)},
-                false,
-                "-"},
-        AddCase{"NoCusipNeverShared", "NC2", "Second", kNoCusip, {}, true, "Second|NO CUSIP"},
-        AddCase{"EmptyCusipBecomesNoCusip", "NC3", "Third", "", {}, true, "Third|NO CUSIP"}),
-    [](const auto& info) { return std::string(info.param.label); });
-
-// The database's own refusal of a duplicate (another user was quicker)
-// arrives as the "Symbol in use!" message, for add and modify alike.
-TEST_F(CentralFileTest, AddAndModSecInCDB_DuplicateKeyShowsSymbolInUse) {
-  app_->central->Execute(R"(CREATE UNIQUE INDEX "Test Unique CUSIP" ON "Securities" ("CUSIP"))");
-  Script({CusipQuestion(Answer::kOk),
-          {"The Symbol: DUP is already in use. Please enter a new Symbol or usethe Security that "
-           "already exits.",
-           "Symbol in use!", Icon::kInformation, Buttons::kOk, Answer::kOk}});
-  std::string cusip = "459200101";
-  EXPECT_FALSE(AddSecToCDB(*app_, "DUP", "Dup", cusip));
-
-  Script({CusipQuestion(Answer::kOk),
-          {"The Symbol: NOC already exists.Please enter a new Symbol, or usethe Security that "
-           "already exits.",
-           "Symbol in use!", Icon::kInformation, Buttons::kOk, Answer::kOk}});
-  EXPECT_FALSE(ModSecInCDB(*app_, "NOC", "No Cusip Fund", "459200101"));
-  EXPECT_EQ(Row("NOC"), "No Cusip Fund|NO CUSIP");
+  EXPECT_EQ(CountCentralRows("Securities"), c.done && !c.modify ? 3 : 2);
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-// ModSecInCDB: the security's own name and CUSIP raise no question; those
-// of another security do; an unknown symbol is reported.
-struct ModCase {
-  const char* label;
-  std::string symbol, name, cusip;
-  std::vector<Message> messages;
-  bool changed;
-  std::string stored;
-};
-
-class ModSecInCDBTest : public CentralFileTest, public ::testing::WithParamInterface<ModCase> {};
-
-TEST_P(ModSecInCDBTest, ModSecInCDB_Checks) {
-  const ModCase& c = GetParam();
-  Script(c.messages);
-  EXPECT_EQ(ModSecInCDB(*app_, c.symbol, c.name, c.cusip), c.changed);
-  EXPECT_EQ(Row(c.symbol), c.stored);
-}
-
-INSTANTIATE_TEST_SUITE_P(Cases, ModSecInCDBTest,
-                         ::testing::Values(ModCase{"OwnNameAndCusip",
-                                                   "IBM",
-                                                   "International Business Machines",
-                                                   "459200101",
-                                                   {},
-                                                   true,
-                                                   "International Business Machines|459200101"},
-                                           ModCase{"OtherNameDeclined",
-                                                   "NOC",
-                                                   "International Business Machines",
-                                                   kNoCusip,
-                                                   {NameQuestion(Answer::kCancel)},
-                                                   false,
-                                                   "No Cusip Fund|NO CUSIP"},
-                                           ModCase{"OtherCusipAccepted",
-                                                   "NOC",
-                                                   "No Cusip Fund",
-                                                   "459200101",
-                                                   {CusipQuestion(Answer::kOk)},
-                                                   true,
-                                                   "No Cusip Fund|459200101"},
-                                           ModCase{
-                                               "UnknownSymbol",
-                                               "XYZ",
-                                               "Nothing",
-                                               "1",
-                                               {{kNotFound, "Security not found",
-                                                 Icon::kInformation, Buttons::kOk, Answer::kOk}},
-                                               false,
-                                               "-"}),
+INSTANTIATE_TEST_SUITE_P(Cases, SecInCDBTest, ::testing::ValuesIn(kSecCases),
                          [](const auto& info) { return std::string(info.param.label); });
 
-// The start counter: an empty table starts at 1, a NULL count counts as 0,
-// and a file that has never counted reads 0.
+// The start counter: a file that has never counted reads 0, an empty table
+// starts at 1, and a NULL count counts as 0.
 TEST_F(CentralFileTest, AddUsage_CountsFromEmptyOrNull) {
   EXPECT_EQ(GetUsageCount(*app_), 0);
   AddUsage(*app_, *app_->central);
-  EXPECT_EQ(GetUsageCount(*app_), 1);
   AddUsage(*app_, *app_->central);
   EXPECT_EQ(GetUsageCount(*app_), 2);
   EXPECT_EQ(CountCentralRows("Usage"), 1);

@@ -214,20 +214,13 @@ TEST_F(ErrorHandlerTest, ChkTransDate_Table) {
   ChkTransDate(*app_, "11/22/2026");
 }
 
-// State: the query value reads, a wrong value is refused, moves set panels.
-TEST_F(ErrorHandlerTest, State_QueryMisuseAndPanels) {
+// State: the query value reads, a wrong value is refused and changes nothing.
+TEST_F(ErrorHandlerTest, State_QueryAndMisuse) {
   EXPECT_EQ(State(*app_, kClientClosed), kClientClosed);
   EXPECT_EQ(State(*app_, kStateQuery), kClientClosed);
   ui_.Expect("Incorrect usage of function State", "Incorrect Usage!", Icon::kExclamation,
              Buttons::kOk);
   EXPECT_EQ(State(*app_, 5), kClientClosed);
-  app_->current.client_name = "Smith & Jones";
-  app_->current.port_name = "R&D";
-  EXPECT_EQ(State(*app_, kPortOpen), kPortOpen);
-  EXPECT_EQ(app_->window.client_panel, "Smith && Jones");
-  EXPECT_EQ(app_->window.portfolio_panel, "R&&D");
-  State(*app_, kClientClosed);
-  EXPECT_EQ(app_->window.client_panel, "");
   EXPECT_EQ(ui_.hourglass_depth(), 0);
 }
 

@@ -20,18 +20,21 @@ class CheckDBFilesTest : public StartupTest {
     StartupTest::SetUp();
     OpenFreshCentral();
   }
-  void Index(const std::string& code, const std::string& name, const std::string& sort,
-             const std::string& file) {
+  void Index(const std::string& code, const std::string& name, const std::string& file) {
     app_->central->Execute(
         R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:code, :name, :sort, :file))",
-        {{"code", code}, {"name", name}, {"sort", sort}, {"file", file}});
+        R"(VALUES (:code, :name, :name, :file))",
+        {{"code", code}, {"name", name}, {"file", file}});
   }
-  bool Indexed(const std::string& code) {
-    Query q = app_->central->Select(
-        R"(SELECT count(*) AS n FROM "Clients" WHERE "Client Code" = :c)", {{"c", code}});
-    q.Next();
-    return q.Int("n") == 1;
+  // "name|sort|code|file" of every index row, in code order.
+  std::string IndexRows() {
+    Query q = app_->central->Select(R"(SELECT * FROM "Clients" ORDER BY "Client Code")");
+    std::string rows;
+    while (q.Next()) {
+      rows += q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") +
+              "|" + q.Text("File Name") + ";";
+    }
+    return rows;
   }
   void Run() {
     CheckDBFiles(*app_, *app_->central);
@@ -40,106 +43,71 @@ class CheckDBFilesTest : public StartupTest {
   }
 };
 
-const char* const kNoFileText =
-    "There is no Taxpayer File for Jones && Sons. You can:\r\n"
-    "        'Delete' this Taxpayer.\r\n"
-    "        'Create' a Taxpayer File for this Taxpayer.\r\n"
-    "        'Ignore' this Taxpayer for now.";
-const char* const kNoClientText =
-    "The Taxpayer File for John Smith exists, but there is no Taxpayer record. You can:\r\n"
-    "        'Delete' this Taxpayer File.\r\n"
-    "        'Create' a Taxpayer for this Taxpayer File.\r\n"
-    "        'Ignore' this Taxpayer File for now.";
+// An index row without its file and Taxpayer Files without an index row,
+// all answered alike. Delete removes the row or the file; Create removes
+// the row and opens the new-taxpayer dialog filled from it, or indexes a
+// file from its own Client row; Ignore changes nothing. A file that cannot
+// say whose it is (no Client table, or no row in it) can only be deleted
+// or ignored: its Create button is disabled.
+struct ChoiceCase {
+  const char* label;
+  ChkFilesChoice choice;
+  const char* index_after;
+};
 
-// An index row without its file: Delete removes the row, Ignore keeps it,
-// Create removes it and opens the new-taxpayer dialog filled from it.
-class OrphanRecord : public CheckDBFilesTest,
-                     public ::testing::WithParamInterface<ChkFilesChoice> {};
+class CheckDBFilesChoice : public CheckDBFilesTest,
+                           public ::testing::WithParamInterface<ChoiceCase> {};
 
-TEST_P(OrphanRecord, ActsOnTheChoice) {
-  const ChkFilesChoice choice = GetParam();
-  Index("JONES1", "Jones & Sons", "Jones & Sons", "JONE01.mdb");
-  ui_.ExpectChkFiles("Taxpayer File Missing...", kNoFileText, true, choice);
+TEST_P(CheckDBFilesChoice, ActsOnTheChoice) {
+  const ChkFilesChoice choice = GetParam().choice;
+  Index("JONES1", "Jones & Sons", "JONE01.mdb");
+  fs::copy_file(app_->ProgramFile(kCentralTemplateName), app_->taxpayer_folder + "ODD1.mdb");
+  fs::copy_file(app_->ProgramFile(kClientTemplateName), app_->taxpayer_folder + "ODD2.mdb");
+  WriteTaxpayerFile("SMIT01.mdb", "SMITH1", "John Smith");
+  ui_.ExpectChkFiles("Taxpayer File Missing...",
+                     "There is no Taxpayer File for Jones && Sons. You can:\r\n"
+                     "        'Delete' this Taxpayer.\r\n"
+                     "        'Create' a Taxpayer File for this Taxpayer.\r\n"
+                     "        'Ignore' this Taxpayer for now.",
+                     true, choice);
   if (choice == ChkFilesChoice::kCreate) {
     ui_.ExpectDialog("dlgNewModClient", [this](DialogForm& form) {
       auto& f = dynamic_cast<NewModClientForm&>(form);
-      EXPECT_EQ(f.caption, "New Taxpayer");
-      EXPECT_EQ(f.client_name, "Jones & Sons");
-      EXPECT_EQ(f.sort_name, "Jones & Sons");
-      EXPECT_EQ(f.client_code, "JONES1");
-      EXPECT_FALSE(Indexed("JONES1")) << "the row goes before the dialog shows";
+      EXPECT_EQ(f.caption + "|" + f.client_name + "|" + f.sort_name + "|" + f.client_code,
+                "New Taxpayer|Jones & Sons|Jones & Sons|JONES1");
+      EXPECT_EQ(IndexRows(), "") << "the row goes before the dialog shows";
+      EXPECT_EQ(app_->chk_files_result, static_cast<int>(ChkFilesChoice::kCreate));
     });
   }
-  ASSERT_NO_FATAL_FAILURE(Run());
-  EXPECT_EQ(Indexed("JONES1"), choice == ChkFilesChoice::kIgnore);
-  EXPECT_EQ(app_->chk_files_result, static_cast<int>(choice));
-}
-
-INSTANTIATE_TEST_SUITE_P(Choices, OrphanRecord,
-                         ::testing::Values(ChkFilesChoice::kDelete, ChkFilesChoice::kCreate,
-                                           ChkFilesChoice::kIgnore),
-                         [](const auto& info) {
-                           return std::string(info.param == ChkFilesChoice::kDelete   ? "Delete"
-                                              : info.param == ChkFilesChoice::kCreate ? "Create"
-                                                                                      : "Ignore");
-                         });
-
-// A Taxpayer File without its index row: Create indexes it from the file's
-// own Client row, Delete removes the file, Ignore changes nothing.
-class OrphanFile : public CheckDBFilesTest, public ::testing::WithParamInterface<ChkFilesChoice> {};
-
-TEST_P(OrphanFile, ActsOnTheChoice) {
-  const ChkFilesChoice choice = GetParam();
-  WriteTaxpayerFile("SMIT01.mdb", "SMITH1", "John Smith");
-  ui_.ExpectChkFiles("Taxpayer Record Missing...", kNoClientText, true, choice);
-  ASSERT_NO_FATAL_FAILURE(Run());
-  EXPECT_EQ(fs::exists(app_->taxpayer_folder + "SMIT01.mdb"), choice != ChkFilesChoice::kDelete);
-  if (choice == ChkFilesChoice::kCreate) {
-    Query q = app_->central->Select(R"(SELECT * FROM "Clients")");
-    ASSERT_TRUE(q.Next());
-    EXPECT_EQ(q.Text("Client Name"), "John Smith");
-    EXPECT_EQ(q.Text("Sort Name"), "Smith, John");
-    EXPECT_EQ(q.Text("Client Code"), "SMITH1");
-    EXPECT_EQ(q.Text("File Name"), "SMIT01.mdb");
-    EXPECT_FALSE(q.Next());
-  } else {
-    EXPECT_EQ(CountCentralRows("Clients"), 0);
+  for (const char* odd : {"ODD1.mdb", "ODD2.mdb"}) {
+    ui_.ExpectChkFiles("Taxpayer Record Missing...",
+                       std::string("A Taxpayer File (") + odd +
+                           ") has been located. Due to missing information in the Taxpayer File "
+                           "it can only be 'Deleted' or 'Ignored'.",
+                       false, choice);
   }
-}
-
-INSTANTIATE_TEST_SUITE_P(Choices, OrphanFile,
-                         ::testing::Values(ChkFilesChoice::kDelete, ChkFilesChoice::kCreate,
-                                           ChkFilesChoice::kIgnore),
-                         [](const auto& info) {
-                           return std::string(info.param == ChkFilesChoice::kDelete   ? "Delete"
-                                              : info.param == ChkFilesChoice::kCreate ? "Create"
-                                                                                      : "Ignore");
-                         });
-
-// A file that cannot say whose it is (no Client table, or no row in it) can
-// only be deleted or ignored.
-struct NoInfoCase {
-  const char* name;
-  const char* template_name;
-};
-
-class FileWithoutClientInfo : public CheckDBFilesTest,
-                              public ::testing::WithParamInterface<NoInfoCase> {};
-
-TEST_P(FileWithoutClientInfo, OffersDeleteOrIgnoreOnly) {
-  fs::copy_file(app_->ProgramFile(GetParam().template_name), app_->taxpayer_folder + "ODD1.mdb");
   ui_.ExpectChkFiles("Taxpayer Record Missing...",
-                     "A Taxpayer File (ODD1.mdb) has been located. Due to missing information in "
-                     "the Taxpayer File it can only be 'Deleted' or 'Ignored'.",
-                     false, ChkFilesChoice::kDelete);
+                     "The Taxpayer File for John Smith exists, but there is no Taxpayer record. "
+                     "You can:\r\n"
+                     "        'Delete' this Taxpayer File.\r\n"
+                     "        'Create' a Taxpayer for this Taxpayer File.\r\n"
+                     "        'Ignore' this Taxpayer File for now.",
+                     true, choice);
   ASSERT_NO_FATAL_FAILURE(Run());
-  EXPECT_FALSE(fs::exists(app_->taxpayer_folder + "ODD1.mdb"));
+  EXPECT_EQ(app_->chk_files_result, static_cast<int>(choice));
+  const bool kept = choice != ChkFilesChoice::kDelete;
+  for (const char* file : {"ODD1.mdb", "ODD2.mdb", "SMIT01.mdb"}) {
+    EXPECT_EQ(fs::exists(app_->taxpayer_folder + file), kept) << file;
+  }
+  EXPECT_EQ(IndexRows(), GetParam().index_after);
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, FileWithoutClientInfo,
-                         ::testing::Values(NoInfoCase{"NoClientTable", "LW_CENT.MDB"},
-                                           NoInfoCase{"NoClientRow", "LW_CLNT.MDB"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+const ChoiceCase kChoices[] = {
+    {"Delete", ChkFilesChoice::kDelete, ""},
+    {"Create", ChkFilesChoice::kCreate, "John Smith|Smith, John|SMITH1|SMIT01.mdb;"},
+    {"Ignore", ChkFilesChoice::kIgnore, "Jones & Sons|Jones & Sons|JONES1|JONE01.mdb;"}};
+INSTANTIATE_TEST_SUITE_P(Choices, CheckDBFilesChoice, ::testing::ValuesIn(kChoices),
+                         [](const auto& info) { return std::string(info.param.label); });
 
 // The central file's name in any case is never a Taxpayer File; an indexed
 // file matches its row whatever the case; "~" scratch files are removed.
@@ -148,10 +116,10 @@ TEST_F(CheckDBFilesTest, CentralNamesAndCaseNeverOffered) {
     WriteText(app_->taxpayer_folder + name, "not a taxpayer file");
   }
   WriteTaxpayerFile("doe0101.MDB", "DOE01", "John Doe");
-  Index("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
+  Index("DOE01", "John Doe", "DOE0101.mdb");
   WriteText(app_->taxpayer_folder + "~LW1234.mdb", "scratch");
   ASSERT_NO_FATAL_FAILURE(Run());
-  EXPECT_TRUE(Indexed("DOE01"));
+  EXPECT_EQ(IndexRows(), "John Doe|John Doe|DOE01|DOE0101.mdb;");
   EXPECT_FALSE(fs::exists(app_->taxpayer_folder + "~LW1234.mdb"));
   EXPECT_TRUE(fs::exists(app_->taxpayer_folder + "Central.Mdb"));
 }

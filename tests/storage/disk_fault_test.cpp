@@ -15,7 +15,11 @@ using testing::StorageTest;
 // database file or its journal fails, the commit reports the failure, and
 // once the file is opened again none of the unit's rows is there, the rows
 // committed before are, and the file is sound.
-enum class DiskFault { kWrite, kSync };
+struct DiskFault {
+  const char* name;
+  int (StorageFaults::*counter)() const;
+  void (StorageFaults::*arm)(int n);
+};
 
 class DiskFaultTest : public StorageTest, public ::testing::WithParamInterface<DiskFault> {
  protected:
@@ -37,28 +41,18 @@ class DiskFaultTest : public StorageTest, public ::testing::WithParamInterface<D
     }
     unit.Commit();
   }
-
-  int Counter(const StorageFaults& faults) const {
-    return GetParam() == DiskFault::kWrite ? faults.disk_writes() : faults.disk_syncs();
-  }
-  void Arm(StorageFaults& faults, int n) const {
-    if (GetParam() == DiskFault::kWrite) {
-      faults.FailDiskWriteNumber(n);
-    } else {
-      faults.FailDiskSyncNumber(n);
-    }
-  }
 };
 
 TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
+  const DiskFault& fault = GetParam();
   // How many writes (syncs) a sound commit of the unit makes.
   int total = 0;
   {
     StorageFaults faults;
     auto db = Database::Open(FileWithOneRow("count.mdb"), Database::Mode::kShared, &faults);
-    int before = Counter(faults);
+    const int before = (faults.*fault.counter)();
     WriteUnit(*db);
-    total = Counter(faults) - before;
+    total = (faults.*fault.counter)() - before;
     EXPECT_EQ(Count(*db, "Portfolio"), kRows + 1);
   }
   ASSERT_GT(total, 1);
@@ -69,7 +63,7 @@ TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
     {
       StorageFaults faults;
       auto db = Database::Open(path, Database::Mode::kShared, &faults);
-      Arm(faults, n);
+      (faults.*fault.arm)(n);
       try {
         WriteUnit(*db);
         ADD_FAILURE() << "the commit did not fail";
@@ -86,10 +80,11 @@ TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest,
-                         ::testing::Values(DiskFault::kWrite, DiskFault::kSync),
-                         [](const auto& info) {
-                           return std::string(info.param == DiskFault::kWrite ? "Write" : "Sync");
-                         });
+                         ::testing::Values(DiskFault{"Write", &StorageFaults::disk_writes,
+                                                     &StorageFaults::FailDiskWriteNumber},
+                                           DiskFault{"Sync", &StorageFaults::disk_syncs,
+                                                     &StorageFaults::FailDiskSyncNumber}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // Only a connection opened with a StorageFaults is watched: another
 // connection to the same file writes through while a fault is armed.

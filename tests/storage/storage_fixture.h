@@ -2,12 +2,38 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 #include "app/application.h"
+#include "app/error_handler.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {
+
+using Lines = std::vector<std::string>;
+
+// Each row of `q` as its columns' texts joined by "|" (NULL reads as ""),
+// so that one comparison checks a whole result: its rows, their order and
+// every value.
+inline Lines Rows(Query&& q) {
+  Lines rows;
+  while (q.Next()) {
+    std::string row;
+    for (int i = 0; i < q.ColumnCount(); ++i) {
+      row += (i == 0 ? "" : "|") + q.Text(q.ColumnName(i).c_str());
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+// The message the error handler shows for an error the program cannot carry
+// on from.
+inline std::string FatalMessage(int number, const std::string& text, const std::string& where) {
+  return ErrorHeader(number, text, where) +
+         " The program will now shut down to prevent errors in your data and calculations.";
+}
 
 // Fresh Taxpayer Files in the test's own folder, a short busy timeout so
 // that a locked file fails at once, and small readers for the checks.

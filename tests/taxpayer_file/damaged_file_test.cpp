@@ -11,31 +11,32 @@ namespace lotwise::testing {
 namespace {
 
 // A Taxpayer File that is no database, or a damaged one, reaches the user
-// as the error handler's message for it; the program stops only where that
-// message says so, and neither file gains a row.
+// as the error handler's message for it; the program stops only where that message says
+// so, and neither file gains a row.
 class DamagedFileTest : public TaxpayerTest {
  protected:
   void SetUp() override {
     TaxpayerTest::SetUp();
     WriteTaxpayerFile("DOE0101.mdb", "DOE01", "John Doe");
+    path_ = app_->taxpayer_folder + "DOE0101.mdb";
     IndexClient("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
   }
 
   // Overwrites the file from byte `from` on, keeping its length.
   void Scribble(std::streamoff from) {
-    std::string path = app_->taxpayer_folder + "DOE0101.mdb";
-    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    std::fstream file(path_, std::ios::in | std::ios::out | std::ios::binary);
     file.seekg(0, std::ios::end);
     std::streamoff size = file.tellg();
     file.seekp(from);
     file << std::string(static_cast<size_t>(size - from), '\xA5');
   }
+
+  std::string path_;
 };
 
 TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
   Scribble(0);
-  std::string path = app_->taxpayer_folder + "DOE0101.mdb";
-  ui_.Expect(ErrorHeader(3343, "Unrecognized database format '" + path + "'.", "OpenClient") +
+  ui_.Expect(ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient") +
                  "\r\n\r\nThe database file has been damaged. This is very serious. The best "
                  "solution is to restore from the last good backup that was created before the "
                  "file was damaged. Sometimes data corruption can be fixed. From the File menu use "

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/app_state.h"
@@ -16,6 +17,7 @@ namespace lotwise::testing {
 namespace {
 
 const Date kYearEnd = Date::FromYmd(2025, 12, 31);
+const std::string kSortTitle = "Sort Name already exists!";
 const std::string kSortQuestionStart =
     "The Sort Name for this Client already exists for another Client. This is OK, however you may "
     "want to change it if you want unique Sort Names.\n";
@@ -29,36 +31,28 @@ std::string CodeInUse(const std::string& code) {
 }
 
 // The file name: up to four leading letters and digits of the sort name (or
-// the month when there are none), then minute and second without zeros.
-struct NameCase {
-  const char* label;
-  const char* seed;
-  LocalTime now;
-  const char* expected;
-};
-
-class CalcClientFileNameTest : public TaxpayerTest,
-                               public ::testing::WithParamInterface<NameCase> {};
-
-TEST_P(CalcClientFileNameTest, CalcClientFileName_BaseAndClock) {
-  env_->SetNow(GetParam().now);
-  EXPECT_EQ(CalcClientFileName(*app_, GetParam().seed), GetParam().expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, CalcClientFileNameTest,
-    ::testing::Values(
-        NameCase{"InitialsCutAtDot", "A.B Smith", {2026, 11, 22, 10, 7, 3}, "A73.mdb"},
-        NameCase{"FirstFour", "Smith, John", {2026, 11, 22, 10, 7, 3}, "Smit73.mdb"},
-        NameCase{"LeadingDotGivesMonth", ".Net Corp", {2026, 11, 22, 10, 7, 3}, "Nov73.mdb"},
-        NameCase{"NonAsciiGivesMonth", "Ølsen", {2026, 3, 1, 10, 7, 3}, "Mar73.mdb"},
-        NameCase{"EmptyGivesMonth", "", {2026, 1, 1, 0, 0, 0}, "Jan00.mdb"},
-        NameCase{"NoLeadingZeros", "AB12", {2026, 1, 1, 10, 10, 9}, "AB12109.mdb"}),
-    [](const auto& info) { return std::string(info.param.label); });
-
-// A name taken on disk (in any letter case) or in the index waits for the
+// the month when there are none), then minute and second without zeros; a
+// name taken on disk (in any letter case) or in the index waits for the
 // clock to move on.
-TEST_F(TaxpayerTest, CalcClientFileName_TakenNameWaitsForClock) {
+TEST_F(TaxpayerTest, CalcClientFileName_BaseAndClock) {
+  struct Case {
+    const char *label, *seed, *expected;
+    LocalTime now;
+  };
+  const Case cases[] = {
+      {"InitialsCutAtDot", "A.B Smith", "A73.mdb", {2026, 11, 22, 10, 7, 3}},
+      {"FirstFour", "Smith, John", "Smit73.mdb", {2026, 11, 22, 10, 7, 3}},
+      {"LeadingDotGivesMonth", ".Net Corp", "Nov73.mdb", {2026, 11, 22, 10, 7, 3}},
+      {"NonAsciiGivesMonth", "Ølsen", "Mar73.mdb", {2026, 3, 1, 10, 7, 3}},
+      {"EmptyGivesMonth", "", "Jan00.mdb", {2026, 1, 1, 0, 0, 0}},
+      {"NoLeadingZeros", "AB12", "AB12109.mdb", {2026, 1, 1, 10, 10, 9}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.label);
+    env_->SetNow(c.now);
+    EXPECT_EQ(CalcClientFileName(*app_, c.seed), c.expected);
+  }
+  env_->SetNow({2026, 11, 22, 10, 7, 3});
   std::ofstream(app_->taxpayer_folder + "SMIT73.MDB") << "x";
   IndexClient("X1", "X", "X", "smit74.mdb");
   EXPECT_EQ(CalcClientFileName(*app_, "Smith"), "Smit75.mdb");
@@ -66,52 +60,36 @@ TEST_F(TaxpayerTest, CalcClientFileName_TakenNameWaitsForClock) {
 }
 
 // NewClient writes the index row and the file together and opens it; a
-// second taxpayer in the same second gets another file.
-TEST_F(TaxpayerTest, NewClient_CreatesIndexedFileAndOpensIt) {
+// second taxpayer in the same second gets another file. A code in use (in
+// any letter case) is refused, a shared sort name only with the user's OK,
+// and a refusal creates no file. OpenClient finds a taxpayer by code in
+// any letter case.
+TEST_F(TaxpayerTest, NewClient_CreatesOrRefuses) {
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|Doe73.mdb");
   EXPECT_EQ(ClientRow("Doe73.mdb"), "John Doe|Doe, John|DOE01| |2025-12-31");
   EXPECT_EQ(app_->window.state, kClientOpen);
   EXPECT_EQ(app_->current.client_db_path, app_->taxpayer_folder + "Doe73.mdb");
   EXPECT_EQ(app_->current.client_code, "DOE01");
-
   ASSERT_TRUE(NewClient(*app_, "Jane Doe", "Doe, Jane", "DOE02", "Trust  ", kYearEnd));
   EXPECT_EQ(CentralRow("DOE02"), "Jane Doe|Doe, Jane|DOE02|Doe74.mdb");
   EXPECT_EQ(ClientRow("Doe74.mdb"), "Jane Doe|Doe, Jane|DOE02|Trust |2025-12-31");
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+
+  ui_.Expect(CodeInUse("doe01"), "Taxpayer Code in use!");
+  EXPECT_FALSE(NewClient(*app_, "Other", "Other", "doe01", "", kYearEnd));
+  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kCancel);
+  EXPECT_FALSE(NewClient(*app_, "Other", "doe, john", "DOE03", "", kYearEnd));
+  EXPECT_EQ(CountCentralRows("Clients"), 2);
+  EXPECT_EQ(TaxpayerFiles().size(), 2u);
+  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kOk);
+  EXPECT_TRUE(NewClient(*app_, "Other", "Doe, John", "DOE03", "", kYearEnd));
+  EXPECT_EQ(CountCentralRows("Clients"), 3);
+  EXPECT_EQ(TaxpayerFiles().size(), 3u);
+  ASSERT_TRUE(OpenClient(*app_, "doe01"));
+  EXPECT_EQ(app_->current.client_name + "|" + app_->current.client_code, "John Doe|DOE01");
+  EXPECT_EQ(app_->window.state, kClientOpen);
 }
-
-// A code in use (in any letter case) is refused; a shared sort name only
-// with the user's OK. A refusal creates no file.
-struct NewRefusal {
-  const char* label;
-  std::string code, sort;
-  std::string text, title;
-  Answer answer;
-  bool created;
-};
-
-class NewClientRefusalTest : public TaxpayerTest,
-                             public ::testing::WithParamInterface<NewRefusal> {};
-
-TEST_P(NewClientRefusalTest, NewClient_Refusals) {
-  const NewRefusal& c = GetParam();
-  ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-  ui_.Expect(c.text, c.title, c.answer);
-  EXPECT_EQ(NewClient(*app_, "Other", c.sort, c.code, "", kYearEnd), c.created);
-  EXPECT_EQ(CountCentralRows("Clients"), c.created ? 2 : 1);
-  EXPECT_EQ(TaxpayerFiles().size(), c.created ? 2u : 1u);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, NewClientRefusalTest,
-    ::testing::Values(NewRefusal{"CodeOtherCase", "doe01", "Other", CodeInUse("doe01"),
-                                 "Taxpayer Code in use!", Answer::kOk, false},
-                      NewRefusal{"SortNameDeclined", "DOE02", "doe, john", kNewSortQuestion,
-                                 "Sort Name already exists!", Answer::kCancel, false},
-                      NewRefusal{"SortNameAccepted", "DOE02", "Doe, John", kNewSortQuestion,
-                                 "Sort Name already exists!", Answer::kOk, true}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // A file that cannot be finished takes its index row with it.
 TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
@@ -127,21 +105,11 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
   EXPECT_TRUE(TaxpayerFiles().empty());
 }
 
-// OpenClient opens the indexed file by code; a missing file may be made
-// anew through the taxpayer dialog, and giving up keeps the index row.
-TEST_F(TaxpayerTest, OpenClient_OpensIndexedFile) {
-  WriteTaxpayerFile("DOE0101.mdb", "DOE01", "John Doe");
-  IndexClient("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
-  EXPECT_TRUE(OpenClient(*app_, "doe01"));
-  EXPECT_EQ(app_->window.state, kClientOpen);
-  EXPECT_EQ(app_->current.client_name, "John Doe");
-  EXPECT_EQ(app_->current.client_code, "DOE01");
-  EXPECT_EQ(env_->end_calls(), 0);
-}
-
+// A missing Taxpayer File may be made anew through the taxpayer dialog in
+// its "New Taxpayer" mode; declining or giving up in the dialog keeps the
+// index row.
 TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
   IndexClient("DOE01", "John Doe", "Doe, John", "GONE.mdb");
-  const std::string kIndexed = "John Doe|Doe, John|DOE01|GONE.mdb";
   auto expect_question = [&](Answer answer) {
     ui_.Expect("A File does not exist for this Taxpayer. Would you like to create a new one?",
                "No Taxpayer File", Icon::kExclamation, Buttons::kYesNo, answer);
@@ -149,12 +117,10 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
   expect_question(Answer::kNo);
   ui_.Expect("Cancelled...", "Open Taxpayer cancelled", Icon::kInformation, Buttons::kOk);
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
-  EXPECT_EQ(CentralRow("DOE01"), kIndexed);
-
   expect_question(Answer::kYes);
   ui_.ExpectDialog("dlgNewModClient", [](DialogForm&) {});
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
-  EXPECT_EQ(CentralRow("DOE01"), kIndexed);
+  EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|GONE.mdb");
 
   expect_question(Answer::kYes);
   ui_.ExpectDialog("dlgNewModClient", [&](DialogForm& f) {
@@ -162,8 +128,10 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
     EXPECT_EQ(form.caption + "|" + form.client_name + "|" + form.sort_name + "|" + form.client_code,
               "New Taxpayer|John Doe|Doe, John|DOE01");
     PressOkNewModClient(*app_, form);
+    EXPECT_TRUE(form.accepted);
   });
   EXPECT_TRUE(OpenClient(*app_, "DOE01"));
+  EXPECT_EQ(ui_.help_texts().back(), "Creating new Client");
   EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|Doe73.mdb");
   EXPECT_EQ(app_->window.state, kClientOpen);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
@@ -171,109 +139,136 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
 
 // ModClientInfo changes both files or neither. The sort-name question comes
 // only with a new code, and only a Cancel on the taxpayer's own row stops.
+using Step = std::pair<std::string, Answer>;  // message text, answer
+const Step kSortOk{kModSortQuestion, Answer::kOk}, kSortNo{kModSortQuestion, Answer::kCancel};
+
 struct ModCase {
   const char* label;
   std::string code, sort;
-  std::vector<std::pair<std::string, Answer>> messages;  // text, answer
+  std::vector<Step> messages;
   bool changed;
 };
 
-class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<ModCase> {
- protected:
-  void SetUp() override {
-    TaxpayerTest::SetUp();
-    ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-    IndexClient("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
-  }
-};
+class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<ModCase> {};
 
 TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
   const ModCase& c = GetParam();
+  ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
+  IndexClient("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
   for (const auto& [text, answer] : c.messages) {
-    ui_.Expect(text,
-               text.starts_with("The Sort") ? "Sort Name already exists!" : "Taxpayer Code in use!",
-               answer);
+    ui_.Expect(text, text == kModSortQuestion ? kSortTitle : "Taxpayer Code in use!", answer);
   }
-  const bool result =
-      ModClientInfo(*app_, "Johnny Doe", c.sort, c.code, "Trust", Date::FromYmd(2026, 6, 30));
-  EXPECT_EQ(result, c.changed);
-  if (c.changed) {
-    EXPECT_EQ(CentralRow(c.code), "Johnny Doe|" + c.sort + "|" + c.code + "|Doe73.mdb");
-    EXPECT_EQ(ClientRow("Doe73.mdb"), "Johnny Doe|" + c.sort + "|" + c.code + "|Trust |2026-06-30");
-    EXPECT_EQ(app_->current.client_code, c.code);
-    EXPECT_EQ(app_->current.client_name, "Johnny Doe");
-  } else {
-    EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|Doe73.mdb");
-    EXPECT_EQ(ClientRow("Doe73.mdb"), "John Doe|Doe, John|DOE01| |2025-12-31");
-  }
+  EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", c.sort, c.code, "Trust", Date::FromYmd(2026, 6, 30)),
+            c.changed);
+  const std::string row =
+      c.changed ? "Johnny Doe|" + c.sort + "|" + c.code : "John Doe|Doe, John|DOE01";
+  EXPECT_EQ(CentralRow(c.changed ? c.code : "DOE01"), row + "|Doe73.mdb");
+  EXPECT_EQ(ClientRow("Doe73.mdb"), row + (c.changed ? "|Trust |2026-06-30" : "| |2025-12-31"));
+  EXPECT_EQ(app_->current.client_name + "|" + app_->current.client_code,
+            c.changed ? "Johnny Doe|" + c.code : "John Doe|DOE01");
   EXPECT_EQ(CountCentralRows("Clients"), 2);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, ModClientInfoTest,
-    ::testing::Values(
-        ModCase{"AllFields", "DOE02", "Doe, Johnny", {}, true},
-        ModCase{"CodeOfOther",
-                "smi01",
-                "Doe, John",
-                {{kModSortQuestion, Answer::kOk}, {CodeInUse("smi01"), Answer::kOk}},
-                false},
-        ModCase{"CaseOnly", "doe01", "Doe, John", {{CodeInUse("doe01"), Answer::kOk}}, false},
-        ModCase{"OtherSortCancelGoesOn",
-                "DOE02",
-                "Smith, Ann",
-                {{kModSortQuestion, Answer::kCancel}},
-                true},
-        ModCase{"OwnSortCancelStops",
-                "DOE02",
-                "Doe, John",
-                {{kModSortQuestion, Answer::kCancel}},
-                false},
-        ModCase{"SameCodeAsksNothing", "DOE01", "Smith, Ann", {}, true}),
-    [](const auto& info) { return std::string(info.param.label); });
-
-// DelTaxpayer removes file and index row after a Yes, also when the file is
-// already gone; an unindexed code is reported.
-struct DelCase {
-  const char* label;
-  std::string code;
-  Answer answer;
-  bool file_gone_before;
-  bool deleted;
-  std::string extra_text;  // a message after the question
+const ModCase kModCases[] = {
+    {"AllFields", "DOE02", "Doe, Johnny", {}, true},
+    {"CodeOfOther", "smi01", "Doe, John", {kSortOk, {CodeInUse("smi01"), Answer::kOk}}, false},
+    {"CaseOnly", "doe01", "Doe, John", {{CodeInUse("doe01"), Answer::kOk}}, false},
+    {"OtherSortCancelGoesOn", "DOE02", "Smith, Ann", {kSortNo}, true},
+    {"OwnSortCancelStops", "DOE02", "Doe, John", {kSortNo}, false},
+    {"SameCodeAsksNothing", "DOE01", "Smith, Ann", {}, true},
 };
+INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest, ::testing::ValuesIn(kModCases),
+                         [](const auto& info) { return std::string(info.param.label); });
 
-class DelTaxpayerTest : public TaxpayerTest, public ::testing::WithParamInterface<DelCase> {};
-
-TEST_P(DelTaxpayerTest, DelTaxpayer_Cases) {
-  const DelCase& c = GetParam();
+// DelTaxpayer removes file and index row after a Yes only, also when the
+// file is already gone; an unindexed code is reported.
+TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
+  auto expect_question = [&](const std::string& code, Answer answer) {
+    ui_.Expect(
+        "Are you sure you want to delete all transactions, files and references within this "
+        "system to the taxpayer that has a taxpayer code of " +
+            code + "?",
+        "Warning", Icon::kExclamation, Buttons::kYesNo, answer);
+  };
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-  if (c.file_gone_before) std::filesystem::remove(app_->taxpayer_folder + "Doe73.mdb");
+  ASSERT_TRUE(NewClient(*app_, "Jane Doe", "Doe, Jane", "DOE02", "", kYearEnd));
+  expect_question("DOE02", Answer::kNo);
+  DelTaxpayer(*app_, "DOE02");
+  expect_question("DOE02", Answer::kYes);
+  DelTaxpayer(*app_, "DOE02");
+  EXPECT_EQ(TaxpayerFiles(), std::vector<std::string>{"Doe73.mdb"});
+  EXPECT_EQ(app_->window.state, kClientClosed);
+  EXPECT_EQ(app_->client, nullptr);
+  expect_question("XYZ", Answer::kYes);
   ui_.Expect(
-      "Are you sure you want to delete all transactions, files and references within this "
-      "system to the taxpayer that has a taxpayer code of " +
-          c.code + "?",
-      "Warning", Icon::kExclamation, Buttons::kYesNo, c.answer);
-  if (!c.extra_text.empty()) ui_.Expect(c.extra_text, "Warning", Icon::kExclamation, Buttons::kOk);
-  DelTaxpayer(*app_, c.code);
-  EXPECT_EQ(CountCentralRows("Clients"), c.deleted ? 0 : 1);
-  if (c.deleted) {
-    EXPECT_TRUE(TaxpayerFiles().empty());
-    EXPECT_EQ(app_->window.state, kClientClosed);
-    EXPECT_EQ(app_->client, nullptr);
-  }
+      "One and only one record should be found with this taxpayer code. 0 records were found. "
+      "Could not remove from central file.",
+      "Warning", Icon::kExclamation, Buttons::kOk);
+  DelTaxpayer(*app_, "XYZ");
+  EXPECT_EQ(CountCentralRows("Clients"), 1);
+  std::filesystem::remove(app_->taxpayer_folder + "Doe73.mdb");
+  expect_question("DOE01", Answer::kYes);
+  DelTaxpayer(*app_, "DOE01");
+  EXPECT_EQ(CountCentralRows("Clients"), 0);
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, DelTaxpayerTest,
-    ::testing::Values(DelCase{"Declined", "DOE01", Answer::kNo, false, false, ""},
-                      DelCase{"Confirmed", "DOE01", Answer::kYes, false, true, ""},
-                      DelCase{"FileAlreadyGone", "DOE01", Answer::kYes, true, true, ""},
-                      DelCase{"UnknownCode", "XYZ", Answer::kYes, false, false,
-                              "One and only one record should be found with this taxpayer code. 0 "
-                              "records were found. Could not remove from central file."}),
-    [](const auto& info) { return std::string(info.param.label); });
+// VerifyNewModClient lists what is missing, name first; fills an empty sort
+// name from the name and an invalid year end with 1/1/1990 silently.
+TEST_F(TaxpayerTest, VerifyNewModClient_Cases) {
+  struct Case {
+    const char *label, *name, *sort, *code, *year_end;
+    std::string missing;  // the listed items; empty when accepted
+    const char* after;    // sort name and year end afterwards
+  };
+  const Case cases[] = {
+      {"SortFromName", "John Q Public", "", "PUB01", "06/30/2025", "", "Public, John Q|06/30/2025"},
+      {"NoNameNoCode", "", "", " ", "", " - Taxpayer Name\r\n - Taxpayer Code\r\n", "|1/1/1990"},
+      {"CodeMissing", "Ann", "Ann", "", "12/31/2025", " - Taxpayer Code\r\n", "Ann|12/31/2025"},
+      {"InvalidYearEnd", "Ann", "Ann", "A1", "13/45/2020", "", "Ann|1/1/1990"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.label);
+    NewModClientForm form;
+    form.client_name = c.name;
+    form.sort_name = c.sort;
+    form.client_code = c.code;
+    form.year_end = c.year_end;
+    if (!c.missing.empty()) {
+      ui_.Expect("The following items:\r\n" + c.missing + "need to be completed before continuing.",
+                 "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+    }
+    EXPECT_EQ(VerifyNewModClient(*app_, form), c.missing.empty());
+    EXPECT_EQ(form.sort_name + "|" + form.year_end, c.after);
+  }
+}
+
+// The dialog's "Modify Taxpayer" mode starts from the current taxpayer's
+// second line and year end and saves through ModClientInfo; a caption that
+// names no mode is reported and nothing is done.
+TEST_F(TaxpayerTest, NewModClient_ModifyAndUnknownCaption) {
+  ASSERT_TRUE(
+      NewClient(*app_, "John Doe", "Doe, John", "DOE01", "c/o Trust", Date::FromYmd(1990, 1, 1)));
+  ui_.ExpectDialog("dlgNewModClient", [&](DialogForm& f) {
+    auto& form = static_cast<NewModClientForm&>(f);
+    EXPECT_EQ(form.opt_line + "|" + form.year_end, "c/o Trust |01/01/1990");
+    form.year_end = "12/31/2025";
+    PressOkNewModClient(*app_, form);
+    EXPECT_TRUE(form.accepted);
+  });
+  ShowNewModClient(*app_, "Modify Taxpayer", "John Doe", "Doe, John", "DOE01");
+  EXPECT_EQ(ui_.help_texts().back(), "Saving modifications to Client");
+  EXPECT_EQ(ClientRow("Doe73.mdb"), "John Doe|Doe, John|DOE01|c/o Trust |2025-12-31");
+
+  NewModClientForm form;
+  form.caption = "Delete Taxpayer";
+  form.client_name = "John Doe";
+  form.client_code = "DOE02";
+  ui_.Expect("dlgNewModClient has incorrect caption!", "Error", Icon::kCritical, Buttons::kOk);
+  NewModClient_OK(*app_, form);
+  EXPECT_FALSE(form.accepted);
+  EXPECT_EQ(CountCentralRows("Clients"), 1);
+}
 
 }  // namespace
 }  // namespace lotwise::testing

@@ -9,6 +9,7 @@
 #include "app/date.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {
@@ -51,36 +52,6 @@ class StoreTest : public AppTest {
     EXPECT_TRUE(
         AddBuy(*app_, sec_id_, block_id, type, D(date), Money(cost), shares, Currency(), notes));
     return block_id;
-  }
-
-  int64_t BlockNo(const std::string& block_id) {
-    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
-                                   {{"id", block_id}});
-    EXPECT_TRUE(q.Next()) << block_id;
-    return q.Int("Block No");
-  }
-
-  int64_t LastUniqueId(const std::string& table) {
-    Query q = app_->client->Select("SELECT max(\"Unique ID\") AS id FROM \"" + table + "\"");
-    q.Next();
-    return q.Int("id");
-  }
-
-  // The security's block ids, oldest first.
-  std::vector<std::string> BlockIds() {
-    std::vector<std::string> ids;
-    Query q = app_->client->Select(
-        R"(SELECT "Block ID" FROM "Blocks" WHERE "Sec ID" = :s ORDER BY "Date", "Block ID")",
-        {{"s", sec_id_}});
-    while (q.Next()) ids.push_back(q.Text("Block ID"));
-    return ids;
-  }
-
-  std::vector<std::string> ChangeDescriptions() {
-    std::vector<std::string> lines;
-    Query q = app_->client->Select(R"(SELECT "Description" FROM "Change" ORDER BY rowid)");
-    while (q.Next()) lines.push_back(q.Text("Description"));
-    return lines;
   }
 
   int64_t sec_id_ = 0;

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
-#include <vector>
+#include <string_view>
 
 #include "app/error_handler.h"
 #include "data/database.h"
@@ -13,34 +12,25 @@
 namespace lotwise::testing {
 namespace {
 
-using Lines = std::vector<std::string>;
-
-const std::string kPurchaseQuestion =
+constexpr const char* kPurchaseQuestion =
     "There is already a Purchase of Shares in this Security on 03/01/2024.\n"
     "Do you still want to add this transaction?";
-const std::string kRedateQuestion =
-    "There is already a Purchase (or Reinvestment) of Shares in this Security on 01/02/2024.\n"
-    "Do you still want to modify this transaction?";
-const std::string kShutDownAdvice =
-    " The program will now shut down to prevent errors in your data and calculations.";
+constexpr const char* kPurchaseTitle = "Purchase with same date exists";
 
-enum class Kind { kBuy, kReinvest, kSell, kSplit, kDividend, kAdjust };
-
-const char* TableOf(Kind kind) {
-  switch (kind) {
-    case Kind::kBuy:
-    case Kind::kReinvest:
-      return "Buy";
-    case Kind::kSell:
-      return "Sell";
-    case Kind::kSplit:
-    case Kind::kDividend:
-      return "Split";
-    case Kind::kAdjust:
-      return "Adjust";
-  }
-  return "";
+std::string RedateQuestion(const std::string& date) {
+  return "There is already a Purchase (or Reinvestment) of Shares in this Security on " + date +
+         ".\nDo you still want to modify this transaction?";
 }
+
+// The acquisition and split kinds are their transaction types.
+enum Kind : int16_t {
+  kBuy = kTypeBuy,
+  kReinvest = kTypeReinvest,
+  kSplit = kTypeSplit,
+  kDividend = kTypeDividend,
+  kSell,
+  kAdjust
+};
 
 class TransactionStoreTest : public StoreTest {
  protected:
@@ -49,40 +39,32 @@ class TransactionStoreTest : public StoreTest {
     client_path_ = app_->client->path();
   }
 
-  // Enters one transaction of `kind`: acquisitions open a block of
-  // `sec_id`, the other kinds are filed under `block_no`.
+  // Enters one transaction of `kind`: acquisitions open a block of `sec_id`
+  // (its id lands in block_id_), the other kinds are filed under `block_no`.
   bool Enter(Kind kind, int64_t sec_id, int64_t block_no, const char* date) {
-    std::string block_id;
     switch (kind) {
-      case Kind::kBuy:
-        return AddBuy(*app_, sec_id, block_id, kTypeBuy, D(date), Money("1000"), 10, Currency(),
-                      "");
-      case Kind::kReinvest:
-        return AddBuy(*app_, sec_id, block_id, kTypeReinvest, D(date), Money("50"), 1, Currency(),
-                      "");
-      case Kind::kSell:
+      case kBuy:
+      case kReinvest:
+        return AddBuy(*app_, sec_id, block_id_, kind, D(date), Money("1000"), 10, {}, "");
+      case kSplit:
+      case kDividend:
+        return AddSplit(*app_, block_no, kind, D(date), 1, 2, 10, "");
+      case kSell:
         return AddSell(*app_, block_no, D(date), Money("500"), Money("5"), -4, "");
-      case Kind::kSplit:
-        return AddSplit(*app_, block_no, kTypeSplit, D(date), 1, 2, 10, "");
-      case Kind::kDividend:
-        return AddSplit(*app_, block_no, kTypeDividend, D(date), 0.05, 1, 0.5, "");
-      case Kind::kAdjust:
+      case kAdjust:
         return AddAdjust(*app_, block_no, D(date), 1, Money("10"), "");
     }
     return false;
   }
 
-  // Rows that refer to a block that no longer exists, over every table.
-  long long OrphanRows() {
-    long long orphans = 0;
-    for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) {
-      Query q =
-          app_->client->Select(std::string("SELECT count(*) AS n FROM \"") + table +
-                               R"(" WHERE "Block No" NOT IN (SELECT "Block No" FROM "Blocks"))");
-      q.Next();
-      orphans += q.Int("n");
-    }
-    return orphans;
+  // A sale on 03/01 and 04/01, a split on 05/01, a dividend on 06/01 and an
+  // adjustment on 07/01/2024.
+  void FillBlock(int64_t block) {
+    ASSERT_TRUE(AddSell(*app_, block, D("03/01/2024"), Money("1"), Currency(), -1, ""));
+    ASSERT_TRUE(AddSell(*app_, block, D("04/01/2024"), Money("1"), Currency(), -1, ""));
+    ASSERT_TRUE(AddSplit(*app_, block, kTypeSplit, D("05/01/2024"), 1, 2, 98, ""));
+    ASSERT_TRUE(AddSplit(*app_, block, kTypeDividend, D("06/01/2024"), 0.05, 1, 9.8, ""));
+    ASSERT_TRUE(AddAdjust(*app_, block, D("07/01/2024"), 1, Money("1"), ""));
   }
 
   // Reopens the Taxpayer File so that its writes count against `faults_`.
@@ -101,369 +83,252 @@ class TransactionStoreTest : public StoreTest {
     return q.Int("n");
   }
 
-  void ExpectFatal(int number, const std::string& text, const std::string& location) {
-    ui_.Expect(ErrorHeader(number, text, location) + kShutDownAdvice, "Warning!", Icon::kCritical,
-               Buttons::kOk);
+  // Each block with its buy, oldest first, as "Block No|Block ID|Date|buy's
+  // Date|Cost", read likewise.
+  Lines BlocksOnDisk() {
+    return Rows(Database::Open(client_path_)
+                    ->Select(R"(SELECT "Block No", "Block ID", b."Date", u."Date" AS "Buy Date", )"
+                             R"("Cost" FROM "Blocks" b LEFT JOIN "Buy" u USING ("Block No") )"
+                             R"(ORDER BY b."Date", "Block ID")"));
+  }
+
+  // Rows of the four transaction tables matching `where`.
+  long long TransactionRows(const std::string& where = "1 = 1") {
+    long long rows = 0;
+    for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) rows += CountOnDisk(table, where);
+    return rows;
   }
 
   StorageFaults faults_;
   std::string client_path_;
+  std::string block_id_;
 };
 
 // Block ids number a security's lots of one date from 1 up, the first free
-// number first, and only a same-type acquisition on that date is questioned.
-TEST_F(TransactionStoreTest, AddBuy_ThreeOnOneDate_NumberedAfterTwoYes) {
-  EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-1");
-  ui_.Expect(kPurchaseQuestion, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kYes);
-  std::string second;
-  ASSERT_TRUE(
-      AddBuy(*app_, sec_id_, second, kTypeBuy, D("03/01/2024"), Money("200"), 20, Currency(), ""));
-  ui_.Expect(kPurchaseQuestion, "Purchase with same date exists", Answer::kYes);
-  std::string third;
-  ASSERT_TRUE(
-      AddBuy(*app_, sec_id_, third, kTypeBuy, D("03/01/2024"), Money("300"), 30, Currency(), ""));
-  EXPECT_EQ(second, "03/01/2024-2");
-  EXPECT_EQ(third, "03/01/2024-3");
-  EXPECT_EQ(CountClientRows("Buy"), 3);
+// number first.
+TEST_F(TransactionStoreTest, AddBuy_SameDate_TakesFirstFreeNumber) {
+  for (int n = 1; n <= 3; ++n) {
+    if (n > 1) ui_.Expect(kPurchaseQuestion, kPurchaseTitle, Answer::kYes);
+    EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-" + std::to_string(n));
+  }
+  app_->client->Execute(R"(DELETE FROM "Blocks" WHERE "Block ID" = '03/01/2024-2')");
+  ui_.Expect(kPurchaseQuestion, kPurchaseTitle, Answer::kYes);
+  EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-2");
 }
 
-TEST_F(TransactionStoreTest, AddBuy_AnsweredNo_WritesNothing) {
-  BuyShares("03/01/2024", 10, "100");
-  ui_.Expect(kPurchaseQuestion, "Purchase with same date exists", Answer::kNo);
-  std::string block_id = "untouched";
-  EXPECT_FALSE(AddBuy(*app_, sec_id_, block_id, kTypeBuy, D("03/01/2024"), Money("200"), 20,
-                      Currency(), ""));
-  EXPECT_EQ(block_id, "untouched");
-  EXPECT_EQ(CountClientRows("Blocks"), 1);
-  EXPECT_EQ(CountClientRows("Buy"), 1);
-}
-
-TEST_F(TransactionStoreTest, AddBuy_GapInNumbers_TakesFirstFree) {
-  BuyShares("03/01/2024", 10, "100");
-  BuyShares("03/01/2024", 10, "100", kTypeReinvest);
-  app_->client->Execute(R"(DELETE FROM "Blocks" WHERE "Block ID" = '03/01/2024-1')");
-  EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-1");
-  EXPECT_EQ(BlockIds(), (Lines{"03/01/2024-1", "03/01/2024-2"}));
-}
-
-struct AcquisitionPairCase {
-  const char* name;
-  int16_t first;
-  int16_t second;
-  bool asks;
-};
-
-class AcquisitionPairTest : public TransactionStoreTest,
-                            public ::testing::WithParamInterface<AcquisitionPairCase> {};
-
-TEST_P(AcquisitionPairTest, AddBuy_SameDate_AsksOnlyForSameType) {
-  const AcquisitionPairCase& c = GetParam();
-  BuyShares("03/01/2024", 10, "100", c.first);
-  if (c.asks) ui_.Expect(kPurchaseQuestion, "Purchase with same date exists", Answer::kYes);
-  std::string block_id;
-  EXPECT_TRUE(
-      AddBuy(*app_, sec_id_, block_id, c.second, D("03/01/2024"), Money("5"), 1, Currency(), ""));
-  EXPECT_EQ(block_id, "03/01/2024-2");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Pairs, AcquisitionPairTest,
-    ::testing::Values(AcquisitionPairCase{"BuyThenReinvestment", kTypeBuy, kTypeReinvest, false},
-                      AcquisitionPairCase{"ReinvestmentThenBuy", kTypeReinvest, kTypeBuy, false},
-                      AcquisitionPairCase{"BuyThenBuy", kTypeBuy, kTypeBuy, true},
-                      AcquisitionPairCase{"ReinvestmentThenReinvestment", kTypeReinvest,
-                                          kTypeReinvest, true}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-// Each kind asks its own same-date question, No leaves the file as it was
-// and Yes writes; the question is about the same block (sales, splits,
-// adjustments) or the same security (acquisitions) only.
+// Each kind asks its own same-date question about the same block (sales,
+// splits, adjustments) or the same security and type (acquisitions) only;
+// No leaves the file as it was and Yes writes.
 struct SameDateCase {
   const char* name;
   Kind existing;
   Kind added;
-  const char* text;
+  const char* text;  // nullptr: no question
   const char* title;
 };
 
 class SameDateTest : public TransactionStoreTest,
                      public ::testing::WithParamInterface<SameDateCase> {};
 
-TEST_P(SameDateTest, Add_SameDate_NoKeepsFileYesWrites) {
+TEST_P(SameDateTest, Add_SameDate_AsksOnlyWhereDue) {
   const SameDateCase& c = GetParam();
-  int64_t block = BlockNo(BuyShares("01/02/2024", 100, "1000"));
-  ASSERT_TRUE(Enter(c.existing, sec_id_, block, "03/01/2024"));
-  const long long before = CountClientRows(TableOf(c.added));
-
-  ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  EXPECT_FALSE(Enter(c.added, sec_id_, block, "03/01/2024"));
-  EXPECT_EQ(CountClientRows(TableOf(c.added)), before);
-
-  ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
-  EXPECT_TRUE(Enter(c.added, sec_id_, block, "03/01/2024"));
-  EXPECT_EQ(CountClientRows(TableOf(c.added)), before + 1);
-}
-
-TEST_P(SameDateTest, Add_SameDateElsewhere_NoQuestion) {
-  const SameDateCase& c = GetParam();
-  int64_t block = BlockNo(BuyShares("01/02/2024", 100, "1000"));
-  ASSERT_TRUE(Enter(c.existing, sec_id_, block, "03/01/2024"));
-  int64_t other_sec = AddSecurity(kPort, "MSFT");
-  int64_t other_block = BlockNo(BuyShares("01/05/2024", 50, "500"));
-  EXPECT_TRUE(Enter(c.added, other_sec, other_block, "03/01/2024"));
+  BuyShares("01/02/2024", 100, "1000");  // block 1
+  BuyShares("01/05/2024", 50, "500");    // block 2, which is never asked about
+  ASSERT_TRUE(Enter(c.existing, sec_id_, 1, "03/01/2024"));
+  EXPECT_TRUE(Enter(c.added, AddSecurity(kPort, "MSFT"), 2, "03/01/2024"));
+  const long long rows = TransactionRows();
+  const long long blocks = CountOnDisk("Blocks");
+  if (c.text != nullptr) {
+    ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    block_id_ = "untouched";
+    EXPECT_FALSE(Enter(c.added, sec_id_, 1, "03/01/2024"));
+    EXPECT_EQ(block_id_, "untouched");
+    EXPECT_EQ(TransactionRows(), rows);
+    EXPECT_EQ(CountOnDisk("Blocks"), blocks);
+    ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  }
+  EXPECT_TRUE(Enter(c.added, sec_id_, 1, "03/01/2024"));
+  EXPECT_EQ(TransactionRows(), rows + 1);
+  if (c.added == kBuy || c.added == kReinvest) {
+    EXPECT_EQ(block_id_, "03/01/2024-2");
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, SameDateTest,
     ::testing::Values(
-        SameDateCase{"Buy", Kind::kBuy, Kind::kBuy,
-                     "There is already a Purchase of Shares in this Security on 03/01/2024.\n"
-                     "Do you still want to add this transaction?",
-                     "Purchase with same date exists"},
-        SameDateCase{"Reinvestment", Kind::kReinvest, Kind::kReinvest,
-                     "There is already a Purchase of Shares in this Security on 03/01/2024.\n"
-                     "Do you still want to add this transaction?",
-                     "Purchase with same date exists"},
-        SameDateCase{"Sell", Kind::kSell, Kind::kSell,
-                     "There is already a Purchase of Shares in this Security on 03/01/2024.\n"
-                     "Do you still want to add this transaction?",
-                     "Purchase with same date exists"},
-        SameDateCase{"SplitAfterDividend", Kind::kDividend, Kind::kSplit,
+        SameDateCase{"Buy", kBuy, kBuy, kPurchaseQuestion, kPurchaseTitle},
+        SameDateCase{"Reinvestment", kReinvest, kReinvest, kPurchaseQuestion, kPurchaseTitle},
+        SameDateCase{"BuyAfterReinvestment", kReinvest, kBuy, nullptr, nullptr},
+        SameDateCase{"ReinvestmentAfterBuy", kBuy, kReinvest, nullptr, nullptr},
+        SameDateCase{"Sell", kSell, kSell, kPurchaseQuestion, kPurchaseTitle},
+        SameDateCase{"SplitAfterDividend", kDividend, kSplit,
                      "There is already a Stock Split(or Stock Dividend) on 03/01/2024.\n"
                      "Do you still want to add this Stock Split?",
                      "Stock Split with same Date exists"},
-        SameDateCase{"DividendAfterSplit", Kind::kSplit, Kind::kDividend,
+        SameDateCase{"DividendAfterSplit", kSplit, kDividend,
                      "There is already a Stock Dividend(or Stock Split) on 03/01/2024.\n"
                      "Do you still want to add this Stock Dividend?",
                      "Stock Dividend with same Date exists"},
-        SameDateCase{"Adjust", Kind::kAdjust, Kind::kAdjust,
+        SameDateCase{"Adjust", kAdjust, kAdjust,
                      "There is already an Adjustment in this block for 03/01/2024.\n"
                      "Do you still want to add this Adjustment?",
                      "Adjustment with same Date exists"}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // Each row lands with its values in the right fields and the same-date rank
-// of its kind.
+// of its kind (rows as "Unique ID|Block No|Date|...|Notes|Prec Sort").
 TEST_F(TransactionStoreTest, Add_EachKind_WritesFieldsAndPrecSort) {
-  std::string block_id;
-  ASSERT_TRUE(AddBuy(*app_, sec_id_, block_id, kTypeBuy, D("01/02/2024"), Money("1000.1234"),
+  ASSERT_TRUE(AddBuy(*app_, sec_id_, block_id_, kTypeBuy, D("01/02/2024"), Money("1000.1234"),
                      100.12345, Money("9.95"), "b"));
-  const int64_t block = BlockNo(block_id);
-  ASSERT_TRUE(AddBuy(*app_, sec_id_, block_id, kTypeReinvest, D("01/02/2024"), Money("12"), 1.5,
+  ASSERT_TRUE(AddBuy(*app_, sec_id_, block_id_, kTypeReinvest, D("01/02/2024"), Money("12"), 1.5,
                      Currency(), "r"));
-  ASSERT_TRUE(AddSell(*app_, block, D("02/01/2024"), Money("555.5"), Money("4.25"), -40.5, "s"));
-  ASSERT_TRUE(AddSplit(*app_, block, kTypeSplit, D("03/01/2024"), 1, 2, 60, "x"));
-  ASSERT_TRUE(AddSplit(*app_, block, kTypeDividend, D("04/01/2024"), 0.05, 1, 3, "d"));
-  ASSERT_TRUE(AddAdjust(*app_, block, D("05/01/2024"), -0.25, Money("-12.5"), "a"));
-
-  // Each row as "Block No|Date|...|Notes|Prec Sort" in the table's field order.
-  const std::string n = std::to_string(block);
-  const Lines expected = {
-      n + "|2024-01-02|10|10001234|100.12345|99500|b|10",
-      "2|2024-01-02|20|120000|1.5|0|r|20",
-      n + "|2024-02-01|5555000|42500|-40.5|s|40",
-      n + "|2024-03-01|11|1.0|2.0|60.0|x|60",
-      n + "|2024-04-01|21|0.05|1.0|3.0|d|50",
-      n + "|2024-05-01|-0.25|-125000|a|30",
+  ASSERT_TRUE(AddSell(*app_, 1, D("02/01/2024"), Money("555.5"), Money("4.25"), -40.5, "s"));
+  ASSERT_TRUE(AddSplit(*app_, 1, kTypeSplit, D("03/01/2024"), 1, 2, 60, "x"));
+  ASSERT_TRUE(AddSplit(*app_, 1, kTypeDividend, D("04/01/2024"), 0.05, 1, 3, "d"));
+  ASSERT_TRUE(AddAdjust(*app_, 1, D("05/01/2024"), -0.25, Money("-12.5"), "a"));
+  const auto rows = [&](std::string table) {
+    return Rows(app_->client->Select("SELECT * FROM \"" + table + "\" ORDER BY \"Unique ID\""));
   };
-  Lines rows;
-  for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) {
-    std::string columns;
-    for (const std::string& c : app_->client->Columns(table)) {
-      if (c == "Unique ID") continue;
-      columns += (columns.empty() ? "\"" : " || '|' || \"") + c + "\"";
-    }
-    Query q = app_->client->Select("SELECT " + columns + " AS r FROM \"" + table +
-                                   "\" ORDER BY \"Unique ID\"");
-    while (q.Next()) rows.push_back(q.Text("r"));
-  }
-  EXPECT_EQ(rows, expected);
+  EXPECT_EQ(rows("Buy"), (Lines{"1|1|2024-01-02|10|10001234|100.12345|99500|b|10",
+                                "2|2|2024-01-02|20|120000|1.5|0|r|20"}));
+  EXPECT_EQ(rows("Sell"), Lines{"1|1|2024-02-01|5555000|42500|-40.5|s|40"});
+  EXPECT_EQ(rows("Split"),
+            (Lines{"1|1|2024-03-01|11|1.0|2.0|60.0|x|60", "2|1|2024-04-01|21|0.05|1.0|3.0|d|50"}));
+  EXPECT_EQ(rows("Adjust"), Lines{"1|1|2024-05-01|-0.25|-125000|a|30"});
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
 // A modification logs each changed field in field order, values in their
 // default text form, under the current portfolio and security and today's
-// date; it rewrites the row; notes changes are never logged.
+// date, and rewrites the row; notes changes are never logged. A unique id
+// that is not there is reported and changes nothing.
 struct ModifyCase {
   const char* name;
   const char* table;
-  std::function<bool(Application&, int64_t)> modify;
-  Lines logged;
+  const char* date;
+  const char* money;  // cost, or sale price
+  const char* fee;
+  double shares;
+  Lines logged;  // each after "Changed <table> (Unique ID = 1), field "
 };
 
-class ModifyFixture : public TransactionStoreTest {
+class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInterface<ModifyCase> {
  protected:
   void SetUp() override {
     TransactionStoreTest::SetUp();
-    block_ = BlockNo(BuyShares("01/02/2024", 100, "1000", kTypeBuy, "old"));
-    ASSERT_TRUE(AddSell(*app_, block_, D("06/03/2024"), Money("500"), Money("5"), -40, "old"));
-    ASSERT_TRUE(AddSplit(*app_, block_, kTypeSplit, D("07/01/2024"), 1, 2, 60, "old"));
-    ASSERT_TRUE(AddAdjust(*app_, block_, D("08/01/2024"), 1, Money("10"), "old"));
+    BuyShares("01/02/2024", 100, "1000", kTypeBuy, "old");
+    ASSERT_TRUE(AddSell(*app_, 1, D("06/03/2024"), Money("500"), Money("5"), -40, "old"));
+    ASSERT_TRUE(AddSplit(*app_, 1, kTypeSplit, D("07/01/2024"), 1, 2, 60, "old"));
+    ASSERT_TRUE(AddAdjust(*app_, 1, D("08/01/2024"), 1, Money("10"), "old"));
   }
 
-  int64_t block_ = 0;
+  bool Modify(int64_t id) {
+    const ModifyCase& c = GetParam();
+    const std::string_view table = c.table;
+    if (table == "Buy") {
+      return ModifyBuy(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+    }
+    if (table == "Sell") {
+      return ModifySell(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+    }
+    if (table == "Split") return ModifySplit(*app_, id, D(c.date), c.shares, "new");
+    return ModifyAdjust(*app_, id, D(c.date), Money(c.money), c.shares, "new");
+  }
+
+  Lines Notes() {
+    return Rows(app_->client->Select("SELECT \"Notes\" FROM \"" + std::string(GetParam().table) +
+                                     "\" WHERE \"Unique ID\" = 1"));
+  }
 };
 
-class ModifyTest : public ModifyFixture, public ::testing::WithParamInterface<ModifyCase> {};
-
-TEST_P(ModifyTest, Modify_ChangedFields_LoggedInOrderAndRowRewritten) {
-  const ModifyCase& c = GetParam();
-  ASSERT_TRUE(c.modify(*app_, 1));
-  EXPECT_EQ(ChangeDescriptions(), c.logged);
-
-  Query log = app_->client->Select(R"(SELECT * FROM "Change")");
-  while (log.Next()) {
-    EXPECT_EQ(log.Text("Port Name"), kPort);
-    EXPECT_EQ(log.Int("Sec ID"), sec_id_);
-    EXPECT_EQ(log.DateValue("Date"), D("11/22/2026"));
-  }
-  Query row = app_->client->Select(std::string(R"(SELECT "Notes" FROM ")") + c.table +
-                                   R"(" WHERE "Unique ID" = 1)");
-  ASSERT_TRUE(row.Next());
-  EXPECT_EQ(row.Text("Notes"), "new");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ModifyTest,
-    ::testing::Values(
-        ModifyCase{"BuyEveryField",
-                   "Buy",
-                   [](Application& app, int64_t id) {
-                     return ModifyBuy(app, id, D("01/03/2024"), Money("1000.5"), Money("9.95"),
-                                      100.5, "new");
-                   },
-                   {"Changed Buy (Unique ID = 1), field 'Date' from 01/02/2024 to 01/03/2024",
-                    "Changed Buy (Unique ID = 1), field 'Cost' from 1000 to 1000.5",
-                    "Changed Buy (Unique ID = 1), field 'Fee' from 0 to 9.95",
-                    "Changed Buy (Unique ID = 1), field 'Shares' from 100 to 100.5"}},
-        ModifyCase{"BuyShares",
-                   "Buy",
-                   [](Application& app, int64_t id) {
-                     return ModifyBuy(app, id, D("01/02/2024"), Money("1000"), Currency(), 0.12345,
-                                      "new");
-                   },
-                   {"Changed Buy (Unique ID = 1), field 'Shares' from 100 to 0.12345"}},
-        ModifyCase{"SellEveryField",
-                   "Sell",
-                   [](Application& app, int64_t id) {
-                     return ModifySell(app, id, D("06/04/2024"), Money("550.25"), Money("0"),
-                                       -40.25, "new");
-                   },
-                   {"Changed Sell (Unique ID = 1), field 'Date' from 06/03/2024 to 06/04/2024",
-                    "Changed Sell (Unique ID = 1), field 'Sale Price' from 500 to 550.25",
-                    "Changed Sell (Unique ID = 1), field 'Fee' from 5 to 0",
-                    "Changed Sell (Unique ID = 1), field 'Shares' from -40 to -40.25"}},
-        ModifyCase{"SplitEveryField",
-                   "Split",
-                   [](Application& app, int64_t id) {
-                     return ModifySplit(app, id, D("07/02/2024"), 61.5, "new");
-                   },
-                   {"Changed Split (Unique ID = 1), field 'Date' from 07/01/2024 to 07/02/2024",
-                    "Changed Split (Unique ID = 1), field 'Shares' from 60 to 61.5"}},
-        ModifyCase{"AdjustEveryField",
-                   "Adjust",
-                   [](Application& app, int64_t id) {
-                     return ModifyAdjust(app, id, D("12/31/2024"), Money("-0.0001"), -2, "new");
-                   },
-                   {"Changed Adjust (Unique ID = 1), field 'Date' from 08/01/2024 to 12/31/2024",
-                    "Changed Adjust (Unique ID = 1), field 'Cost' from 10 to -0.0001",
-                    "Changed Adjust (Unique ID = 1), field 'Shares' from 1 to -2"}},
-        ModifyCase{"BuyNotesOnly",
-                   "Buy",
-                   [](Application& app, int64_t id) {
-                     return ModifyBuy(app, id, D("01/02/2024"), Money("1000"), Currency(), 100,
-                                      "new");
-                   },
-                   {}},
-        ModifyCase{"SellNotesOnly",
-                   "Sell",
-                   [](Application& app, int64_t id) {
-                     return ModifySell(app, id, D("06/03/2024"), Money("500"), Money("5"), -40,
-                                       "new");
-                   },
-                   {}},
-        ModifyCase{"SplitNotesOnly",
-                   "Split",
-                   [](Application& app, int64_t id) {
-                     return ModifySplit(app, id, D("07/01/2024"), 60, "new");
-                   },
-                   {}},
-        ModifyCase{"AdjustNotesOnly",
-                   "Adjust",
-                   [](Application& app, int64_t id) {
-                     return ModifyAdjust(app, id, D("08/01/2024"), Money("10"), 1, "new");
-                   },
-                   {}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST_P(ModifyTest, Modify_MissingUniqueId_ErrorAndNothingChanged) {
+TEST_P(ModifyTest, Modify_Fields_MissingIdRefusedChangesLogged) {
   const ModifyCase& c = GetParam();
   ui_.Expect(
       "The transaction could not be located with Unique ID = 999. This modification can not be "
       "made. It is suggested that you exit the Modify form and try this modification again. If "
       "you continue to get this error please contact Tarnwick Software, Inc.",
       "Error!");
-  EXPECT_FALSE(c.modify(*app_, 999));
+  EXPECT_FALSE(Modify(999));
   EXPECT_EQ(CountClientRows("Change"), 0);
-  Query row = app_->client->Select(std::string(R"(SELECT "Notes" FROM ")") + c.table + "\"");
-  while (row.Next()) EXPECT_EQ(row.Text("Notes"), "old");
+  EXPECT_EQ(Notes(), Lines{"old"});
+
+  ASSERT_TRUE(Modify(1));
+  Lines expected;
+  for (const std::string& field : c.logged) {
+    expected.push_back("2026-11-22|Growth|" + std::to_string(sec_id_) + "|Changed " + c.table +
+                       " (Unique ID = 1), field " + field);
+  }
+  EXPECT_EQ(Rows(app_->client->Select(R"(SELECT * FROM "Change" ORDER BY rowid)")), expected);
+  EXPECT_EQ(Notes(), Lines{"new"});
 }
 
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, ModifyTest,
+    ::testing::Values(
+        ModifyCase{"BuyEveryField", "Buy", "01/03/2024", "1000.5", "9.95", 100.5,
+                   Lines{"'Date' from 01/02/2024 to 01/03/2024", "'Cost' from 1000 to 1000.5",
+                         "'Fee' from 0 to 9.95", "'Shares' from 100 to 100.5"}},
+        ModifyCase{"BuyShares", "Buy", "01/02/2024", "1000", "0", 0.12345,
+                   Lines{"'Shares' from 100 to 0.12345"}},
+        ModifyCase{"SellEveryField", "Sell", "06/04/2024", "550.25", "0", -40.25,
+                   Lines{"'Date' from 06/03/2024 to 06/04/2024", "'Sale Price' from 500 to 550.25",
+                         "'Fee' from 5 to 0", "'Shares' from -40 to -40.25"}},
+        ModifyCase{"SplitEveryField", "Split", "07/02/2024", "0", "0", 61.5,
+                   Lines{"'Date' from 07/01/2024 to 07/02/2024", "'Shares' from 60 to 61.5"}},
+        ModifyCase{"AdjustEveryField", "Adjust", "12/31/2024", "-0.0001", "0", -2,
+                   Lines{"'Date' from 08/01/2024 to 12/31/2024", "'Cost' from 10 to -0.0001",
+                         "'Shares' from 1 to -2"}},
+        ModifyCase{"BuyNotesOnly", "Buy", "01/02/2024", "1000", "0", 100, Lines{}},
+        ModifyCase{"SellNotesOnly", "Sell", "06/03/2024", "500", "5", -40, Lines{}},
+        ModifyCase{"SplitNotesOnly", "Split", "07/01/2024", "0", "0", 60, Lines{}},
+        ModifyCase{"AdjustNotesOnly", "Adjust", "08/01/2024", "10", "0", 1, Lines{}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
 // Re-dating a lot onto a date that already has lots gives it the next free
-// number there; only a lot of the same acquisition type is questioned, and
-// declining abandons the whole modification.
+// number there, whether the buy or the block is re-dated; only a lot of the
+// same acquisition type is questioned, and declining abandons the whole
+// modification.
 struct RedateCase {
   const char* name;
-  int16_t lot_on_target_date;
+  int16_t lot_on_target_dates;
   bool asks;
 };
 
 class RedateTest : public TransactionStoreTest, public ::testing::WithParamInterface<RedateCase> {};
 
-TEST_P(RedateTest, ModifyBuy_OntoOccupiedDate_TakesNextNumber) {
+TEST_P(RedateTest, Redate_OntoOccupiedDate_TakesNextNumber) {
   const RedateCase& c = GetParam();
-  BuyShares("01/02/2024", 10, "100", c.lot_on_target_date);
-  const int64_t moved = BlockNo(BuyShares("02/05/2024", 20, "200"));
-  app_->current.block_no = moved;
-  app_->current.block_id = "02/05/2024-1";
+  BuyShares("01/02/2024", 10, "100", c.lot_on_target_dates);
+  BuyShares("01/03/2024", 10, "100", c.lot_on_target_dates);
+  BuyShares("02/05/2024", 20, "200");
+  BuyShares("02/06/2024", 20, "200");
+  app_->current.block_no = 4;
+  app_->current.block_id = "02/06/2024-1";
   if (c.asks) {
-    ui_.Expect(kRedateQuestion, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
-               Answer::kYes);
+    const Lines before = BlocksOnDisk();
+    ui_.Expect(RedateQuestion("01/03/2024"), kPurchaseTitle, Answer::kNo);
+    EXPECT_FALSE(ModifyBuy(*app_, 4, D("01/03/2024"), Money("250"), Currency(), 20, "x"));
+    EXPECT_EQ(BlocksOnDisk(), before);
+    EXPECT_EQ(CountClientRows("Change"), 0);
+    for (const char* date : {"01/02/2024", "01/03/2024"}) {
+      ui_.Expect(RedateQuestion(date), kPurchaseTitle, Icon::kQuestion, Buttons::kYesNo,
+                 Answer::kYes);
+    }
   }
-  ASSERT_TRUE(
-      ModifyBuy(*app_, LastUniqueId("Buy"), D("01/02/2024"), Money("200"), Currency(), 20, ""));
-  EXPECT_EQ(BlockIds(), (Lines{"01/02/2024-1", "01/02/2024-2"}));
-  EXPECT_EQ(app_->current.block_id, "01/02/2024-2");
-  EXPECT_EQ(BlockNo("01/02/2024-2"), moved);
-}
-
-TEST_P(RedateTest, UpdateBlock_OntoOccupiedDate_TakesNextNumber) {
-  const RedateCase& c = GetParam();
-  BuyShares("01/02/2024", 10, "100", c.lot_on_target_date);
-  const int64_t moved = BlockNo(BuyShares("02/05/2024", 20, "200"));
-  if (c.asks) ui_.Expect(kRedateQuestion, "Purchase with same date exists", Answer::kYes);
-  ASSERT_TRUE(UpdateBlock(*app_, sec_id_, moved, D("01/02/2024")));
-  EXPECT_EQ(BlockNo("01/02/2024-2"), moved);
+  ASSERT_TRUE(UpdateBlock(*app_, sec_id_, 3, D("01/02/2024")));
+  ASSERT_TRUE(ModifyBuy(*app_, 4, D("01/03/2024"), Money("200"), Currency(), 20, ""));
+  EXPECT_EQ(BlocksOnDisk(), (Lines{"1|01/02/2024-1|2024-01-02|2024-01-02|1000000",
+                                   "3|01/02/2024-2|2024-01-02|2024-02-05|2000000",
+                                   "2|01/03/2024-1|2024-01-03|2024-01-03|1000000",
+                                   "4|01/03/2024-2|2024-01-03|2024-01-03|2000000"}));
+  EXPECT_EQ(app_->current.block_id, "01/03/2024-2");
 }
 
 INSTANTIATE_TEST_SUITE_P(Lots, RedateTest,
                          ::testing::Values(RedateCase{"BuyThere", kTypeBuy, true},
                                            RedateCase{"ReinvestmentThere", kTypeReinvest, false}),
                          [](const auto& info) { return std::string(info.param.name); });
-
-TEST_F(TransactionStoreTest, ModifyBuy_RedateDeclined_NothingChanged) {
-  BuyShares("01/02/2024", 10, "100");
-  BuyShares("02/05/2024", 20, "200");
-  ui_.Expect(kRedateQuestion, "Purchase with same date exists", Answer::kNo);
-  EXPECT_FALSE(ModifyBuy(*app_, 2, D("01/02/2024"), Money("250"), Currency(), 20, "x"));
-  EXPECT_EQ(BlockIds(), (Lines{"01/02/2024-1", "02/05/2024-1"}));
-  EXPECT_EQ(CountClientRows("Change"), 0);
-  Query buy = app_->client->Select(R"(SELECT * FROM "Buy" WHERE "Unique ID" = 2)");
-  ASSERT_TRUE(buy.Next());
-  EXPECT_EQ(buy.DateValue("Date"), D("02/05/2024"));
-  EXPECT_EQ(buy.Money("Cost"), Money("200"));
-}
 
 // A roll-back deletes the block's rows of the chosen type dated after the
 // date and keeps the date itself; type 99 takes every row of the table.
@@ -480,15 +345,11 @@ class RollBackTest : public TransactionStoreTest,
 
 TEST_P(RollBackTest, RollBackTable_DeletesLaterRowsOfType) {
   const RollBackCase& c = GetParam();
-  const int64_t block = BlockNo(BuyShares("01/02/2024", 100, "1000"));
-  const int64_t other = BlockNo(BuyShares("01/03/2024", 100, "1000"));
-  for (int64_t b : {block, other}) {
-    ASSERT_TRUE(AddSell(*app_, b, D("03/01/2024"), Money("1"), Currency(), -1, ""));
-    ASSERT_TRUE(AddSell(*app_, b, D("04/01/2024"), Money("1"), Currency(), -1, ""));
-    ASSERT_TRUE(AddSplit(*app_, b, kTypeSplit, D("05/01/2024"), 1, 2, 98, ""));
-    ASSERT_TRUE(AddSplit(*app_, b, kTypeDividend, D("06/01/2024"), 0.05, 1, 9.8, ""));
-    ASSERT_TRUE(AddAdjust(*app_, b, D("07/01/2024"), 1, Money("1"), ""));
-  }
+  const int64_t block = 1, other = 2;
+  BuyShares("01/02/2024", 100, "1000");
+  BuyShares("01/03/2024", 100, "1000");
+  FillBlock(block);
+  FillBlock(other);
   const long long other_rows = CountClientRows(c.table) / 2;
 
   EXPECT_TRUE(RollBackTable(*app_, c.table, block, c.type, D(c.date)));
@@ -503,98 +364,74 @@ INSTANTIATE_TEST_SUITE_P(
                       RollBackCase{"AdjustsOnTheirDate", "Adjust", 99, "07/01/2024", 1},
                       RollBackCase{"DividendsOnly", "Split", kTypeDividend, "01/02/2024", 1},
                       RollBackCase{"SplitsOnly", "Split", kTypeSplit, "01/02/2024", 1},
-                      RollBackCase{"BuyOnItsDateKept", "Buy", kTypeBuy, "01/02/2024", 1},
                       RollBackCase{"BuyDayBeforeRemoved", "Buy", kTypeBuy, "01/01/2024", 0},
                       RollBackCase{"ReinvestmentsLeaveBuy", "Buy", kTypeReinvest, "01/01/2024", 1}),
     [](const auto& info) { return std::string(info.param.name); });
 
-// Deleting the selected block takes every transaction of it along and
-// leaves the other blocks and the file sound.
-TEST_F(TransactionStoreTest, DeleteBlock_Confirmed_RemovesBlockAndAllItsRows) {
-  const int64_t doomed = BlockNo(BuyShares("01/02/2024", 100, "1000"));
-  const int64_t kept = BlockNo(BuyShares("01/03/2024", 100, "1000"));
-  for (int64_t b : {doomed, kept}) {
-    ASSERT_TRUE(AddSell(*app_, b, D("03/01/2024"), Money("1"), Currency(), -1, ""));
-    ASSERT_TRUE(AddSplit(*app_, b, kTypeSplit, D("05/01/2024"), 1, 2, 98, ""));
-    ASSERT_TRUE(AddAdjust(*app_, b, D("07/01/2024"), 1, Money("1"), ""));
-  }
-  app_->current.block_no = doomed;
-  app_->current.block_id = "01/02/2024-1";
-  ui_.Expect(
-      "You are about to delete Block: 01/02/2024-1. This will also delete all transactions in "
-      "this block. Are you sure you want to do this?",
-      "Delete Block?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
-  DeleteBlock(*app_);
-
-  EXPECT_EQ(BlockIds(), (Lines{"01/03/2024-1"}));
-  EXPECT_EQ(OrphanRows(), 0);
-  for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) {
-    EXPECT_EQ(CountClientRows(table), 1) << table;
-  }
-  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
-  EXPECT_EQ(app_->current.block_no, 0);
-  EXPECT_EQ(BlockNo("01/03/2024-1"), kept);
-}
-
-TEST_F(TransactionStoreTest, DeleteBlock_Declined_KeepsBlock) {
-  app_->current.block_no = BlockNo(BuyShares("01/02/2024", 100, "1000"));
-  app_->current.block_id = "01/02/2024-1";
-  ui_.Expect(
-      "You are about to delete Block: 01/02/2024-1. This will also delete all transactions in "
-      "this block. Are you sure you want to do this?",
-      "Delete Block?", Answer::kNo);
-  DeleteBlock(*app_);
-  EXPECT_EQ(CountClientRows("Blocks"), 1);
-  EXPECT_EQ(CountClientRows("Buy"), 1);
-}
-
-TEST_F(TransactionStoreTest, DeleteBlock_NoBlocks_SaysSo) {
+// With no block there is nothing to delete; declined, the selected block
+// stays; confirmed, every transaction of it goes along and the other block
+// and the file stay sound.
+TEST_F(TransactionStoreTest, DeleteBlock_NoneDeclinedConfirmed) {
   ui_.Expect(
       "There are no blocks to delete. To add a block you need to enter a Buy or Reinvestment.",
       "No Blocks", Icon::kInformation, Buttons::kOk);
   DeleteBlock(*app_);
+
+  BuyShares("01/02/2024", 100, "1000");
+  BuyShares("01/03/2024", 100, "1000");
+  FillBlock(1);
+  FillBlock(2);
+  app_->current.block_no = 1;
+  app_->current.block_id = "01/02/2024-1";
+  const std::string question =
+      "You are about to delete Block: 01/02/2024-1. This will also delete all transactions in "
+      "this block. Are you sure you want to do this?";
+  ui_.Expect(question, "Delete Block?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  DeleteBlock(*app_);
+  EXPECT_EQ(TransactionRows(), 12);
+  ui_.Expect(question, "Delete Block?", Answer::kYes);
+  DeleteBlock(*app_);
+  EXPECT_EQ(BlocksOnDisk(), Lines{"2|01/03/2024-1|2024-01-03|2024-01-03|10000000"});
+  EXPECT_EQ(TransactionRows(), 6);
+  EXPECT_EQ(TransactionRows(R"("Block No" NOT IN (SELECT "Block No" FROM "Blocks"))"), 0);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+  EXPECT_EQ(app_->current.block_no, 0);
 }
 
 // A write that fails half-way leaves nothing of the entry behind: neither a
-// block without its buy nor a change log without its change.
-TEST_F(TransactionStoreTest, AddBuy_SecondWriteFails_NeitherBlockNorBuy) {
-  UseStorageFaults();
-  faults_.FailWriteNumber(2);
-  ExpectFatal(31010, "disk I/O error (injected)", "AddBuy");
-  std::string block_id;
-  EXPECT_FALSE(AddBuy(*app_, sec_id_, block_id, kTypeBuy, D("01/02/2024"), Money("1000"), 100,
-                      Currency(), ""));
-  EXPECT_EQ(env_->end_calls(), 1);
-  EXPECT_EQ(CountOnDisk("Blocks"), 0);
-  EXPECT_EQ(CountOnDisk("Buy"), 0);
-}
-
-struct ModifyFaultCase {
+// block without its buy, nor a re-dated block under an old buy, nor a change
+// log without its change.
+struct FaultCase {
   const char* name;
+  bool modify;  // else add
   int failing_write;
   const char* location;
 };
 
-class ModifyFaultTest : public TransactionStoreTest,
-                        public ::testing::WithParamInterface<ModifyFaultCase> {};
+class FaultTest : public TransactionStoreTest, public ::testing::WithParamInterface<FaultCase> {};
 
-TEST_P(ModifyFaultTest, ModifyBuy_WriteFails_NothingChanged) {
-  const ModifyFaultCase& c = GetParam();
+TEST_P(FaultTest, WriteFails_FileAsBefore) {
+  const FaultCase& c = GetParam();
   BuyShares("01/02/2024", 100, "1000");
   UseStorageFaults();
-  // Writes: the change line, the block's new date, the buy row.
   faults_.FailWriteNumber(c.failing_write);
-  ExpectFatal(31010, "disk I/O error (injected)", c.location);
-  EXPECT_FALSE(ModifyBuy(*app_, 1, D("02/01/2024"), Money("1000"), Currency(), 100, ""));
+  ui_.Expect(FatalMessage(31010, "disk I/O error (injected)", c.location), "Warning!",
+             Icon::kCritical, Buttons::kOk);
+  EXPECT_FALSE(c.modify ? ModifyBuy(*app_, 1, D("02/01/2024"), Money("1000"), Currency(), 100, "")
+                        : AddBuy(*app_, sec_id_, block_id_, kTypeBuy, D("02/01/2024"),
+                                 Money("1000"), 100, Currency(), ""));
+  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_EQ(BlocksOnDisk(), Lines{"1|01/02/2024-1|2024-01-02|2024-01-02|10000000"});
+  EXPECT_EQ(TransactionRows(), 1);
   EXPECT_EQ(CountOnDisk("Change"), 0);
-  EXPECT_EQ(CountOnDisk("Blocks", R"("Block ID" = '01/02/2024-1' AND "Date" = '2024-01-02')"), 1);
-  EXPECT_EQ(CountOnDisk("Buy", R"("Date" = '2024-01-02')"), 1);
 }
 
-INSTANTIATE_TEST_SUITE_P(Writes, ModifyFaultTest,
-                         ::testing::Values(ModifyFaultCase{"ChangeLine", 1, "LogChange"},
-                                           ModifyFaultCase{"BlockRedate", 2, "ModifyBuy"},
-                                           ModifyFaultCase{"BuyRow", 3, "ModifyBuy"}),
+// Modify's writes: the change line, the block's new date, the buy row.
+INSTANTIATE_TEST_SUITE_P(Writes, FaultTest,
+                         ::testing::Values(FaultCase{"AddBuyRow", false, 2, "AddBuy"},
+                                           FaultCase{"ModifyChangeLine", true, 1, "LogChange"},
+                                           FaultCase{"ModifyBlockRedate", true, 2, "ModifyBuy"},
+                                           FaultCase{"ModifyBuyRow", true, 3, "ModifyBuy"}),
                          [](const auto& info) { return std::string(info.param.name); });
 
 // User text reaches the file as data, never as SQL, and comes back exactly.
@@ -608,21 +445,15 @@ class TextRoundTripTest : public TransactionStoreTest,
 
 TEST_P(TextRoundTripTest, Notes_AwkwardText_RoundTripsExactly) {
   const std::string text = GetParam().text;
-  const int64_t block = BlockNo(BuyShares("01/02/2024", 100, "1000", kTypeBuy, text));
-  ASSERT_TRUE(AddSell(*app_, block, D("02/01/2024"), Money("1"), Currency(), -1, text));
+  BuyShares("01/02/2024", 100, "1000", kTypeBuy, text);
+  ASSERT_TRUE(AddSell(*app_, 1, D("02/01/2024"), Money("1"), Currency(), -1, text));
   app_->current.port_name = text;
   ASSERT_TRUE(ModifySell(*app_, 1, D("02/02/2024"), Money("1"), Currency(), -1, text + "!"));
-
-  Query buy = app_->client->Select(R"(SELECT "Notes" FROM "Buy")");
-  ASSERT_TRUE(buy.Next());
-  EXPECT_EQ(buy.Text("Notes"), text);
-  Query sell = app_->client->Select(R"(SELECT "Notes" FROM "Sell")");
-  ASSERT_TRUE(sell.Next());
-  EXPECT_EQ(sell.Text("Notes"), text + "!");
-  Query log = app_->client->Select(R"(SELECT "Port Name" FROM "Change")");
-  ASSERT_TRUE(log.Next());
-  EXPECT_EQ(log.Text("Port Name"), text);
-  EXPECT_EQ(CountClientRows("Blocks"), 1);
+  EXPECT_EQ(
+      Rows(app_->client->Select(
+          R"(SELECT (SELECT "Notes" FROM "Buy") AS b, (SELECT "Notes" FROM "Sell") AS s, )"
+          R"((SELECT "Port Name" FROM "Change") AS p, (SELECT count(*) FROM "Blocks") AS n)")),
+      Lines{text + "|" + text + "!|" + text + "|1"});
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, TextRoundTripTest,

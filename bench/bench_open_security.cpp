@@ -1,0 +1,160 @@
+// Opening a security in the main window: the blocks list, the transactions
+// of the first block and the total shares (ShowSecDisplay), for a security
+// with state.range(0) blocks, each holding a buy of 100 shares and two sales
+// of 10. Each figure is reported as the median and the 99th percentile of
+// the individual openings; state.range(1) = 0 turns share recalculation off
+// to show what the total costs.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "app/date.h"
+#include "app/environment.h"
+#include "app/security_display.h"
+#include "app/ui_port.h"
+#include "data/database.h"
+#include "data/schema.h"
+
+namespace lotwise {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+// Nobody is at the keyboard; any message means something went wrong.
+class SilentUi : public UiPort {
+ public:
+  Answer MessageBox(std::string_view, std::string_view, Icon, Buttons) override {
+    ++messages;
+    return Answer::kNo;
+  }
+  void SetHelpBarText(std::string_view) override {}
+  std::string PickFile(const FileRequest&) override { return {}; }
+  std::string PickSaveFile(const FileRequest&) override { return {}; }
+  ChkFilesChoice ChkFiles(std::string_view, std::string_view, bool) override {
+    return ChkFilesChoice::kIgnore;
+  }
+  void RunModal(DialogForm&) override {}
+
+  int messages = 0;
+};
+
+// A fresh Security Symbols File and Taxpayer File in a folder of their own,
+// opened as the program opens them, with the portfolio "Growth" holding
+// IBM; removed afterwards.
+class Fixture {
+ public:
+  explicit Fixture(int blocks) {
+    std::random_device random;
+    folder_ = fs::temp_directory_path() / ("lotwise-bench-" + std::to_string(random()));
+    fs::create_directories(folder_);
+    const std::string central = (folder_ / "CENTRAL.MDB").string();
+    const std::string client = (folder_ / "BENCH01.mdb").string();
+    CreateTemplate(FileKind::kCentral, central);
+    CreateTemplate(FileKind::kTaxpayer, client);
+    app_ = std::make_unique<Application>(ui_, env_, folder_.string(), "bench");
+    app_->central = Database::Open(central);
+    app_->client = Database::Open(client);
+    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
+                           R"(VALUES ('IBM', 'Intl Business Machines', '459200101'))");
+    Database& db = *app_->client;
+    db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
+               R"(VALUES ('Growth', ' ', 'B01'))");
+    db.Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+               R"(VALUES ('IBM', 'Growth', ' '))");
+    const int64_t sec_id = db.LastInsertId();
+    db.Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', 1))");
+    app_->current.port_name = "Growth";
+    app_->window.state = kPortOpen;
+
+    Database::Transaction unit(db);
+    const Date first = Date::FromYmd(1990, 1, 2);
+    for (int i = 0; i < blocks; ++i) {
+      const Date date = first.AddDays(i);
+      db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
+                 {{"s", sec_id}, {"id", date.ToString() + "-1"}, {"d", date}});
+      const int64_t block = db.LastInsertId();
+      db.Execute(
+          R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
+          R"("Prec Sort") VALUES (:b, :d, 10, :c, 100, 0, '', 10))",
+          {{"b", block}, {"d", date}, {"c", Currency::FromCents(150000)}});
+      for (int s = 1; s <= 2; ++s) {
+        db.Execute(
+            R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
+            R"("Prec Sort") VALUES (:b, :d, :p, 0, -10, '', 40))",
+            {{"b", block}, {"d", date.AddDays(s)}, {"p", Currency::FromCents(20000)}});
+      }
+    }
+    unit.Commit();
+  }
+
+  ~Fixture() {
+    app_.reset();
+    std::error_code ec;
+    fs::remove_all(folder_, ec);
+  }
+
+  Application& app() { return *app_; }
+  int messages() const { return ui_.messages; }
+
+ private:
+  SilentUi ui_;
+  SystemEnvironment env_;
+  fs::path folder_;
+  std::unique_ptr<Application> app_;
+};
+
+// Reports the median and 99th percentile of the calls in milliseconds.
+void ReportPercentiles(benchmark::State& state, std::vector<double> ms) {
+  if (ms.empty()) return;
+  std::sort(ms.begin(), ms.end());
+  auto at = [&](double q) {
+    size_t index = static_cast<size_t>(q * static_cast<double>(ms.size() - 1) + 0.5);
+    return ms[std::min(index, ms.size() - 1)];
+  };
+  state.counters["median_ms"] = at(0.5);
+  state.counters["p99_ms"] = at(0.99);
+  state.counters["max_ms"] = ms.back();
+}
+
+void BM_ShowSecDisplay(benchmark::State& state) {
+  const int blocks = static_cast<int>(state.range(0));
+  Fixture fixture(blocks);
+  fixture.app().window.options.recalc_shares = state.range(1) == 1;
+  const std::string expected_total =
+      state.range(1) == 1 ? std::to_string(80 * blocks) : "Recalculate";
+  std::vector<double> ms;
+  for (auto _ : state) {
+    auto start = Clock::now();
+    ShowSecDisplay(fixture.app(), "IBM");
+    ms.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    const SecurityDisplay& display = fixture.app().window.display;
+    if (fixture.messages() != 0 || !display.visible ||
+        display.blocks.size() != static_cast<size_t>(blocks) || display.transactions.size() != 3 ||
+        display.total_shares != expected_total) {
+      state.SkipWithError("the security did not open as expected");
+      break;
+    }
+  }
+  ReportPercentiles(state, std::move(ms));
+}
+BENCHMARK(BM_ShowSecDisplay)
+    ->ArgNames({"blocks", "recalc"})
+    ->Args({10000, 1})
+    ->Args({10000, 0})
+    ->Args({1000, 1})
+    ->Iterations(100)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace lotwise
+
+BENCHMARK_MAIN();

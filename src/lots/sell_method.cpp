@@ -1,0 +1,101 @@
+#include "lots/sell_method.h"
+
+#include "app/application.h"
+#include "app/environment.h"
+#include "app/error_handler.h"
+#include "data/taxpayer_file.h"
+#include "data/upgrades.h"
+#include "lots/sell_shares.h"
+
+namespace lotwise {
+
+void Method_KeyPress(MethodForm& form, char key) {
+  switch (key) {
+    case 'P':
+    case 'p':
+      form.method = kSellSpecificId;
+      break;
+    case 'F':
+    case 'f':
+      form.method = kSellFifo;
+      break;
+    case 'S':
+    case 's':
+      form.method = kSellAvgSingle;
+      break;
+    case 'D':
+    case 'd':
+      form.method = kSellAvgDouble;
+      break;
+    default:
+      break;
+  }
+}
+
+void Method_OK(Application&, MethodForm& form) {
+  form.result = form.method;
+  form.closed = true;
+}
+
+void Method_Cancel(Application&, MethodForm& form) {
+  form.result = kSellNotSelected;
+  form.closed = true;
+}
+
+int16_t RetrieveSellMethod(Application& app, int16_t code, const std::string& line1,
+                           const std::string& line2, int16_t& option) {
+  return Trap(app, "RetrieveSellMethod", kSellNotSelected, [&]() -> int16_t {
+    option = 0;
+    MethodForm form;
+    form.method = code >= kSellSpecificId && code <= kSellAvgDouble ? code : kSellNotSelected;
+    form.message_line = line1;
+    form.message_visible = !line1.empty();
+    form.option_caption = line2;
+    form.option_visible = !line2.empty();
+    app.ui().RunModal(form);
+    if (form.option_visible && form.option1) option = 1;
+    // A dialog closed without its buttons chose nothing.
+    return form.closed ? form.result : kSellNotSelected;
+  });
+}
+
+void SetNewSellMethod(Application& app) {
+  TrapVoid(app, "SetNewSellMethod", [&] {
+    if (app.ui().MessageBox("Once a sell method has been used for selling shares, it must be used "
+                            "for all additional sales of the stock.  Are you sure you want to "
+                            "change the method?",
+                            "Change Method?", Icon::kQuestion, Buttons::kYesNo) != Answer::kYes) {
+      return;
+    }
+    SecurityDisplay& display = app.window.display;
+    const int16_t old_code = display.sell_method;
+    int16_t option = 0;
+    const int16_t code = RetrieveSellMethod(app, old_code, "", "", option);
+    if (code == kSellNotSelected) return;
+    display.sell_method = code;
+    // The method is kept per symbol, not per portfolio security.
+    if (AddSellMethod(app, app.current.sec_symbol, code, true) && code != old_code) {
+      // A method change alters how every later sale is reported, so it is
+      // logged here as it is in the sale dialog.
+      LocalTime now = app.env().Now();
+      LogChange(app, app.current.port_name, app.current.sec_id,
+                Date::FromYmd(now.year, now.month, now.day),
+                "Changed Sell Method from " + GetSellName(app, old_code) + " to " +
+                    GetSellName(app, code));
+    }
+  });
+}
+
+std::string HelpText(const MethodForm& form, std::string_view control) {
+  if (control == "fraMethod") return "Select the Sell Method you want";
+  if (control == "CSoptMethod") return "Click on the Sell Method you want";
+  if (control == "chkOption1") {
+    return form.option1 ? "Click here to disable this option"
+                        : "Click here to activate this option";
+  }
+  if (control == "btnOK") return "Click here to use the Sell Method you selected";
+  if (control == "btnCancel") return "Click here to cancel selecting a sell method";
+  return {};
+}
+
+}  // namespace lotwise

@@ -1,0 +1,542 @@
+#include "lots/sell_shares.h"
+
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "app/application.h"
+#include "app/environment.h"
+#include "app/error_handler.h"
+#include "app/number_text.h"
+#include "app/security_display.h"
+#include "app/value_helpers.h"
+#include "data/block_shares.h"
+#include "data/database.h"
+#include "data/taxpayer_file.h"
+#include "data/transaction_store.h"
+#include "data/upgrades.h"
+#include "lots/sell_specific.h"
+
+namespace lotwise {
+
+namespace {
+
+struct MethodName {
+  int16_t code;
+  const char* name;
+};
+
+constexpr std::array<MethodName, 5> kMethodNames = {{
+    {kSellSpecificId, "Specific Identification"},
+    {kSellFifo, "FIFO"},
+    {kSellAvgSingle, "Average Cost - Single Cat."},
+    {kSellAvgDouble, "Average Cost - Double Cat."},
+    {kSellNotSelected, "NOT SELECTED"},
+}};
+
+std::optional<int16_t> MethodCode(std::string_view name) {
+  for (const MethodName& method : kMethodNames) {
+    if (name == method.name) return method.code;
+  }
+  return std::nullopt;
+}
+
+const char* MethodText(int16_t code) {
+  for (const MethodName& method : kMethodNames) {
+    if (code == method.code) return method.name;
+  }
+  return nullptr;
+}
+
+// Starts the help-bar gauge and stops it on every exit path.
+class GaugeGuard {
+ public:
+  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
+  ~GaugeGuard() { ui_.StopGauge(); }
+  GaugeGuard(const GaugeGuard&) = delete;
+  GaugeGuard& operator=(const GaugeGuard&) = delete;
+
+ private:
+  UiPort& ui_;
+};
+
+void Tell(Application& app, const std::string& text, const char* title, Icon icon) {
+  app.ui().MessageBox(text, title, icon, Buttons::kOk);
+}
+
+bool AskYesNo(Application& app, const std::string& text, const char* title) {
+  return app.ui().MessageBox(text, title, Icon::kQuestion, Buttons::kYesNo) == Answer::kYes;
+}
+
+Date Today(Application& app) {
+  LocalTime now = app.env().Now();
+  return Date::FromYmd(now.year, now.month, now.day);
+}
+
+bool SecurityHasBlocks(Application& app, int64_t sec_id) {
+  return app.client
+      ->Select(R"(SELECT 1 AS found FROM "Blocks" WHERE "Sec ID" = :id LIMIT 1)", {{"id", sec_id}})
+      .Next();
+}
+
+// Under methods 0 and 3 the shares come only from the selection, so the
+// field shows the selection's total; the others have the shares typed.
+void ApplyMethodMode(Application& app, SellSharesForm& form, int16_t code) {
+  if (UserSelectsShares(code)) {
+    form.select_enabled = true;
+    form.num_shares_locked = true;
+    form.num_shares = ComputeSharesSold(app);
+    form.focus = "btnSelect";
+  } else {
+    form.select_enabled = false;
+    form.num_shares_locked = false;
+    form.focus = "DblNumShares";
+  }
+}
+
+// Fills what both modes of the sale dialog show of the current security.
+void PrepareSaleForm(Application& app, SellSharesForm& form) {
+  const SecurityDisplay& display = app.window.display;
+  form.security = FixAmpersand(display.sec_name);
+  form.sell_methods.clear();
+  for (int16_t code : {kSellSpecificId, kSellFifo, kSellAvgSingle, kSellAvgDouble}) {
+    form.sell_methods.emplace_back(MethodText(code));
+  }
+  form.sell_method = GetSellName(app, display.sell_method);
+  form.select_enabled = UserSelectsShares(display.sell_method);
+  form.num_shares_locked = form.select_enabled;
+}
+
+// The warnings of the shares, price and fee checks for values below zero,
+// which they reset. Returns true iff one was found.
+bool ResetNegativeShares(Application& app, SellSharesForm& form) {
+  if (form.num_shares >= 0) return false;
+  Tell(app, "The Number Of Shares can not be less than zero. Please re-enter the Number of Shares",
+       "Warning", Icon::kExclamation);
+  form.num_shares = 0;
+  return true;
+}
+
+bool ResetNegativePrice(Application& app, SellSharesForm& form) {
+  if (form.sale_price >= Currency()) return false;
+  Tell(app, "The Sale Price can not be less than zero. Please re-enter the Sale Price", "Warning",
+       Icon::kExclamation);
+  form.sale_price = Currency();
+  return true;
+}
+
+bool ResetNegativeFee(Application& app, SellSharesForm& form) {
+  if (form.fee >= Currency()) return false;
+  Tell(app, "The Fee can not be less than zero. Please re-enter the Fee", "Warning",
+       Icon::kExclamation);
+  form.fee = Currency();
+  return true;
+}
+
+}  // namespace
+
+int16_t GetSellMethod(Application& app, std::string_view name) {
+  return Trap(app, "GetSellMethod", kSellNotSelected, [&]() -> int16_t {
+    if (auto code = MethodCode(name)) return *code;
+    Tell(app, "Incorrect parameter passed to GetSellMethod", "Error!", Icon::kCritical);
+    return kSellNotSelected;
+  });
+}
+
+std::string GetSellName(Application& app, int16_t code) {
+  return Trap(app, "GetSellName", std::string(), [&]() -> std::string {
+    if (const char* name = MethodText(code)) return name;
+    Tell(app, "Incorrect parameter passed to GetSellName", "Error!", Icon::kCritical);
+    return {};
+  });
+}
+
+void ShowSellShares(Application& app) {
+  TrapVoid(app, "ShowSellShares", [&] {
+    if (!SecurityHasBlocks(app, app.current.sec_id)) {
+      Tell(app,
+           "There are no Blocks to Sell shares from. To enter a purchase of Shares click on the "
+           "Buy button.",
+           "No Blocks", Icon::kInformation);
+      return;
+    }
+    SellSharesForm form;
+    form.caption = kSellSharesCaption;
+    PrepareSaleForm(app, form);
+    // The lists live exactly as long as the dialog: a sale never starts from
+    // another sale's selection.
+    app.sale_lists.Clear();
+    app.ui().RunModal(form);
+    app.sale_lists.Clear();
+  });
+}
+
+void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
+  TrapVoid(app, "ShowModEntireSell", [&] {
+    if (!SecurityHasBlocks(app, sec_id)) {
+      Tell(app,
+           "There are no Blocks in this Security. To enter a purchase of Shares click on the Buy "
+           "button.",
+           "No Blocks", Icon::kInformation);
+      return;
+    }
+    if (!AskYesNo(app,
+                  "In-order for the program to modify an entire sell it must assume that any sell "
+                  "transaction in the security with the same date is part of the original sell on "
+                  "that date. Therefore, if you entered two separate sells that were on the same "
+                  "date as the sell you are modifying, it will consider them to be one sell. If "
+                  "this is the case, you will need to adjust each sell transaction separately.\n\n"
+                  "Do you want to continue?",
+                  "Modify Entire Sell?")) {
+      return;
+    }
+    SellSharesForm form;
+    form.caption = kModEntireSellCaption;
+    form.mod_sec_id = sec_id;
+    form.mod_date = date;
+
+    app.sale_lists.Clear();
+    ShareList& selected = app.sale_lists.selected;
+    Currency price_total;
+    Currency fee_total;
+    double shares_total = 0;
+    {
+      // Read to the end and closed before the dialog opens: a reading
+      // statement left open would keep other users from writing the file.
+      Query rows =
+          app.client->SelectSaved("Get Entire Sell", {{"lSecID", sec_id}, {"dtDate", date}});
+      while (rows.Next()) {
+        price_total += rows.Money("Sale Price");
+        fee_total += rows.Money("Fee");
+        // Made positive before adding up: rounding moves a negative total
+        // toward zero, which would lose a share fraction.
+        const double shares = std::fabs(rows.Double("Shares"));
+        shares_total += shares;
+        form.notes = rows.Text("Notes");
+        // Two rows of one block on that day become one entry: the selection
+        // works per block, and the new sale writes one row per block.
+        const int64_t block_no = rows.Int("Block No");
+        bool merged = false;
+        for (ShareEntry& entry : selected.entries) {
+          if (entry.block_no == block_no) {
+            entry.shares = RoundDouble(entry.shares + shares, 5);
+            merged = true;
+            break;
+          }
+        }
+        if (!merged) {
+          selected.entries.push_back({rows.Text("Block ID"), block_no, shares});
+        }
+      }
+    }
+    selected.empty = selected.entries.empty();
+    BuildSharesLeftList(app);
+    ComputeSharesLeft(app);
+    ComputeSharesSold(app);
+
+    PrepareSaleForm(app, form);
+    form.date = date.ToString();
+    form.num_shares = RoundDouble(shares_total, 5);
+    form.sale_price = price_total;
+    form.fee = fee_total;
+    form.total_sale = price_total - fee_total;
+    app.ui().RunModal(form);
+    app.sale_lists.Clear();
+  });
+}
+
+void CheckDateSS(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "CheckDateSS", [&] {
+    Date date;
+    DateValid(app.ui(), form.date, "Date", date);
+    ChkTransDate(app, form.date);
+  });
+}
+
+void CheckNumSharesSS(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "CheckNumSharesSS", [&] {
+    if (form.num_shares == 0) {
+      const int16_t code = GetSellMethod(app, form.sell_method);
+      if (code == kSellFifo || code == kSellAvgSingle) {
+        Tell(app, "The Number of Shares entered is zero. This is probably a mistake.", "Warning!",
+             Icon::kExclamation);
+      }
+      return;
+    }
+    ResetNegativeShares(app, form);
+  });
+}
+
+void CheckSalePriceSS(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "CheckSalePriceSS", [&] {
+    if (form.sale_price == Currency()) {
+      Tell(app, "The Sale Price entered is zero. This is probably a mistake.", "Warning!",
+           Icon::kExclamation);
+    } else {
+      ResetNegativePrice(app, form);
+    }
+    form.total_sale = form.sale_price - form.fee;
+  });
+}
+
+void CheckFeeSS(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "CheckFeeSS", [&] {
+    ResetNegativeFee(app, form);
+    form.total_sale = form.sale_price - form.fee;
+  });
+}
+
+void NumSharesSS_Click(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "NumSharesSS_Click", [&] {
+    auto code = MethodCode(form.sell_method);
+    if (code && UserSelectsShares(*code)) ShowSellSpecific(app, form);
+  });
+}
+
+void SellMethodChange(Application& app, SellSharesForm& form) {
+  TrapVoid(app, "SellMethodChange", [&] {
+    SecurityDisplay& display = app.window.display;
+    const int16_t old_code = display.sell_method;
+    int16_t new_code = GetSellMethod(app, form.sell_method);
+    if (new_code == kSellNotSelected) {
+      // Not a method the list offers: whatever was in force stays.
+      new_code = old_code;
+      form.sell_method = GetSellName(app, old_code);
+    } else if (old_code != kSellNotSelected && new_code != old_code) {
+      const std::string old_name = GetSellName(app, old_code);
+      const std::string new_name = GetSellName(app, new_code);
+      if (AskYesNo(app,
+                   "You have changed the Sell Method for this Security. Once a Sell Method is used "
+                   "to sell shares, it must be used for all additional sales from that security. "
+                   "\nAre you sure you want to change the Sell Method for this security?",
+                   "Sell Method changed!")) {
+        Tell(app, "Sell Method changed from \n" + old_name + "\n to \n" + new_name + ".",
+             "Sell Method Changed", Icon::kInformation);
+        // The method is kept per symbol, not per portfolio security.
+        if (AddSellMethod(app, app.current.sec_symbol, new_code, true)) {
+          // The window holds the method now in force, so that a sale under
+          // it does not store it again and a second change compares with it.
+          display.sell_method = new_code;
+          LogChange(app, app.current.port_name, app.current.sec_id, Today(app),
+                    "Changed Sell Method from " + old_name + " to " + new_name);
+        }
+      } else {
+        form.sell_method = old_name;
+        new_code = old_code;
+      }
+    }
+    ApplyMethodMode(app, form, new_code);
+  });
+}
+
+void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
+  TrapVoid(app, "SellShares_OK", [&] {
+    if (form.caption != kSellSharesCaption && form.caption != kModEntireSellCaption) {
+      Tell(app, "dlgSellShares has incorrect caption!", "Error", Icon::kCritical);
+      return;
+    }
+    HourglassGuard hourglass(app.ui());
+    Date date;
+    if (!DateValid(app.ui(), form.date, "Date", date)) return;
+    const int16_t method = GetSellMethod(app, form.sell_method);
+    if (method == kSellNotSelected) {
+      Tell(app,
+           "You must specify a Sell Method to use when selling shares from this security. Please "
+           "select one.",
+           "No Sell Method", Icon::kInformation);
+      return;
+    }
+    // A value below zero can reach here only when its field check did not
+    // run; it is refused as that check would refuse it.
+    if (ResetNegativeShares(app, form) || ResetNegativePrice(app, form) ||
+        ResetNegativeFee(app, form)) {
+      return;
+    }
+    const double shares = form.num_shares;
+    const Currency sale_price = form.sale_price;
+    const Currency fee = form.fee;
+    if (shares == 0) {
+      std::string text =
+          "The Number of Shares is equal to zero. To make a sale you must have shares to sell. ";
+      if (UserSelectsShares(method)) text += "To select shares click on the 'Select' button.";
+      Tell(app, text, "No Shares", Icon::kExclamation);
+      return;
+    }
+    if (sale_price == Currency() &&
+        !AskYesNo(app,
+                  "The Sale Price is equal to zero, this is probably a mistake. \nDo still want "
+                  "to enter this sale?",
+                  "Sale Price is zero")) {
+      return;
+    }
+    if (modify) {
+      // The old rows go first and on their own, so that under FIFO their
+      // shares are available to the new selection; should the new sale then
+      // fail, the message below tells the user to enter it again.
+      app.client->ExecuteSaved("Delete Entire Sell",
+                               {{"lSecID", form.mod_sec_id}, {"dtDate", form.mod_date}});
+    }
+    if (!UserSelectsShares(method) && !SelectSharesByFIFO(app, shares)) return;
+    if (modify) {
+      app.ui().ProcessEvents();
+      DisplayBlock(app);
+    }
+    const bool added =
+        AddAllSales(app, app.sale_lists.selected, date, shares, sale_price, fee, form.notes);
+    if (app.ended) return;
+    if (!added) {
+      Tell(app,
+           "The Sale of Shares was not completed. If there was an error message you should "
+           "correct that problem first, if possible. You will need to add this Sale again by "
+           "clicking the OK button.",
+           "Sale not completed!", Icon::kCritical);
+      return;
+    }
+    UpdateSharesInSec(app);
+    SecurityDisplay& display = app.window.display;
+    if (method != display.sell_method) {
+      // The first sale fixes the security's method. The method is kept per
+      // symbol, not per portfolio security.
+      display.sell_method = method;
+      AddSellMethod(app, app.current.sec_symbol, method, true);
+    }
+    app.sale_lists.Clear();
+    form.closed = true;
+  });
+}
+
+void SellShares_Cancel(Application& app, SellSharesForm& form) {
+  app.sale_lists.Clear();
+  form.closed = true;
+}
+
+bool SelectSharesByFIFO(Application& app, double to_sell) {
+  return Trap(app, "SelectSharesByFIFO", false, [&] {
+    UiPort& ui = app.ui();
+    ui.SetHelpBarText("Selecting shares for the sale");
+    ShareList& selected = app.sale_lists.selected;
+    app.sale_lists.Clear();
+    double still_to_sell = to_sell;
+    bool found_shares = false;
+    {
+      GaugeGuard gauge(ui);
+      // Only blocks that still hold shares come back (already rounded to
+      // five decimals), oldest first, and none after the sale is covered:
+      // the blocks emptied by earlier sales and the lots that stay open are
+      // never read. The gauge follows the shares found, the block count
+      // being unknown until the end.
+      ForEachOpenBlock(*app.client, app.current.sec_id, [&](const BlockShares& block) {
+        double taken = still_to_sell;
+        if (block.shares <= still_to_sell) {
+          taken = block.shares;
+          still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
+        } else {
+          still_to_sell = 0;
+        }
+        selected.entries.push_back({"", block.block_no, taken});
+        selected.empty = false;
+        found_shares = true;
+        if (still_to_sell <= 0) {
+          ui.SetGauge(100);
+          return false;
+        }
+        ui.SetGauge(static_cast<int>((to_sell - still_to_sell) * 100 / to_sell));
+        return true;
+      });
+    }
+    if (still_to_sell > 0) {
+      // A selection that cannot cover the sale must not linger for a later
+      // visit to the selection dialog.
+      app.sale_lists.Clear();
+      if (found_shares) {
+        Tell(app,
+             "There are " + NumberText(RoundDouble(to_sell - still_to_sell, 5)) +
+                 " shares in this security. There are not enough shares to make the sale. If you "
+                 "think this is incorrect, please review your security for any incorrect, or "
+                 "missing transactions.",
+             "Not enough shares", Icon::kExclamation);
+      } else {
+        Tell(app,
+             "This sale can't be made. There are no shares in this Security. If you think this is "
+             "incorrect, please review your security for any incorrect, or missing transactions.",
+             "No Shares", Icon::kInformation);
+      }
+      return false;
+    }
+    return true;
+  });
+}
+
+bool AddAllSales(Application& app, const ShareList& selected, Date date, double shares,
+                 Currency sale_price, Currency fee, const std::string& notes) {
+  return Trap(app, "AddAllSales", false, [&] {
+    UiPort& ui = app.ui();
+    ui.SetHelpBarText("Adding Sales, Please wait");
+    double price_per_share = 0;
+    double fee_per_share = 0;
+    if (shares != 0) {
+      price_per_share = sale_price.ToDouble() / shares;
+      fee_per_share = fee.ToDouble() / shares;
+    }
+    {
+      Database::Transaction unit(*app.client);
+      GaugeGuard gauge(ui);
+      const std::vector<ShareEntry>& entries = selected.entries;
+      Currency price_total;
+      Currency fee_total;
+      bool all_written = true;
+      for (size_t i = 0; i < entries.size(); ++i) {
+        const ShareEntry& entry = entries[i];
+        // Each amount is taken to the currency first, then to the cent.
+        Currency price = Currency::FromDouble(price_per_share * entry.shares).RoundedToCent();
+        Currency entry_fee = Currency::FromDouble(fee_per_share * entry.shares).RoundedToCent();
+        price_total += price;
+        fee_total += entry_fee;
+        const bool last = i + 1 == entries.size();
+        if (last) {
+          // The last block carries the rounding, so that the rows add up
+          // exactly to what was entered.
+          price += sale_price - price_total;
+          entry_fee += fee - fee_total;
+        }
+        if (!AddSell(app, entry.block_no, date, price, entry_fee, -entry.shares, notes)) {
+          all_written = false;
+          break;
+        }
+        if (entries.size() > 1) ui.SetGauge(static_cast<int>(i * 100 / (entries.size() - 1)));
+      }
+      // An error that ends the program has closed the file, which undid the
+      // unit; nothing more can be shown of it.
+      if (app.ended) return false;
+      if (all_written) unit.Commit();
+    }
+    UpdateTransInBlock(app, app.window.display.trans_filter);
+    return true;
+  });
+}
+
+std::string HelpText(const SellSharesForm& form, std::string_view control) {
+  const auto code = MethodCode(form.sell_method);
+  if (control == "dtDate") return "Enter the date the shares were sold";
+  if (control == "DblNumShares") {
+    if (code && UserSelectsShares(*code)) {
+      return "This is the number of shares you have selected for sale";
+    }
+    return "Enter the Number of Shares that are being sold";
+  }
+  if (control == "CurrSalePrice") return "Enter the Sale Price of the shares";
+  if (control == "CurrFee") return "Enter any Fees that were charged to make the Sale";
+  if (control == "CurrTotalSale") return "This is the total amount of the sale";
+  if (control == "SScboSellMethod") {
+    if (code == kSellNotSelected) return "Click the button to the right to select the Sell Method";
+    return "This is the Sell Method for this security";
+  }
+  if (control == "btnSelect") return "Click here to select which shares to sell";
+  if (control == "txtNotes") return "Enter any additional information about the sale here";
+  if (control == "lblSecurity") return "This is the Security you are selling shares from";
+  if (control == "btnOK") return "Click here to enter the sale for this security";
+  if (control == "btnCancel") return "Click here to cancel entering this sale";
+  return {};
+}
+
+}  // namespace lotwise

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/currency.h"
+#include "app/date.h"
+#include "app/sale_lists.h"
+#include "app/ui_port.h"
+
+namespace lotwise {
+
+class Application;
+
+// Sell method codes, as stored per symbol in the "Sell Method" table.
+inline constexpr int16_t kSellSpecificId = 0;
+inline constexpr int16_t kSellFifo = 1;
+inline constexpr int16_t kSellAvgSingle = 2;
+inline constexpr int16_t kSellAvgDouble = 3;
+inline constexpr int16_t kSellNotSelected = 255;
+
+// The captions that switch the sale dialog's mode.
+inline constexpr const char* kSellSharesCaption = "Sell Shares";
+inline constexpr const char* kModEntireSellCaption = "Modify Entire Sell";
+
+// Returns true iff under method `code` the user picks the blocks (codes 0
+// and 3); the other methods take them oldest first.
+constexpr bool UserSelectsShares(int16_t code) {
+  return code == kSellSpecificId || code == kSellAvgDouble;
+}
+
+// The sale dialog dlgSellShares. Its caption is its mode: "Sell Shares" or
+// "Modify Entire Sell".
+struct SellSharesForm : DialogForm {
+  std::string caption;
+  std::string date = "__/__/____";  // dtDate, as typed
+  double num_shares = 0;            // DblNumShares, typed positive
+  Currency sale_price;              // CurrSalePrice
+  Currency fee;                     // CurrFee
+  Currency total_sale;              // CurrTotalSale: sale price - fee
+  // SScboSellMethod: its list (the four method names) and its text, which
+  // is "NOT SELECTED" while the security has no method.
+  std::vector<std::string> sell_methods;
+  std::string sell_method;
+  bool select_enabled = false;     // btnSelect
+  bool num_shares_locked = false;  // DblNumShares read-only: filled by the selection
+  std::string notes;               // txtNotes
+  std::string security;            // lblSecurity, ampersands doubled
+  // Modify Entire Sell: the sale being replaced, whose rows go first.
+  int64_t mod_sec_id = 0;
+  Date mod_date;
+  bool closed = false;
+  std::string focus;
+
+  std::string_view Name() const override { return "dlgSellShares"; }
+};
+
+// Returns the code of the method named exactly `name` (the four names and
+// "NOT SELECTED"). Any other text is reported as an incorrect parameter and
+// gives 255, so that no sale can be made with it.
+int16_t GetSellMethod(Application& app, std::string_view name);
+// Returns the name of method `code`; an unknown code is reported as an
+// incorrect parameter and gives empty text.
+std::string GetSellName(Application& app, int16_t code);
+
+// Opens the sale dialog for the current security, unless it has no block.
+void ShowSellShares(Application& app);
+// Asks whether to replace the whole sale of the security dated `date`, then
+// opens the sale dialog filled with that sale's totals and block choice.
+// Accepting it deletes every Sell row of the security on that date before
+// the new sale is written.
+void ShowModEntireSell(Application& app, int64_t sec_id, Date date);
+
+// Field checks, run when the field loses the focus. They warn about
+// doubtful values and reset negative ones to 0; the sale price and fee
+// checks also recompute the total sale.
+void CheckDateSS(Application& app, SellSharesForm& form);
+void CheckNumSharesSS(Application& app, SellSharesForm& form);
+void CheckSalePriceSS(Application& app, SellSharesForm& form);
+void CheckFeeSS(Application& app, SellSharesForm& form);
+// A click on the shares field: under methods 0 and 3 opens the selection.
+void NumSharesSS_Click(Application& app, SellSharesForm& form);
+// The method drop-down changed: a change away from a method already in
+// force is asked, announced, stored and logged; declining puts the old
+// method back. Then enables the selection or the typed shares.
+void SellMethodChange(Application& app, SellSharesForm& form);
+
+// The OK button (`modify` true when the caption is "Modify Entire Sell"):
+// checks the entry, selects the shares, writes the sale and fixes the
+// security's method. Sets form.closed when the sale is complete; otherwise
+// the dialog stays open with the user's values.
+void SellShares_OK(Application& app, SellSharesForm& form, bool modify);
+// The Cancel button: forgets the selection and closes the dialog.
+void SellShares_Cancel(Application& app, SellSharesForm& form);
+
+// Fills app.sale_lists.selected from the current security's blocks, oldest
+// first, with `to_sell` shares. Returns true iff they cover the sale;
+// otherwise tells the user how many shares there are and leaves both lists
+// empty.
+bool SelectSharesByFIFO(Application& app, double to_sell);
+
+// Writes one Sell row per entry of `selected`, apportioning the sale price
+// and fee by shares (each to the cent, the last row taking the rounding
+// difference), all in one unit of work committed only when every row was
+// written. Returns false only after an error it trapped itself (or one that
+// is ending the program); a sale that AddSell refused is rolled back and
+// still returns true.
+bool AddAllSales(Application& app, const ShareList& selected, Date date, double shares,
+                 Currency sale_price, Currency fee, const std::string& notes);
+
+// The help-bar text of a control of the sale dialog.
+std::string HelpText(const SellSharesForm& form, std::string_view control);
+
+}  // namespace lotwise

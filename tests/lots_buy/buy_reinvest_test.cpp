@@ -1,0 +1,235 @@
+#include "lots/buy_reinvest.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/number_text.h"
+#include "lots_buy/lots_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+const std::string kSameDate =
+    "There is already a Purchase of Shares in this Security on 03/01/2024.\nDo you still want to "
+    "add this transaction?";
+
+std::string ZeroQuestion(const std::string& what) {
+  return "The " + what +
+         " entered is zero. This is probably a mistake. Do you still want to add this "
+         "transaction?";
+}
+
+std::string InvalidDate(const std::string& typed) {
+  return "The date entered as " + typed +
+         " is not valid.  Please re-enter the date. If you are cancelling, click OK, and then "
+         "click Cancel again.";
+}
+
+class BuyReinvestTest : public LotsTest {
+ protected:
+  static void Type(BuyReinvestForm& form, const char* date, double shares, const char* cost,
+                   const std::string& notes = "") {
+    form.date = date;
+    form.num_shares = shares;
+    form.cost_of_shares = Money(cost);
+    form.notes = notes;
+  }
+
+  // "Block ID|Type|Prec Sort|Shares|Fee|Notes" of every Buy row, in entry order.
+  std::vector<std::string> BuyRows() {
+    std::vector<std::string> rows;
+    Query q = app_->client->Select(
+        R"(SELECT B."Block ID", T.* FROM "Buy" AS T JOIN "Blocks" AS B USING ("Block No") )"
+        R"(ORDER BY T."Unique ID")");
+    while (q.Next()) {
+      rows.push_back(q.Text("Block ID") + "|" + q.Text("Type") + "|" + q.Text("Prec Sort") + "|" +
+                     NumberText(q.Double("Shares")) + "|" + q.Money("Fee").ToString() + "|" +
+                     q.Text("Notes"));
+    }
+    return rows;
+  }
+};
+
+// Both commands open the one dialog in their own mode; what OK stores
+// carries that mode's type and rank, and the new block is the one shown.
+struct ModeCase {
+  const char* name;
+  void (*show)(Application&);
+  const char* caption;
+  const char* row;
+  const char* adding;
+};
+
+class BuyModeTest : public BuyReinvestTest, public ::testing::WithParamInterface<ModeCase> {};
+
+TEST_P(BuyModeTest, ShowAndOk_StoresBlockOfItsType) {
+  const ModeCase& c = GetParam();
+  BuyShares("01/02/2024", 5, "50");  // a reinvestment needs a block to exist
+  LoadBlocks();
+  OnDialog<BuyReinvestForm>("dlgBuyReinvest", [&](BuyReinvestForm& form) {
+    EXPECT_EQ(form.caption, c.caption);
+    EXPECT_EQ(form.security, "AT&&T");
+    Type(form, "03/15/2024", 12.5, "1250.25", "Müller's \"DRIP\"; DROP TABLE \"Buy\" – 株式");
+    form.fee = Money("-5");
+    ui_.Expect("The Fee can not be less than zero. Please re-enter the Fee", "Warning",
+               Icon::kExclamation, Buttons::kOk);
+    FeeLostFocusBR(*app_, form);
+    EXPECT_EQ(form.fee, Currency());
+    EXPECT_EQ(form.total_cost, Money("1250.25"));
+    BuyReinvest_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  });
+  c.show(*app_);
+  EXPECT_EQ(BuyRows().back(), c.row);
+  EXPECT_EQ(HelpTexts().at(1), c.adding);
+  EXPECT_EQ(app_->current.block_id, "03/15/2024-1");
+  EXPECT_EQ(app_->window.display.total_shares, "17.5");
+  EXPECT_EQ(ui_.hourglass_depth(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Modes, BuyModeTest,
+    ::testing::Values(
+        ModeCase{"Buy", ShowBuyShares, "Buy Shares",
+                 "03/15/2024-1|10|10|12.5|0|Müller's \"DRIP\"; DROP TABLE \"Buy\" – 株式",
+                 "Adding Buy"},
+        ModeCase{"Reinvestment", ShowReinvest, "Reinvestment",
+                 "03/15/2024-1|20|20|12.5|0|Müller's \"DRIP\"; DROP TABLE \"Buy\" – 株式",
+                 "Adding Reinvestment"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// A reinvestment needs a block to reinvest from: without one the user is
+// told and no dialog opens.
+TEST_F(BuyReinvestTest, ShowReinvest_NoBlocks_NoDialog) {
+  ui_.Expect(
+      "There are no Blocks to enter a Reinvestment into. To enter a purchase of Shares click on "
+      "the Buy button.",
+      "No Blocks to add to", Icon::kInformation, Buttons::kOk);
+  ShowReinvest(*app_);
+}
+
+// Zero cost and zero shares are questioned, cost first; a No to either
+// stores nothing and leaves the dialog open as typed.
+struct ZeroCase {
+  const char* name;
+  std::vector<Answer> answers;
+  bool stored;
+};
+
+class BuyZeroTest : public BuyReinvestTest, public ::testing::WithParamInterface<ZeroCase> {};
+
+TEST_P(BuyZeroTest, Ok_ZeroCostAndShares_AskedCostFirst) {
+  const ZeroCase& c = GetParam();
+  const std::string questions[] = {ZeroQuestion("Cost of Shares"),
+                                   ZeroQuestion("Number of Shares")};
+  for (size_t i = 0; i < c.answers.size(); ++i) {
+    ui_.Expect(questions[i], "Warning!", Icon::kQuestion, Buttons::kYesNo, c.answers[i]);
+  }
+  BuyReinvestForm form;
+  form.caption = "Buy Shares";
+  Type(form, "03/15/2024", 0, "0");
+  BuyReinvest_OK(*app_, form, false);
+  EXPECT_EQ(form.closed, c.stored);
+  EXPECT_EQ(CountClientRows("Blocks"), c.stored ? 1 : 0);
+  EXPECT_EQ(ui_.hourglass_depth(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Answers, BuyZeroTest,
+    ::testing::Values(ZeroCase{"NoToCost", {Answer::kNo}, false},
+                      ZeroCase{"NoToShares", {Answer::kYes, Answer::kNo}, false},
+                      ZeroCase{"YesToBoth", {Answer::kYes, Answer::kYes}, true}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// A second buy on one date is questioned by AddBuy: No stores nothing and
+// keeps the entry; Yes stores it as a block of its own. Next clears the
+// form in its mode and a later Cancel keeps what was entered. With the
+// recalculation option off the total is only marked stale.
+TEST_F(BuyReinvestTest, Next_SameDateBuys_BothStored) {
+  BuyShares("03/01/2024", 10, "100");
+  LoadBlocks();
+  app_->window.options.recalc_shares = false;
+  OnDialog<BuyReinvestForm>("dlgBuyReinvest", [&](BuyReinvestForm& form) {
+    Type(form, "03/01/2024", 20, "210", "second");
+    BuyReinvest_OK(*app_, form, true);
+    EXPECT_EQ(form.num_shares, 20);
+    BuyReinvest_OK(*app_, form, true);
+    EXPECT_EQ(form.caption, "Buy Shares");
+    EXPECT_EQ(form.date, "__/__/____");
+    EXPECT_EQ(form.num_shares, 0);
+    EXPECT_EQ(form.cost_of_shares, Currency());
+    EXPECT_EQ(form.notes, "");
+    EXPECT_EQ(form.focus, "dtDate");
+    BuyReinvest_Cancel(*app_, form);
+  });
+  ui_.Expect(kSameDate, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
+             Answer::kNo);
+  ui_.Expect(
+      "This transaction was not added. If an error message was displayed you should try to "
+      "correct the error first. you will need to add this transaction again.",
+      "Error!", Icon::kCritical, Buttons::kOk);
+  ui_.Expect(kSameDate, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
+             Answer::kYes);
+  ShowBuyShares(*app_);
+  EXPECT_EQ(BuyRows(), (std::vector<std::string>{"03/01/2024-1|10|10|10|0|",
+                                                 "03/01/2024-2|10|10|20|0|second"}));
+  EXPECT_EQ(app_->window.display.total_shares, "Recalculate");
+}
+
+// A caption that is neither mode is reported and nothing is stored.
+TEST_F(BuyReinvestTest, Ok_UnknownCaption_NothingStored) {
+  ui_.Expect("Incorrect caption on dlgBuyReinvest", "Error", Icon::kExclamation, Buttons::kOk);
+  BuyReinvestForm form;
+  form.caption = "Buy shares";
+  Type(form, "03/15/2024", 10, "100");
+  BuyReinvest_OK(*app_, form, false);
+  EXPECT_FALSE(form.closed);
+  EXPECT_EQ(CountClientRows("Blocks"), 0);
+}
+
+// Leaving the date: no date draws the warning and the invalid-date message
+// and keeps the focus there, a date before 1913 only the warning. OK with
+// no date stops at the invalid-date message and writes nothing.
+struct DateCase {
+  const char* name;
+  const char* typed;
+  std::vector<std::pair<std::string, std::string>> messages;  // text, title
+};
+
+class BuyDateTest : public BuyReinvestTest, public ::testing::WithParamInterface<DateCase> {};
+
+TEST_P(BuyDateTest, Date_BadInput) {
+  const DateCase& c = GetParam();
+  for (const auto& [text, title] : c.messages) ui_.Expect(text, title);
+  BuyReinvestForm form;
+  form.caption = "Buy Shares";
+  Type(form, c.typed, 10, "100");
+  DateLostFocusBR(*app_, form);
+  if (c.messages.size() < 2) return;
+  EXPECT_EQ(form.focus, "dtDate");
+  ui_.Expect(InvalidDate(c.typed), "Invalid Date", Icon::kExclamation, Buttons::kOk);
+  BuyReinvest_OK(*app_, form, false);
+  EXPECT_FALSE(form.closed);
+  EXPECT_EQ(CountClientRows("Blocks"), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Dates, BuyDateTest,
+    ::testing::Values(
+        DateCase{
+            "Empty",
+            "__/__/____",
+            {{"Please enter a date.", "WARNING"}, {InvalidDate("__/__/____"), "Invalid Date"}}},
+        DateCase{
+            "NoSuchDay",
+            "02/30/2024",
+            {{"Please enter a date.", "WARNING"}, {InvalidDate("02/30/2024"), "Invalid Date"}}},
+        DateCase{"Before1913",
+                 "12/31/1912",
+                 {{"The date, 12/31/1912, should not be earlier than 01/01/1913!", "WARNING!"}}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+}  // namespace
+}  // namespace lotwise::testing

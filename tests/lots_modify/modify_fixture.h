@@ -1,0 +1,119 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/application.h"
+#include "app/error_handler.h"
+#include "app/security_display.h"
+#include "data/database.h"
+#include "data/transaction_store.h"
+#include "support/app_fixture.h"
+
+namespace lotwise::testing {
+
+inline Date D(const char* text) { return *Date::Parse(text); }
+inline Currency Money(const char* text) { return *Currency::Parse(text); }
+
+// A Taxpayer File with portfolio "Growth" holding IBM, known to the Security
+// Symbols File, and helpers that enter transactions and open the security
+// in the main window's display the way the user would.
+class LotsModifyTest : public AppTest {
+ protected:
+  void SetUp() override {
+    AppTest::SetUp();
+    OpenFreshCentral();
+    OpenFreshTaxpayer();
+    app_->central->Execute(
+        R"(INSERT INTO "Securities" VALUES ('IBM', 'International Business Machines', '459200101'))");
+    app_->client->Execute(R"(INSERT INTO "Portfolio" VALUES ('Growth', ' ', 'DOE01'))");
+    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+                          R"(VALUES ('IBM', 'Growth', ' '))");
+    sec_id_ = app_->client->LastInsertId();
+    app_->client->Execute(R"(INSERT INTO "Sell Method" VALUES ('IBM', 1))");
+    app_->current.port_name = "Growth";
+    app_->current.sec_id = sec_id_;
+    app_->current.sec_symbol = "IBM";
+    client_path_ = app_->client->path();
+  }
+
+  std::string Buy(const char* date, double shares, const char* cost, int16_t type = kTypeBuy) {
+    std::string block_id;
+    EXPECT_TRUE(
+        AddBuy(*app_, sec_id_, block_id, type, D(date), Money(cost), shares, Money("10"), ""));
+    return block_id;
+  }
+
+  int64_t BlockNo(const std::string& block_id) {
+    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
+                                   {{"id", block_id}});
+    EXPECT_TRUE(q.Next()) << block_id;
+    return q.Int("Block No");
+  }
+
+  // Opens IBM in the display and selects the first transaction whose
+  // listed text starts with `listed`, in whichever block holds one.
+  void Open(std::string_view listed = "") {
+    ShowSecDisplay(*app_, "IBM");
+    SecurityDisplay& display = app_->window.display;
+    for (size_t b = 0; b < display.blocks.size() && !listed.empty(); ++b) {
+      SelectBlock(*app_, static_cast<int>(b));
+      for (size_t i = 0; i < display.transactions.size(); ++i) {
+        if (display.transactions[i].transaction.starts_with(listed)) {
+          display.selected_transaction = static_cast<int>(i);
+          return;
+        }
+      }
+    }
+    EXPECT_TRUE(listed.empty()) << "no " << listed;
+  }
+
+  // Opens IBM with block `block_id` selected.
+  void OpenBlock(const std::string& block_id) {
+    ShowSecDisplay(*app_, "IBM");
+    const std::vector<BlockRow>& blocks = app_->window.display.blocks;
+    for (size_t b = 0; b < blocks.size(); ++b) {
+      if (blocks[b].block_id == block_id) SelectBlock(*app_, static_cast<int>(b));
+    }
+    EXPECT_EQ(app_->current.block_id, block_id);
+  }
+
+  // Counts rows through a connection of its own, whatever the program did
+  // with its own after a fatal error.
+  long long CountOnDisk(const std::string& table, const std::string& where = "1 = 1") {
+    auto db = Database::Open(client_path_);
+    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\" WHERE " + where);
+    q.Next();
+    return q.Int("n");
+  }
+
+  // Every transaction row and block, as one text, to prove nothing changed.
+  std::string Snapshot() {
+    std::string all;
+    auto db = Database::Open(client_path_);
+    for (const char* table : {"Blocks", "Buy", "Sell", "Split", "Adjust", "Change"}) {
+      Query q = db->Select(std::string("SELECT * FROM \"") + table + "\" ORDER BY 1, 2");
+      while (q.Next()) {
+        all += table;
+        for (int c = 0; c < q.ColumnCount(); ++c) all += "|" + q.Text(q.ColumnName(c).c_str());
+        all += "\n";
+      }
+    }
+    return all;
+  }
+
+  void ExpectFatal(int number, const std::string& text, const std::string& location) {
+    ui_.Expect(ErrorHeader(number, text, location) +
+                   " The program will now shut down to prevent errors in your data and "
+                   "calculations.",
+               "Warning!", Icon::kCritical, Buttons::kOk);
+  }
+
+  int64_t sec_id_ = 0;
+  std::string client_path_;
+};
+
+}  // namespace lotwise::testing

@@ -1,0 +1,300 @@
+#include "lots/rollback.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "lots_modify/modify_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+const char* const kWarning =
+    "When transactions are rolled back, they are removed from the file. Also, any blocks that "
+    "have no transactions after a rollback will be removed from the file. For this reason, it is "
+    "recommended that you backup your files before doing a rollback. By making a backup, you will "
+    "be able to retrieve your original file if you rollback the wrong, or too many, transactions.";
+const char* const kAreYouSure =
+    "You are about to Rollback transactions in all blocks in this security! Are you sure you "
+    "want to do this?";
+
+// Four blocks with rows of every kind before, on and after 05/01/2024:
+// A 01/02/2024 (buy, sells, adjustments, splits, dividends), B 02/01/2024
+// (reinvestment, sell), C 07/01/2024 (buy only), D 08/01/2024
+// (reinvestment only).
+class RollbackTest : public LotsModifyTest {
+ protected:
+  void SetUp() override {
+    LotsModifyTest::SetUp();
+    const int64_t a = BlockNo(Buy("01/02/2024", 100, "1000"));
+    const int64_t b = BlockNo(Buy("02/01/2024", 2, "50", kTypeReinvest));
+    Buy("07/01/2024", 5, "60");
+    Buy("08/01/2024", 1, "12", kTypeReinvest);
+    ASSERT_TRUE(AddSell(*app_, a, D("03/01/2024"), Money("70"), Money("1"), -10, ""));
+    ASSERT_TRUE(AddSell(*app_, a, D("06/01/2024"), Money("80"), Money("1"), -10, ""));
+    ASSERT_TRUE(AddSell(*app_, b, D("06/01/2024"), Money("30"), Money("1"), -1, ""));
+    ASSERT_TRUE(AddAdjust(*app_, a, D("04/01/2024"), 1, Money("10"), ""));
+    ASSERT_TRUE(AddAdjust(*app_, a, D("06/02/2024"), 2, Money("10"), ""));
+    ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("05/01/2024"), 1, 2, 80, ""));
+    ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("09/01/2024"), 1, 2, 160, ""));
+    ASSERT_TRUE(AddSplit(*app_, a, kTypeDividend, D("02/15/2024"), 0.05, 1, 4, ""));
+    ASSERT_TRUE(AddSplit(*app_, a, kTypeDividend, D("07/15/2024"), 0.05, 1, 4, ""));
+  }
+
+  // Expects the warning, answered OK, and the dialog, which `user` fills in;
+  // what its buttons say is expected after this call.
+  void ExpectRollback(std::function<void(RollbackForm&)> user) {
+    ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kOk);
+    ui_.ExpectDialog("dlgRollback", [user](DialogForm& f) { user(static_cast<RollbackForm&>(f)); });
+  }
+
+  // Expects the list of removed blocks and prints it.
+  void ExpectRemovedList(const Lines& removed) {
+    ui_.ExpectDialog("dlgRemBlocks", [this, removed](DialogForm& f) {
+      auto& list = static_cast<RemBlocksForm&>(f);
+      EXPECT_EQ(list.removed, removed);
+      EXPECT_EQ(list.note,
+                "These blocks were removed becuase all transactions were removed from them");
+      PrintREmovedBlocks(*app_, list);
+      RemBlocks_Close(*app_, list);
+    });
+  }
+
+  // Rows per table and type ("Split 21"), those dated after `after` apart.
+  std::map<std::string, long long> Counts(const char* after) {
+    std::map<std::string, long long> counts;
+    for (const char* table : {"Buy", "Sell", "Split", "Adjust"}) {
+      const bool typed = std::string(table) == "Buy" || std::string(table) == "Split";
+      Query q = app_->client->Select(std::string("SELECT ") + (typed ? "\"Type\"" : "99") +
+                                         " AS t, \"Date\" > :d AS later, count(*) AS n FROM \"" +
+                                         table + "\" GROUP BY 1, 2",
+                                     {{"d", D(after)}});
+      while (q.Next()) {
+        counts[std::string(table) + " " + q.Text("t") + (q.Int("later") ? " later" : "")] =
+            q.Int("n");
+      }
+    }
+    return counts;
+  }
+};
+
+// One ticked kind over all blocks removes exactly that kind's rows dated
+// after the date, keeps the date itself, and removes the blocks it empties.
+struct KindCase {
+  const char* name;
+  bool RollbackForm::*tick;
+  const char* key;  // table and type as Counts() names them
+  Lines removed_blocks;
+};
+
+class RollbackKindTest : public RollbackTest, public ::testing::WithParamInterface<KindCase> {};
+
+TEST_P(RollbackKindTest, RollBack_OK_OneKindAllBlocks_OnlyItsLaterRowsGone) {
+  const KindCase& c = GetParam();
+  std::map<std::string, long long> expected = Counts("05/01/2024");
+  expected.erase(std::string(c.key) + " later");
+  OpenBlock("01/02/2024-1");
+  ExpectRollback([&](RollbackForm& form) {
+    form.date = "05/01/2024";
+    form.*c.tick = true;
+    form.blocks = kRollbackAllBlocks;
+    RollBack_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ui_.Expect(kAreYouSure, "Are you sure?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  if (!c.removed_blocks.empty()) ExpectRemovedList(c.removed_blocks);
+  ShowRollBack(*app_);
+  EXPECT_EQ(Counts("05/01/2024"), expected);
+  EXPECT_EQ(CountOnDisk("Blocks"), 4 - static_cast<long long>(c.removed_blocks.size()));
+  EXPECT_EQ(app_->window.display.blocks.size(), 4 - c.removed_blocks.size());
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, RollbackKindTest,
+    ::testing::Values(KindCase{"Buys", &RollbackForm::buys, "Buy 10", {"07/01/2024-1"}},
+                      KindCase{"Reinvests", &RollbackForm::reinvests, "Buy 20", {"08/01/2024-1"}},
+                      KindCase{"Sells", &RollbackForm::sells, "Sell 99", {}},
+                      KindCase{"Splits", &RollbackForm::splits, "Split 11", {}},
+                      KindCase{"Dividends", &RollbackForm::dividends, "Split 21", {}},
+                      KindCase{"Adjusts", &RollbackForm::adjusts, "Adjust 99", {}}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Rolling back to a block's purchase date keeps the purchase; to the day
+// before removes it and its block, which are listed and printed with the
+// later ids indented.
+struct PurchaseCase {
+  const char* name;
+  const char* date;
+  int blocks;
+  Lines removed;
+  long long buys_left;
+  const char* total;
+};
+
+class RollbackPurchaseTest : public RollbackTest,
+                             public ::testing::WithParamInterface<PurchaseCase> {};
+
+TEST_P(RollbackPurchaseTest, RollBack_OK_AroundPurchaseDate_BlocksListedAndPrinted) {
+  const PurchaseCase& c = GetParam();
+  OpenBlock("07/01/2024-1");
+  ExpectRollback([&](RollbackForm& form) {
+    EXPECT_EQ(form.block, "07/01/2024-1");
+    form.date = c.date;
+    form.buys = form.reinvests = true;
+    form.blocks = c.blocks;
+    RollBack_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  if (c.blocks == kRollbackAllBlocks) ui_.Expect(kAreYouSure, "Are you sure?", Answer::kYes);
+  if (!c.removed.empty()) ExpectRemovedList(c.removed);
+  ShowRollBack(*app_);
+  EXPECT_EQ(CountOnDisk("Buy"), c.buys_left);
+  EXPECT_EQ(CountOnDisk("Blocks"), 4 - static_cast<long long>(c.removed.size()));
+  EXPECT_EQ(app_->window.display.total_shares, c.total);
+  Lines printed;
+  if (!c.removed.empty()) {
+    printed = {"Listing of Blocks that have been removed", "Taxpayer Name: John Doe",
+               "Portfolio:     Growth", "Security:      IBM", "Blocks:  " + c.removed[0]};
+    for (size_t i = 1; i < c.removed.size(); ++i) printed.push_back("        " + c.removed[i]);
+    EXPECT_EQ(std::ranges::count(ui_.help_texts(), "Printing removed blocks"), 1);
+  }
+  EXPECT_EQ(ui_.printed(), printed);
+}
+
+// Block A holds 331 shares, B 1, C 5 and D 1.
+INSTANTIATE_TEST_SUITE_P(
+    Dates, RollbackPurchaseTest,
+    ::testing::Values(
+        PurchaseCase{"OnPurchaseDateKept", "07/01/2024", kRollbackCurrentBlock, {}, 4, "338"},
+        PurchaseCase{
+            "DayBeforeRemoved", "06/30/2024", kRollbackCurrentBlock, {"07/01/2024-1"}, 3, "333"},
+        PurchaseCase{"TwoBlocksRemoved",
+                     "06/30/2024",
+                     kRollbackAllBlocks,
+                     {"07/01/2024-1", "08/01/2024-1"},
+                     2,
+                     "332"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// Every refusal comes before the first delete: the file is left as it was
+// and the dialog stays open.
+struct RefusalCase {
+  const char* name;
+  const char* date;
+  bool tick;
+  int blocks;
+  std::vector<std::pair<std::string, std::string>> messages;  // text, title
+  Answer answer;                                              // to the last message
+};
+
+class RollbackRefusalTest : public RollbackTest,
+                            public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(RollbackRefusalTest, RollBack_OK_Refused_NothingDeleted) {
+  const RefusalCase& c = GetParam();
+  const std::string before = Snapshot();
+  OpenBlock("01/02/2024-1");
+  ExpectRollback([&](RollbackForm& form) {
+    form.date = c.date;
+    form.sells = c.tick;
+    form.blocks = c.blocks;
+    RollBack_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+  });
+  for (size_t i = 0; i < c.messages.size(); ++i) {
+    ui_.Expect(c.messages[i].first, c.messages[i].second,
+               i + 1 == c.messages.size() ? c.answer : Answer::kOk);
+  }
+  ShowRollBack(*app_);
+  EXPECT_EQ(Snapshot(), before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, RollbackRefusalTest,
+    ::testing::Values(
+        RefusalCase{"InvalidDate",
+                    "02/30/2024",
+                    true,
+                    kRollbackCurrentBlock,
+                    {{"The date entered as 02/30/2024 is not valid.  Please re-enter the date. If "
+                      "you are cancelling, click OK, and then click Cancel again.",
+                      "Invalid Date"}},
+                    Answer::kOk},
+        RefusalCase{"NoKindTicked",
+                    "01/01/2024",
+                    false,
+                    kRollbackAllBlocks,
+                    {{"You must select the transaction types you would like to Rollback. To do "
+                      "this, click on the box next to the type of transaction so that an X "
+                      "appears in it.",
+                      "No Transactions selected"}},
+                    Answer::kOk},
+        RefusalCase{"AllBlocksAnsweredNo",
+                    "01/01/2024",
+                    true,
+                    kRollbackAllBlocks,
+                    {{kAreYouSure, "Are you sure?"}},
+                    Answer::kNo},
+        RefusalCase{"NoBlockChoice",
+                    "01/01/2024",
+                    true,
+                    kRollbackNoBlocks,
+                    {{"You need to select either All Blocks, or the Current Block to rollback. ",
+                      "No blocks selected"},
+                     {"The RollBack was not completed. If an error message was displayed you will "
+                      "need to correct that first. Please do the RollBack again.",
+                      "Error!"}},
+                    Answer::kOk}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// The warning comes first and Cancel opens nothing; a security without any
+// transaction has nothing to roll back.
+TEST_F(RollbackTest, ShowRollBack_WarningCancelled_NoDialog) {
+  OpenBlock("01/02/2024-1");
+  ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kCancel);
+  ShowRollBack(*app_);
+}
+
+TEST_F(LotsModifyTest, ShowRollBack_NoTransactions_NoWarning) {
+  Open();
+  ui_.Expect("There are no transactions to rollback. To buy shares click on the 'Buy' button.",
+             "No transactions");
+  ShowRollBack(*app_);
+}
+
+// A write failing in the middle of a roll-back over several blocks undoes
+// the deletes already made: no row is lost, and the file stays sound.
+TEST_F(RollbackTest, RollBackTrans_SecondBlockWriteFails_NoRowDeleted) {
+  const std::string before = Snapshot();
+  StorageFaults faults;
+  OpenBlock("01/02/2024-1");
+  app_->client.reset();
+  app_->storage_faults = &faults;
+  app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults);
+  ExpectRollback([&](RollbackForm& form) {
+    form.date = "01/01/2024";
+    form.sells = form.adjusts = true;
+    form.blocks = kRollbackAllBlocks;
+    // Block A's sells and adjustments, then block B's sells: the third write.
+    faults.FailWriteNumber(3);
+    RollBack_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+  });
+  ui_.Expect(kAreYouSure, "Are you sure?", Answer::kYes);
+  ExpectFatal(31010, "disk I/O error (injected)", "RollBackTable");
+  ShowRollBack(*app_);
+  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_EQ(Snapshot(), before);
+  EXPECT_EQ(Database::Open(client_path_)->IntegrityCheck(), "ok");
+}
+
+}  // namespace
+}  // namespace lotwise::testing

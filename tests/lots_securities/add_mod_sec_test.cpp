@@ -1,0 +1,207 @@
+#include "lots/add_mod_sec.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "app/app_state.h"
+#include "data/central_file.h"
+#include "lots_securities/securities_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+// VerifyAddModSec: a symbol is required; a missing name or CUSIP is the
+// user's choice.
+struct VerifyCase {
+  const char* label;
+  std::string symbol, name, cusip;
+  bool asks_symbol, asks_item;
+  Answer answer;
+  bool result;
+};
+
+class VerifyAddModSecTest : public SecuritiesTest,
+                            public ::testing::WithParamInterface<VerifyCase> {};
+
+TEST_P(VerifyAddModSecTest, VerifyAddModSec_Cases) {
+  const VerifyCase& c = GetParam();
+  AddModSecForm form;
+  form.caption = kAddSecCaption;
+  form.symbol = c.symbol;
+  form.sec_name = c.name;
+  form.cusip = c.cusip;
+  if (c.asks_symbol) {
+    ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
+               Icon::kInformation, Buttons::kOk);
+  }
+  if (c.asks_item) {
+    ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
+  }
+  EXPECT_EQ(VerifyAddModSec(*app_, form), c.result);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, VerifyAddModSecTest,
+    ::testing::Values(VerifyCase{"SymbolMissing", "", "Name", "1", true, false, Answer::kOk, false},
+                      VerifyCase{"BlankSymbol", "  ", "", "", true, false, Answer::kOk, false},
+                      VerifyCase{"NameMissingYes", "X", "", "1", false, true, Answer::kYes, true},
+                      VerifyCase{"CusipBlankNo", "X", "N", " ", false, true, Answer::kNo, false},
+                      VerifyCase{"Complete", "X", "N", "1", false, false, Answer::kOk, true}),
+    [](const auto& info) { return std::string(info.param.label); });
+
+// "Add a Security": a known symbol fills its name and CUSIP (in the central
+// spelling); the central values change only when the user changed them and
+// answers Yes; a new symbol goes into the central file first ("NO CUSIP"
+// when left empty), text exactly as typed. The portfolio gets the security
+// whatever the answers, and it is opened.
+struct AddCase {
+  const char* label;
+  std::string symbol, name, cusip, line;  // name/cusip empty: keep what was filled in
+  bool asks_item, asks_changed;
+  Answer answer;
+  std::string central_after, portfolio_after;
+};
+
+class AddSecTest : public SecuritiesTest, public ::testing::WithParamInterface<AddCase> {};
+
+TEST_P(AddSecTest, ShowAddSec_Cases) {
+  const AddCase& c = GetParam();
+  ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.portfolio, "Add a Security|Growth");
+    form.symbol = c.symbol;
+    FillInNameCusip(*app_, form);
+    if (!c.name.empty()) form.sec_name = c.name;
+    if (!c.cusip.empty()) form.cusip = c.cusip == "-" ? "" : c.cusip;
+    form.second_line = c.line;
+    if (c.asks_item) ui_.Expect(kItemNotEntered, "Item not entered", Answer::kYes);
+    if (c.asks_changed) {
+      ui_.Expect(kInfoChanged, "Information has been changed!", Icon::kExclamation, Buttons::kYesNo,
+                 c.answer);
+    }
+    AddModSec_Ok(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowAddSec(*app_);
+  const std::string symbol = c.central_after.substr(0, c.central_after.find('|'));
+  EXPECT_EQ(CentralSec(symbol), c.central_after);
+  EXPECT_EQ(PortfolioSecs(), c.portfolio_after);
+  EXPECT_EQ(app_->window.state, kSecOpen);
+  EXPECT_EQ(app_->current.sec_symbol, symbol);
+  EXPECT_EQ(app_->window.display.sec_name, GetSecInfoFromCDB(*app_, symbol, "[Sec Name]"));
+  EXPECT_EQ(ui_.help_texts().front(), "Adding Security");
+}
+
+const char* const kIbm = "IBM|International Business Machines|459200101";
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, AddSecTest,
+    ::testing::Values(AddCase{"KnownUnchangedAsksNothing", "ibm", "", "", "long hold", false, false,
+                              Answer::kNo, kIbm, "IBM|long hold ;"},
+                      AddCase{"KnownNameChangedYes", "IBM", "IBM Corp", "", "", false, true,
+                              Answer::kYes, "IBM|IBM Corp|459200101", "IBM| ;"},
+                      AddCase{"KnownCusipChangedNo", "IBM", "", "999", "", false, true, Answer::kNo,
+                              kIbm, "IBM| ;"},
+                      AddCase{"NewEmptyCusipStoresNoCusip", "XYZ", "Xyz Corp", "-", "", true, false,
+                              Answer::kNo, "XYZ|Xyz Corp|NO CUSIP", "XYZ| ;"},
+                      AddCase{"NewQuotesAndNonAscii", "SG'\"É", "Société \"Générale\" & Cie", "F85",
+                              "O'Neil – ü", false, false, Answer::kNo,
+                              "SG'\"É|Société \"Générale\" & Cie|F85", "SG'\"É|O'Neil – ü ;"}),
+    [](const auto& info) { return std::string(info.param.label); });
+
+// A refused write shows the same dialog again with what the user typed,
+// and nothing is written.
+struct RefusalCase {
+  const char* label;
+  std::string caption, symbol, text, title;
+};
+
+class RefusalTest : public SecuritiesTest, public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
+  const RefusalCase& c = GetParam();
+  std::string cusip = kNoCusip;
+  ASSERT_TRUE(AddSec(*app_, "IBM", "International Business Machines", cusip, "", "Growth"));
+  AddModSecForm form;
+  form.caption = c.caption;
+  form.symbol = c.symbol;
+  if (c.caption == kModSecInCdbCaption) form.fixed_symbol = c.symbol;
+  form.sec_name = "Typed";
+  form.cusip = "T1";
+  form.second_line = "line";
+  ui_.Expect(c.text, c.title);
+  ExpectForm<AddModSecForm>([&](AddModSecForm& again) {
+    EXPECT_EQ(&again, &form);
+    EXPECT_FALSE(again.hidden);
+    EXPECT_EQ(again.symbol + again.sec_name + again.cusip + again.second_line,
+              c.symbol + "TypedT1line");
+    AddModSec_Cancel(*app_, again);
+  });
+  AddModSec_Ok(*app_, form);
+  EXPECT_TRUE(form.closed);
+  EXPECT_EQ(CentralSec("IBM"), kIbm);
+  EXPECT_EQ(CountCentralRows("Securities") * 10 + CountClientRows("Security"), 11);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, RefusalTest,
+    ::testing::Values(
+        RefusalCase{"AlreadyInPortfolio", kAddSecCaption, "IBM",
+                    "The Security you wish to add already exists in this Portfolio, therefore it "
+                    "can not be added again. If you wish to purchase Shares for this Security, "
+                    "click on the icon for the Security and click the 'Buy' button.",
+                    "Security Already Exists!"},
+        RefusalCase{"SymbolInCentralFile", kAddSecToCdbCaption, "IBM",
+                    "The Symbol: IBM already exists. Please enter a new Symbol or use the "
+                    "Security that already exists.",
+                    "Symbol already exists"},
+        RefusalCase{"ModifiedSymbolGone", kModSecInCdbCaption, "GONE",
+                    "The Security you have specified can't be found. You may need to Add it "
+                    "again.",
+                    "Security not found"},
+        RefusalCase{"UnknownCaption", "Add Securities", "IBM", "Incorrect .caption on dlgAddModSec",
+                    "Warning"}),
+    [](const auto& info) { return std::string(info.param.label); });
+
+// In the modify mode the symbol is fixed: an edit, at OK or through Find,
+// is refused with "Can't modify Symbol!", undone, and nothing is written.
+TEST_F(SecuritiesTest, ShowModSecInCDB_EditedSymbol_Refused) {
+  ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.symbol + "|" + form.sec_name + "|" + form.cusip,
+              std::string("Modify a Security (SSF)|") + kIbm);
+    form.symbol = "IBMX";
+    form.sec_name = "Changed";
+    ui_.Expect(kCantModify, "Can't modify Symbol!", Icon::kExclamation, Buttons::kOk);
+    AddModSec_Ok(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(form.symbol, "IBM");
+    ui_.Expect(kCantModify, "Can't modify Symbol!");
+    AddModSec_Find(*app_, form);
+    AddModSec_Cancel(*app_, form);
+  });
+  ShowModSecInCDB(*app_, "IBM");
+  EXPECT_EQ(CentralSec("IBM"), kIbm);
+  EXPECT_EQ(CentralSec("IBMX"), "-");
+}
+
+// Find picks a symbol from the central list (starting on the one typed)
+// and fills its name and CUSIP.
+TEST_F(SecuritiesTest, AddModSec_Find_PicksSymbolAndFills) {
+  AddCentral("MSFT", "Microsoft", "594918104");
+  AddModSecForm form;
+  form.caption = kAddSecCaption;
+  form.symbol = "msft";
+  ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
+    EXPECT_EQ(list.caption + "|" + list.instructions,
+              "Select a Security|Locate and click on the Security you desire, then click Select");
+    EXPECT_EQ(list.selected, 1);
+    list.selected = 0;
+    SecSymbol_Select(*app_, list);
+    EXPECT_TRUE(list.closed);
+  });
+  AddModSec_Find(*app_, form);
+  EXPECT_EQ(form.symbol + "|" + form.sec_name + "|" + form.cusip, kIbm);
+}
+
+}  // namespace
+}  // namespace lotwise::testing

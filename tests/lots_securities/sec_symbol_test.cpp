@@ -1,0 +1,170 @@
+#include "lots/sec_symbol.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/app_state.h"
+#include "app/date.h"
+#include "app/security_display.h"
+#include "data/central_file.h"
+#include "data/transaction_store.h"
+#include "lots_securities/securities_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+const std::string kManageHelp =
+    "To Delete or Modify a Security, click on the Security, then click on the appropriate button";
+const std::string kModifyQuestion =
+    "Modifying information for a Security will change the Security for all Taxpayer Files. Are "
+    "you sure you want to do this?";
+
+const char* const kIbmRow = "IBM|International Business Machines|459200101;";
+
+std::string Listed(const SecSymbolForm& form) {
+  std::string out;
+  for (const SecSymbolRow& row : form.securities) {
+    out += row.symbol + "|" + row.name + "|" + row.cusip + ";";
+  }
+  return out;
+}
+
+// Add and Modify from the Security Symbols dialog open the add/modify
+// dialog in the central modes and show the list again with the result.
+TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
+  ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
+    EXPECT_EQ(list.caption + "|" + ui_.help_texts().back(), "Security Symbols File|" + kManageHelp);
+    ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
+      EXPECT_EQ(form.caption, "Add a Security (SSF)");
+      form.symbol = "MSFT";
+      form.sec_name = "Microsoft";
+      form.cusip = "594918104";
+      AddModSec_Ok(*app_, form);
+    });
+    SecSymbol_Add(*app_, list);
+    EXPECT_EQ(Listed(list), std::string(kIbmRow) + "MSFT|Microsoft|594918104;");
+
+    list.selected = 1;
+    ui_.Expect(kModifyQuestion, "Modify Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
+      EXPECT_EQ(form.caption + "|" + form.symbol, "Modify a Security (SSF)|MSFT");
+      form.sec_name = "Microsoft Corp";
+      form.cusip = "";
+      ui_.Expect(kItemNotEntered, "Item not entered", Answer::kYes);
+      AddModSec_Ok(*app_, form);
+      EXPECT_TRUE(form.closed);
+    });
+    SecSymbol_Modify(*app_, list);
+    EXPECT_EQ(Listed(list), std::string(kIbmRow) + "MSFT|Microsoft Corp|NO CUSIP;");
+    EXPECT_EQ(list.selected, 1);
+    ui_.Expect(kModifyQuestion, "Modify Security?", Answer::kNo);
+    SecSymbol_Modify(*app_, list);
+    SecSymbol_Close(*app_, list);
+  });
+  ShowSecSymbol(*app_);
+  EXPECT_EQ(ui_.help_texts(), (std::vector<std::string>{"Get Securities", kManageHelp,
+                                                        "Adding Security", "Modifying Security"}));
+  EXPECT_EQ(CentralSec("MSFT"), "MSFT|Microsoft Corp|NO CUSIP");
+}
+
+// With an empty list, every command that needs a security says so, under
+// the one shared title, and nothing else happens.
+struct EmptyListCase {
+  const char* label;
+  void (*command)(Application&, SecSymbolForm&);
+  std::string text;
+};
+
+class EmptyListTest : public SecuritiesTest, public ::testing::WithParamInterface<EmptyListCase> {};
+
+TEST_P(EmptyListTest, SecSymbol_EmptyList_Message) {
+  app_->central->Execute(R"(DELETE FROM "Securities")");
+  AddModSecForm target;
+  ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
+    EXPECT_TRUE(list.securities.empty());
+    EXPECT_EQ(list.selected, -1);
+    ui_.Expect(GetParam().text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
+    GetParam().command(*app_, list);
+    EXPECT_FALSE(list.closed);
+  });
+  ShowFindSecSymbol(*app_, target);
+  EXPECT_EQ(target.symbol, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Cases, EmptyListTest,
+    ::testing::Values(
+        EmptyListCase{"Modify", SecSymbol_Modify,
+                      "There are no Securities to modify. If you would like add a security click "
+                      "on the Add button."},
+        EmptyListCase{"Delete", SecSymbol_Delete,
+                      "There are no Securities to delete. If you would like add a security click "
+                      "on the Add button."},
+        EmptyListCase{"Select", SecSymbol_Select,
+                      "There are no Securities to select. Please click on the Cancel button."}),
+    [](const auto& info) { return std::string(info.param.label); });
+
+// Deleting a central symbol removes only the central row: the taxpayer's
+// security, blocks and transactions stay. Opening the security then offers
+// to re-enter the symbol, which puts it back with what the user types.
+TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
+  std::string cusip = "459200101";
+  ASSERT_TRUE(AddSec(*app_, "IBM", "International Business Machines", cusip, "", "Growth"));
+  Query sec = app_->client->Select(R"(SELECT "Sec ID" FROM "Security")");
+  ASSERT_TRUE(sec.Next());
+  std::string block_id;
+  ASSERT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, 10, Date::FromYmd(2020, 1, 15),
+                     Currency::FromDouble(1500), 10, Currency::FromDouble(5), "first"));
+
+  ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
+    ui_.Expect(
+        "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. "
+        "Are you sure you want to do this?",
+        "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    SecSymbol_Delete(*app_, list);
+    EXPECT_EQ(CountCentralRows("Securities"), 1);
+
+    ui_.Expect(
+        "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. "
+        "Are you sure you want to do this?",
+        "Delete Security?", Answer::kYes);
+    SecSymbol_Delete(*app_, list);
+    EXPECT_EQ(ui_.help_texts().back(), "Deleting Security");
+    EXPECT_TRUE(list.securities.empty());
+    SecSymbol_Close(*app_, list);
+  });
+  ShowSecSymbol(*app_);
+  EXPECT_EQ(CountCentralRows("Securities"), 0);
+  EXPECT_EQ(CountClientRows("Security"), 1);
+  EXPECT_EQ(CountClientRows("Blocks"), 1);
+  EXPECT_EQ(CountClientRows("Buy"), 1);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+  EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
+
+  ui_.Expect(
+      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis "
+      "means that the Symbol and Name will be missing, however any Transactions in the "
+      "Security should be intact.\n\nWould you like to Add the Security to the Security "
+      "Symbols File again?",
+      "Please Note!", Answer::kYes);
+  ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
+    EXPECT_EQ(form.caption, "Re-enter a Security (SSF)");
+    EXPECT_EQ(form.symbol + "|" + form.sec_name + "|" + form.cusip, "IBM||");
+    form.sec_name = "IBM Corp";
+    form.cusip = "459200101";
+    AddModSec_Ok(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowSecDisplay(*app_, "IBM");
+  EXPECT_EQ(CentralSec("IBM"), "IBM|IBM Corp|459200101");
+  EXPECT_EQ(app_->window.display.sec_name, "IBM Corp");
+  EXPECT_EQ(app_->window.display.blocks.size(), 1u);
+  EXPECT_TRUE(std::find(ui_.help_texts().begin(), ui_.help_texts().end(), "Replacing Security") !=
+              ui_.help_texts().end());
+}
+
+}  // namespace
+}  // namespace lotwise::testing

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+#include "app/application.h"
+#include "data/database.h"
+#include "data/taxpayer_file.h"
+#include "lots/add_mod_sec.h"
+#include "lots/sec_symbol.h"
+#include "support/app_fixture.h"
+
+namespace lotwise::testing {
+
+inline const std::string kItemNotEntered =
+    "It is a good idea to enter both a Security Name and a CUSIP; however, these are not "
+    "required.Click YES if you want to add this security as is, or click NO if you want to add "
+    "one of these items.";
+inline const std::string kInfoChanged =
+    "You have changed either the Security Name or CUSIP. This will change it for all Securities "
+    "in all Taxpayer Files.\nIf you want to do this click YES, otherwise click NO and the Name and "
+    "CUSIP will be left as they were.";
+inline const std::string kCantModify =
+    "The Security Symbol can not be modified. If you wish to change to a different security you "
+    "must add a new security using the Security menu.";
+
+// A central file knowing IBM, and an open Taxpayer File with the open
+// portfolio "Growth".
+class SecuritiesTest : public AppTest {
+ protected:
+  void SetUp() override {
+    AppTest::SetUp();
+    OpenFreshCentral();
+    OpenFreshTaxpayer();
+    AddCentral("IBM", "International Business Machines", "459200101");
+    ASSERT_TRUE(NewPort(*app_, "Growth", ""));
+  }
+
+  void AddCentral(const std::string& symbol, const std::string& name, const std::string& cusip) {
+    app_->central->Execute(
+        R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES (:s, :n, :c))",
+        {{"s", symbol}, {"n", name}, {"c", cusip}});
+  }
+
+  // "symbol|name|cusip" of the central row (compared exactly), or "-".
+  std::string CentralSec(const std::string& symbol) {
+    Query q = app_->central->Select(
+        R"(SELECT * FROM "Securities" WHERE "Sec Symbol" = :s COLLATE BINARY)", {{"s", symbol}});
+    if (!q.Next()) return "-";
+    return q.Text("Sec Symbol") + "|" + q.Text("Sec Name") + "|" + q.Text("CUSIP");
+  }
+
+  // "symbol|2nd line;" of each security of the portfolio, by symbol.
+  std::string PortfolioSecs() {
+    std::string out;
+    Query q = app_->client->SelectSaved("Secs In Port", {{"sPortName", "Growth"}});
+    while (q.Next()) out += q.Text("Sec Symbol") + "|" + q.Text("2nd Line") + ";";
+    return out;
+  }
+
+  // Expects the dialog of type Form and plays `script` on it.
+  template <class Form>
+  void ExpectForm(std::function<void(Form&)> script) {
+    ui_.ExpectDialog(std::string(Form().Name()),
+                     [script](DialogForm& f) { script(static_cast<Form&>(f)); });
+  }
+};
+
+}  // namespace lotwise::testing

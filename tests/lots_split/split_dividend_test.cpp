@@ -1,0 +1,297 @@
+#include "lots/split_dividend.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/number_text.h"
+#include "lots_buy/lots_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+const std::string kNotMade =
+    "The transaction was not made. If an error message was displayed the error will need to be "
+    "corrected. You will have to add this transaction again.";
+const std::string kNoneAdded =
+    "No Stock Splits (or Dividends) were added. If you think this is incorrect you should check "
+    "your data, and try this again.";
+
+std::string ModifyQuestion(const std::string& w) {
+  return "In-order for the program to modify an entire " + w + " it must assume that any " + w +
+         " transaction in the security with the same date is part of the original " + w +
+         " on that date.  Therefore, if you entered two separate " + w +
+         "s that were on the same date as the " + w +
+         " you are modifying, it will consider them to be one " + w +
+         ". If this is the case, you will need to adjust each " + w +
+         " transaction separately.\n\nDo you want to continue?";
+}
+
+class SplitDivTest : public LotsTest {
+ protected:
+  // "Block ID|Date|Type|Prec Sort|Pre|Post|Shares|Notes" of every Split row,
+  // oldest block first, then by date.
+  std::vector<std::string> SplitRows() {
+    std::vector<std::string> rows;
+    Query q = app_->client->Select(
+        R"(SELECT B."Block ID", S.* FROM "Split" AS S JOIN "Blocks" AS B USING ("Block No") )"
+        R"(ORDER BY B."Date", B."Block ID", S."Date", S."Unique ID")");
+    while (q.Next()) {
+      rows.push_back(q.Text("Block ID") + "|" + q.DateValue("Date").ToString() + "|" +
+                     q.Text("Type") + "|" + q.Text("Prec Sort") + "|" +
+                     NumberText(q.Double("Pre Ratio")) + "|" + NumberText(q.Double("Post Ratio")) +
+                     "|" + NumberText(q.Double("Shares")) + "|" + q.Text("Notes"));
+    }
+    return rows;
+  }
+
+  static void Type(SplitDivForm& form, const char* date, double pre, double post, int blocks) {
+    form.date = date;
+    form.pre_ratio = pre;
+    form.post_ratio = post;
+    form.blocks = blocks;
+  }
+
+  void EnterAll(int16_t type, const char* date, double pre, double post, const char* notes = "") {
+    ASSERT_TRUE(AddAllSplitDivs(*app_, type, D(date), pre, post, notes, SplitDivForm::kAllBlocks));
+  }
+};
+
+// On the current block only that block gets a row, with its kind's type,
+// rank and added shares to five decimals; a reverse split takes away
+// exactly its share, and a zero second part adds nothing.
+struct KindCase {
+  const char* name;
+  const char* caption;
+  double pre;
+  double post;
+  double shares;
+  const char* row;
+  const char* help;
+};
+
+class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<KindCase> {};
+
+TEST_P(SplitKindTest, CurrentBlock_AddsRatioShares) {
+  const KindCase& c = GetParam();
+  BuyShares("01/02/2024", 70, "700");
+  LoadBlocks(BuyShares("01/03/2024", c.shares, "500"));
+  OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
+    Type(form, "06/28/2024", c.pre, c.post, SplitDivForm::kCurrentBlock);
+    PressOkSplitDiv(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowSplit(*app_, c.caption);
+  EXPECT_EQ(SplitRows(), std::vector<std::string>{c.row});
+  EXPECT_EQ(HelpTexts().at(0), c.help);
+}
+
+INSTANTIATE_TEST_SUITE_P(Kinds, SplitKindTest,
+                         ::testing::Values(KindCase{"ThreeForTwoOf101", "Stock Split", 3, 2, 101,
+                                                    "01/03/2024-1|06/28/2024|11|60|3|2|50.5|",
+                                                    "Calculating and adding Stock Split"},
+                                           KindCase{"ReverseOneForTwo", "Stock Split", 1, 2, 100,
+                                                    "01/03/2024-1|06/28/2024|11|60|1|2|-50|",
+                                                    "Calculating and adding Stock Split"},
+                                           KindCase{"DividendFivePercentOf33", "Stock Dividend",
+                                                    0.05, 1, 33,
+                                                    "01/03/2024-1|06/28/2024|21|50|0.05|1|1.65|",
+                                                    "Calculating and adding Stock Dividend"}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
+TEST(SplitSharesAddedTest, PostZero_AddsNothing) {
+  EXPECT_EQ(SplitSharesAdded(kTypeSplit, 2, 0, 100), 0);
+  EXPECT_EQ(SplitSharesAdded(kTypeDividend, 2, 0, 100), 0);
+}
+
+// On all blocks each block's shares count as of the split date: a block
+// sold out before it gets no row, a buy of the same day counts, a later
+// buy or sale does not; the grid returns to the user's block.
+TEST_F(SplitDivTest, AllBlocks_SkipsSoldOutAndCountsSameDayBuy) {
+  SellShares(BuyShares("01/02/2024", 100, "1000"), "02/01/2024", 100);
+  const std::string held = BuyShares("01/03/2024", 50, "500");
+  SellShares(held, "03/05/2024", 5);
+  BuyShares("03/01/2024", 10, "100");
+  BuyShares("03/02/2024", 40, "400");
+  LoadBlocks(held);
+  OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
+    EXPECT_EQ(form.security, "AT&&T");
+    EXPECT_EQ(form.block, held);
+    EXPECT_EQ(form.explanation,
+              "For a 2 to 1 Stock Split, 'Ratio of Number of New Shares:' would be 2, and 'To "
+              "Number of Old Shares:' would be 1.");
+    Type(form, "03/01/2024", 2, 1, SplitDivForm::kAllBlocks);
+    form.notes = "2:1 \"forward\" – Überweisung";
+    PressOkSplitDiv(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowSplit(*app_, "Stock Split");
+  EXPECT_EQ(SplitRows(),
+            (std::vector<std::string>{
+                "01/03/2024-1|03/01/2024|11|60|2|1|50|2:1 \"forward\" – Überweisung",
+                "03/01/2024-1|03/01/2024|11|60|2|1|10|2:1 \"forward\" – Überweisung"}));
+  EXPECT_EQ(app_->window.display.total_shares, "155");
+  EXPECT_EQ(app_->current.block_id, held);
+  EXPECT_EQ(ui_.gauge_percent(), 0);
+}
+
+// With every block empty on the date nothing is written and the user is
+// told so; nothing failed, so the dialog closes.
+TEST_F(SplitDivTest, AllBlocksEmpty_WritesNothingAndSaysSo) {
+  SellShares(BuyShares("01/02/2024", 100, "1000"), "02/01/2024", 100);
+  BuyShares("04/01/2024", 10, "100");
+  LoadBlocks();
+  ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
+  SplitDivForm form;
+  form.caption = "Stock Split";
+  Type(form, "03/01/2024", 2, 1, SplitDivForm::kAllBlocks);
+  PressOkSplitDiv(*app_, form);
+  EXPECT_TRUE(form.closed);
+  EXPECT_EQ(CountClientRows("Split"), 0);
+}
+
+// Bad input at OK: a ratio part of zero or less (first part checked
+// first), or a date that is no date, stops with the dialog open and
+// nothing written.
+struct RefusalCase {
+  const char* name;
+  double pre;
+  double post;
+  const char* date;
+  const char* message;
+  const char* title;
+};
+
+class SplitRefusalTest : public SplitDivTest, public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(SplitRefusalTest, Ok_BadInput_NothingWritten) {
+  const RefusalCase& c = GetParam();
+  LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
+  ui_.Expect(c.message, c.title);
+  SplitDivForm form;
+  form.caption = "Stock Split";
+  Type(form, c.date, c.pre, c.post, SplitDivForm::kAllBlocks);
+  PressOkSplitDiv(*app_, form);
+  EXPECT_FALSE(form.closed);
+  EXPECT_EQ(CountClientRows("Split"), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Inputs, SplitRefusalTest,
+    ::testing::Values(
+        RefusalCase{"PreZero", 0, -1, "03/01/2024",
+                    "The first part of the Ratio is either negative or zero. Please re-enter the "
+                    "first part of the ratio.",
+                    "Please Re-enter"},
+        RefusalCase{"PostNegative", 2, -1, "03/01/2024",
+                    "The second part of the Ratio is either negative or zero. Please re-enter the "
+                    "second part of the ratio.",
+                    "Please Re-enter"},
+        RefusalCase{"NoDate", 2, 1, "13/01/2024",
+                    "The Date entered as 13/01/2024 is not valid.  Please re-enter the Date. If "
+                    "you are cancelling, click OK, and then click Cancel again.",
+                    "Invalid Date"}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// All rows of one split form one unit: when the second block's row cannot
+// be written the first is rolled back too, and the user is told to enter
+// the split again.
+TEST_F(SplitDivTest, AllBlocks_SecondWriteFails_NoRowRemains) {
+  BuyShares("01/02/2024", 100, "1000");
+  BuyShares("01/03/2024", 50, "500");
+  BuyShares("01/04/2024", 25, "250");
+  LoadBlocks();
+  UseStorageFaults();
+  faults_.FailWriteNumber(2);
+  ExpectFatal(err::kSqliteBase + 10, "disk I/O error (injected)", "AddSplit");
+  ui_.Expect(kNotMade, "Transaction not completed", Icon::kExclamation, Buttons::kOk);
+  SplitDivForm form;
+  form.caption = "Stock Split";
+  Type(form, "03/01/2024", 2, 1, SplitDivForm::kAllBlocks);
+  PressOkSplitDiv(*app_, form);
+  EXPECT_FALSE(form.closed);
+  EXPECT_EQ(CountOnDisk("Split"), 0);
+  EXPECT_EQ(IntegrityOnDisk(), "ok");
+}
+
+// Modify Entire Split replaces the day's split rows of every block; the
+// old rows go before the shares are computed, so the new ratio applies to
+// the shares held before the split. Other days' rows stay as they were.
+TEST_F(SplitDivTest, ModifyEntireSplit_ReplacesTheDaysRows) {
+  BuyShares("01/02/2024", 100, "1000");
+  const std::string second = BuyShares("01/03/2024", 30, "300");
+  LoadBlocks(second);
+  EnterAll(kTypeSplit, "03/01/2024", 2, 1, "as announced");
+  EnterAll(kTypeSplit, "05/01/2024", 2, 1);
+  ui_.Expect(ModifyQuestion("stock split"), "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo,
+             Answer::kYes);
+  OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
+    EXPECT_EQ(form.caption, "Modify Entire Split");
+    EXPECT_EQ(form.date, "03/01/2024");
+    EXPECT_EQ(form.pre_ratio, 2);
+    EXPECT_EQ(form.notes, "as announced");
+    form.pre_ratio = 3;
+    PressOkSplitDiv(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeSplit);
+  EXPECT_EQ(SplitRows(), (std::vector<std::string>{"01/02/2024-1|03/01/2024|11|60|3|1|200|as "
+                                                   "announced",
+                                                   "01/02/2024-1|05/01/2024|11|60|2|1|200|",
+                                                   "01/03/2024-1|03/01/2024|11|60|3|1|60|as "
+                                                   "announced",
+                                                   "01/03/2024-1|05/01/2024|11|60|2|1|60|"}));
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+}
+
+// The deletion of Modify Entire stands on its own: when the new entry then
+// fails (the user declines the question about the day's dividend), the old
+// split rows stay deleted and the user is told to enter it again.
+TEST_F(SplitDivTest, ModifyEntireSplit_NewEntryFails_OldRowsStayDeleted) {
+  LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
+  EnterAll(kTypeSplit, "03/01/2024", 2, 1);
+  ui_.Expect(
+      "There is already a Stock Dividend(or Stock Split) on 03/01/2024.\nDo you still want to "
+      "add this Stock Dividend?",
+      "Stock Dividend with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  EnterAll(kTypeDividend, "03/01/2024", 0.1, 1);
+  ui_.Expect(ModifyQuestion("stock split"), "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo,
+             Answer::kYes);
+  OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
+    PressOkSplitDiv(*app_, form);
+    EXPECT_FALSE(form.closed);
+  });
+  ui_.Expect(
+      "There is already a Stock Split(or Stock Dividend) on 03/01/2024.\nDo you still want to add "
+      "this Stock Split?",
+      "Stock Split with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
+  ui_.Expect(kNotMade, "Transaction not completed", Icon::kExclamation, Buttons::kOk);
+  ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeSplit);
+  EXPECT_EQ(SplitRows(), std::vector<std::string>{"01/02/2024-1|03/01/2024|21|50|0.1|1|20|"});
+}
+
+// Without a block there is nothing to split or modify; a No to the modify
+// question opens nothing and deletes nothing.
+TEST_F(SplitDivTest, NoBlocksOrNo_NothingOpens) {
+  ui_.Expect(
+      "There are no Blocks to enter a Stock Split or Stock Dividend for. To enter a purchase of "
+      "Shares click on the Buy button.",
+      "No Blocks", Icon::kInformation, Buttons::kOk);
+  ui_.Expect(
+      "There are no Blocks to enter a Stock Split for. To enter a purchase of Shares click on the "
+      "Buy button.",
+      "No Blocks", Icon::kInformation, Buttons::kOk);
+  ShowSplit(*app_, "Stock Dividend");
+  ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeDividend);
+  LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
+  EnterAll(kTypeDividend, "03/01/2024", 0.1, 1);
+  ui_.Expect(ModifyQuestion("stock dividend"), "Modify Entire Sell?", Icon::kQuestion,
+             Buttons::kYesNo, Answer::kNo);
+  ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeDividend);
+  EXPECT_EQ(CountClientRows("Split"), 1);
+}
+
+}  // namespace
+}  // namespace lotwise::testing
