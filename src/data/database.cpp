@@ -187,7 +187,9 @@ std::unique_ptr<Database> Database::OpenWith(const std::string& path, int flags,
     // Reading the catalogue makes a foreign or damaged file fail now.
     db->RawExecute("PRAGMA foreign_keys = ON");
     if (mode != Mode::kReadOnly) {
-      // A rollback journal, not WAL: WAL does not work on shared network folders.
+      // A rollback journal, not WAL: WAL does not work on shared network
+      // folders. The journal is deleted at each commit, so that no file but
+      // the Taxpayer Files themselves stays in the data folders.
       db->RawExecute("PRAGMA journal_mode = DELETE");
       db->RawExecute(scratch ? "PRAGMA synchronous = OFF" : "PRAGMA synchronous = FULL");
     }
@@ -225,30 +227,44 @@ void Database::RawExecute(const std::string& sql) {
 
 std::unique_ptr<SQLite::Statement> Database::Prepare(std::string_view sql, const Params& params) {
   auto statement = std::make_unique<SQLite::Statement>(*db_, std::string(sql));
+  Bind(*statement, params);
+  return statement;
+}
+
+void Database::Bind(SQLite::Statement& statement, const Params& params) {
   for (const Param& param : params) {
     std::string name = ":" + param.name;
-    int index = statement->getIndex(name.c_str());
+    int index = statement.getIndex(name.c_str());
     // A saved query may not use every parameter its callers pass.
     if (index == 0) continue;
     std::visit(
         [&](const auto& v) {
           using T = std::decay_t<decltype(v)>;
           if constexpr (std::is_same_v<T, std::monostate>) {
-            statement->bind(index);
+            statement.bind(index);
           } else if constexpr (std::is_same_v<T, int64_t> || std::is_same_v<T, double> ||
                                std::is_same_v<T, std::string>) {
-            statement->bind(index, v);
+            statement.bind(index, v);
           } else if constexpr (std::is_same_v<T, Currency>) {
-            statement->bind(index, v.units());
+            statement.bind(index, v.units());
           } else if constexpr (std::is_same_v<T, Date>) {
-            statement->bind(index, v.ToIso());
+            statement.bind(index, v.ToIso());
           } else if constexpr (std::is_same_v<T, bool>) {
-            statement->bind(index, static_cast<int64_t>(v ? 1 : 0));
+            statement.bind(index, static_cast<int64_t>(v ? 1 : 0));
           }
         },
         param.value);
   }
-  return statement;
+}
+
+SQLite::Statement& Database::CachedWrite(std::string_view sql) {
+  constexpr size_t kMaxCachedWrites = 128;
+  std::string key(sql);
+  auto found = write_cache_.find(key);
+  if (found != write_cache_.end()) return *found->second;
+  if (write_cache_.size() >= kMaxCachedWrites) write_cache_.clear();
+  auto statement = std::make_unique<SQLite::Statement>(*db_, key);
+  return *write_cache_.emplace(std::move(key), std::move(statement)).first->second;
 }
 
 Query Database::Select(std::string_view sql, const Params& params) {
@@ -261,12 +277,19 @@ Query Database::Select(std::string_view sql, const Params& params) {
 
 int64_t Database::Execute(std::string_view sql, const Params& params) {
   if (faults_ != nullptr) faults_->BeforeWrite();
+  SQLite::Statement* statement = nullptr;
   try {
-    auto statement = Prepare(sql, params);
+    statement = &CachedWrite(sql);
+    statement->clearBindings();
+    Bind(*statement, params);
     while (statement->executeStep()) {
     }
-    return statement->getChanges();
+    int64_t changes = statement->getChanges();
+    statement->reset();
+    return changes;
   } catch (const SQLite::Exception& e) {
+    // A failed step leaves the statement to be reset before its next use.
+    if (statement != nullptr) statement->tryReset();
     Rethrow(e, path_);
   }
 }

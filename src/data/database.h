@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_map>
 #include <variant>
 #include <vector>
 
@@ -217,6 +218,9 @@ class Database {
   static std::unique_ptr<Database> OpenWith(const std::string& path, int flags, Mode mode,
                                             bool scratch, StorageFaults* faults);
   std::unique_ptr<SQLite::Statement> Prepare(std::string_view sql, const Params& params);
+  static void Bind(SQLite::Statement& statement, const Params& params);
+  // Returns the cached prepared statement of a write, preparing it once.
+  SQLite::Statement& CachedWrite(std::string_view sql);
   void RawExecute(const std::string& sql);
 
   std::unique_ptr<SQLite::Database> db_;
@@ -225,6 +229,11 @@ class Database {
   int transaction_depth_ = 0;
   // False once this object is destroyed; units outliving it look here.
   std::shared_ptr<bool> open_ = std::make_shared<bool>(true);
+  // Prepared writes by their SQL. Preparing an insert compiles the triggers
+  // of its table too, which costs more than running it; the program issues
+  // a small fixed set of statements, so the cache stays small. Declared last
+  // so that the statements are finalised before the connection closes.
+  std::unordered_map<std::string, std::unique_ptr<SQLite::Statement>> write_cache_;
 };
 
 // Maps a SQLite result code and message to the program's error numbers.

@@ -1,0 +1,117 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "app/error_handler.h"
+#include "app/number_text.h"
+#include "app/security_display.h"
+#include "data/database.h"
+#include "data/transaction_store.h"
+#include "lots/sell_shares.h"
+#include "lots/sell_specific.h"
+#include "support/app_fixture.h"
+
+namespace lotwise::testing {
+
+using Rows = std::vector<std::string>;
+
+inline Date D(const char* text) { return *Date::Parse(text); }
+inline Currency Money(const char* text) { return *Currency::Parse(text); }
+
+// The security IBM ("Intl Business & Machines") of portfolio "Growth", with
+// helpers that write blocks straight into the file, open the security in the
+// main window, play the dialogs and read the Sell rows back.
+class SaleTest : public AppTest {
+ protected:
+  void SetUp() override {
+    AppTest::SetUp();
+    OpenFreshCentral();
+    OpenFreshTaxpayer();
+    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
+                          R"(VALUES ('Growth', ' ', 'DOE01'))");
+    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+                          R"(VALUES ('IBM', 'Growth', ' '))");
+    sec_id_ = app_->client->LastInsertId();
+    app_->current.port_name = "Growth";
+    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
+                           R"(VALUES ('IBM', 'Intl Business & Machines', 'NO CUSIP'))");
+    client_path_ = app_->client->path();
+  }
+
+  // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
+  int64_t Block(const char* date, double shares, double adjusted = 0, const char* seq = "1") {
+    Database& db = *app_->client;
+    db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
+               {{"s", sec_id_}, {"id", std::string(date) + "-" + seq}, {"d", D(date)}});
+    const int64_t block_no = db.LastInsertId();
+    db.Execute(R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Shares", "Prec Sort") )"
+               R"(VALUES (:n, :d, 10, :sh, 10))",
+               {{"n", block_no}, {"d", D(date)}, {"sh", shares}});
+    if (adjusted != 0) {
+      db.Execute(R"(INSERT INTO "Adjust" ("Block No", "Date", "Shares", "Prec Sort") )"
+                 R"(VALUES (:n, :d, :sh, 30))",
+                 {{"n", block_no}, {"d", D(date)}, {"sh", adjusted}});
+    }
+    return block_no;
+  }
+
+  void OpenSecurity(int method) {
+    app_->client->Execute(
+        R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', :m))",
+        {{"m", method}});
+    ShowSecDisplay(*app_, "IBM");
+    ASSERT_EQ(app_->window.display.sell_method, method);
+  }
+
+  template <class F>
+  void OnDialog(const char* name, std::function<void(F&)> script) {
+    ui_.ExpectDialog(name, [script](DialogForm& form) { script(static_cast<F&>(form)); });
+  }
+  void OnSale(std::function<void(SellSharesForm&)> script) {
+    OnDialog<SellSharesForm>("dlgSellShares", std::move(script));
+  }
+
+  static void Fill(SellSharesForm& form, double shares, const char* price, const char* fee = "0") {
+    form.date = "06/03/2024";
+    form.num_shares = shares;
+    form.sale_price = Money(price);
+    form.fee = Money(fee);
+  }
+
+  // The Sell rows dated `date`, oldest block first: "block id shares price fee".
+  Rows SellRows(const char* date = "06/03/2024") {
+    Rows rows;
+    Query q = app_->client->Select(
+        R"(SELECT B."Block ID", S."Shares", S."Sale Price", S."Fee" FROM "Sell" AS S )"
+        R"(JOIN "Blocks" AS B ON B."Block No" = S."Block No" WHERE S."Date" = :d )"
+        R"(ORDER BY B."Date", B."Block ID")",
+        {{"d", D(date)}});
+    while (q.Next()) {
+      rows.push_back(q.Text("Block ID") + " " + NumberText(q.Double("Shares")) + " " +
+                     q.Money("Sale Price").ToString() + " " + q.Money("Fee").ToString());
+    }
+    return rows;
+  }
+
+  int StoredMethod() {
+    Query q = app_->client->Select(R"(SELECT "Sell Method" FROM "Sell Method")");
+    return q.Next() ? static_cast<int>(q.Int("Sell Method")) : -1;
+  }
+
+  Rows Changes() {
+    Rows lines;
+    Query q = app_->client->Select(R"(SELECT "Description" FROM "Change" ORDER BY rowid)");
+    while (q.Next()) lines.push_back(q.Text("Description"));
+    return lines;
+  }
+
+  int64_t sec_id_ = 0;
+  std::string client_path_;
+};
+
+}  // namespace lotwise::testing

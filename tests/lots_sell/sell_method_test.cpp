@@ -1,0 +1,115 @@
+#include "lots/sell_method.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "lots/sell_shares.h"
+#include "lots_sell/sale_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+// The first sale fixes the security's method without a question and
+// without a log line.
+TEST_F(SaleTest, SellShares_FirstSale_FixesMethod) {
+  Block("01/01/2024", 100);
+  OpenSecurity(kSellNotSelected);
+  OnSale([&](SellSharesForm& form) {
+    EXPECT_EQ(form.sell_method, "NOT SELECTED");
+    EXPECT_EQ(HelpText(form, "SScboSellMethod"),
+              "Click the button to the right to select the Sell Method");
+    form.sell_method = "Average Cost - Single Cat.";
+    SellMethodChange(*app_, form);
+    EXPECT_FALSE(form.select_enabled);
+    Fill(form, 10, "100");
+    SellShares_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowSellShares(*app_);
+  EXPECT_EQ(StoredMethod(), kSellAvgSingle);
+  EXPECT_EQ(app_->window.display.sell_method, kSellAvgSingle);
+  EXPECT_TRUE(Changes().empty());
+}
+
+// A change away from a method in force is asked; No puts the old method
+// back, Yes announces, stores and logs the change and switches the dialog
+// to the user's selection.
+TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
+  Block("01/01/2024", 100);
+  OpenSecurity(kSellFifo);
+  OnSale([&](SellSharesForm& form) {
+    form.sell_method = "Specific Identification";
+    SellMethodChange(*app_, form);
+    EXPECT_EQ(form.sell_method, "FIFO");
+    EXPECT_TRUE(Changes().empty());
+    form.sell_method = "Specific Identification";
+    SellMethodChange(*app_, form);
+    EXPECT_TRUE(form.select_enabled);
+    EXPECT_EQ(form.focus, "btnSelect");
+    EXPECT_EQ(HelpText(form, "DblNumShares"),
+              "This is the number of shares you have selected for sale");
+    SellShares_Cancel(*app_, form);
+  });
+  const char* question =
+      "You have changed the Sell Method for this Security. Once a Sell Method is used to sell "
+      "shares, it must be used for all additional sales from that security. \nAre you sure you "
+      "want to change the Sell Method for this security?";
+  ui_.Expect(question, "Sell Method changed!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(question, "Sell Method changed!", Answer::kYes);
+  ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
+             "Sell Method Changed", Icon::kInformation, Buttons::kOk);
+  ShowSellShares(*app_);
+  EXPECT_EQ(StoredMethod(), kSellSpecificId);
+  EXPECT_EQ(Changes(), Rows{"Changed Sell Method from FIFO to Specific Identification"});
+  Query logged = app_->client->Select(R"(SELECT "Date", "Port Name", "Sec ID" FROM "Change")");
+  ASSERT_TRUE(logged.Next());
+  EXPECT_EQ(logged.DateValue("Date"), D("11/22/2026"));
+  EXPECT_EQ(logged.Text("Port Name"), "Growth");
+  EXPECT_EQ(logged.Int("Sec ID"), sec_id_);
+}
+
+// A name or code outside the table is reported and gives no method.
+TEST_F(SaleTest, GetSellMethod_GetSellName_BadValue) {
+  EXPECT_EQ(GetSellName(*app_, GetSellMethod(*app_, "Average Cost - Double Cat.")),
+            "Average Cost - Double Cat.");
+  ui_.Expect("Incorrect parameter passed to GetSellMethod", "Error!", Icon::kCritical,
+             Buttons::kOk);
+  ui_.Expect("Incorrect parameter passed to GetSellName", "Error!", Icon::kCritical, Buttons::kOk);
+  EXPECT_EQ(GetSellMethod(*app_, "fifo"), kSellNotSelected);
+  EXPECT_EQ(GetSellName(*app_, 4), "");
+}
+
+// The main window's change asks first and offers dlgMethod with the method
+// in force, where P, F, S and D (either case) choose; OK stores and logs the
+// choice, Cancel changes nothing.
+TEST_F(SaleTest, SetNewSellMethod_ChosenByLetter) {
+  OpenSecurity(kSellFifo);
+  const char* question =
+      "Once a sell method has been used for selling shares, it must be used for all additional "
+      "sales of the stock.  Are you sure you want to change the method?";
+  ui_.Expect(question, "Change Method?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  OnDialog<MethodForm>("dlgMethod", [&](MethodForm& form) {
+    EXPECT_EQ(form.method, kSellFifo);
+    EXPECT_FALSE(form.message_visible);
+    const std::pair<char, int16_t> keys[] = {{'P', 0}, {'f', 1}, {'s', 2}, {'X', 2}, {'D', 3}};
+    for (auto [key, method] : keys) {
+      Method_KeyPress(form, key);
+      EXPECT_EQ(form.method, method) << key;
+    }
+    Method_OK(*app_, form);
+  });
+  ui_.Expect(question, "Change Method?", Answer::kYes);
+  OnDialog<MethodForm>("dlgMethod", [&](MethodForm& form) {
+    Method_KeyPress(form, 'p');
+    Method_Cancel(*app_, form);
+  });
+  SetNewSellMethod(*app_);
+  SetNewSellMethod(*app_);
+  EXPECT_EQ(StoredMethod(), kSellAvgDouble);
+  EXPECT_EQ(app_->window.display.sell_method, kSellAvgDouble);
+  EXPECT_EQ(Changes(), Rows{"Changed Sell Method from FIFO to Average Cost - Double Cat."});
+}
+
+}  // namespace
+}  // namespace lotwise::testing

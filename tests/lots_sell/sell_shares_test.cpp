@@ -1,0 +1,327 @@
+#include "lots/sell_shares.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "lots_sell/sale_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+const std::string kReviewAdvice =
+    " If you think this is incorrect, please review your security for any incorrect, or missing "
+    "transactions.";
+const std::string kNotEnough =
+    " shares in this security. There are not enough shares to make the sale." + kReviewAdvice;
+
+struct BlockSpec {
+  const char* date;
+  double shares;
+  double adjusted = 0;
+  const char* seq = "1";
+};
+
+// A FIFO sale takes the blocks still holding shares oldest first (date, then
+// block id as text), each remainder rounded to five decimals, and spreads
+// price and fee by shares: each row to the currency, then to the cent half to
+// even, the last row taking the difference. A sale the blocks cannot cover
+// names the shares held and writes nothing.
+struct FifoCase {
+  const char* name;
+  std::vector<BlockSpec> blocks;
+  double shares;
+  const char* price;
+  const char* fee;
+  Rows rows;
+  std::string refusal_title = "";
+  std::string refusal = "";
+};
+
+class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<FifoCase> {};
+
+TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
+  const FifoCase& c = GetParam();
+  for (const BlockSpec& b : c.blocks) Block(b.date, b.shares, b.adjusted, b.seq);
+  OpenSecurity(kSellFifo);
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, c.shares, c.price, c.fee);
+    SellShares_OK(*app_, form, false);
+    EXPECT_EQ(form.closed, c.refusal.empty());
+    if (!form.closed) SellShares_Cancel(*app_, form);
+  });
+  if (!c.refusal.empty()) ui_.Expect(c.refusal, c.refusal_title);
+  ShowSellShares(*app_);
+  EXPECT_EQ(SellRows(), c.rows);
+  EXPECT_TRUE(app_->sale_lists.selected.empty);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sales, FifoSaleTest,
+    ::testing::Values(
+        FifoCase{"OldestFirstSplitsPriceAndFee",
+                 {{"03/01/2024", 100}, {"01/01/2024", 100}},
+                 150,
+                 "1000",
+                 "10",
+                 {"01/01/2024-1 -100 666.67 6.67", "03/01/2024-1 -50 333.33 3.33"}},
+        FifoCase{"EmptyAndNegativeBlocksSkipped",
+                 {{"01/01/2024", 100, -100}, {"01/02/2024", 50, -60}, {"01/03/2024", 100}},
+                 80,
+                 "80",
+                 "0",
+                 {"01/03/2024-1 -80 80 0"}},
+        FifoCase{"SameDateByBlockIdText",
+                 {{"03/01/2024", 50, 0, "2"}, {"03/01/2024", 50, 0, "10"}},
+                 60,
+                 "60",
+                 "0",
+                 {"03/01/2024-10 -50 50 0", "03/01/2024-2 -10 10 0"}},
+        FifoCase{"RemainderRoundedToFiveDecimals",
+                 {{"01/01/2024", 100, -0.000001}, {"02/01/2024", 10}},
+                 100,
+                 "100",
+                 "0",
+                 {"01/01/2024-1 -100 100 0"}},
+        FifoCase{"HalfCentToEven",  // 0.025 a row goes to 0.02
+                 {{"01/01/2024", 1}, {"01/02/2024", 1}},
+                 2,
+                 "0.05",
+                 "0",
+                 {"01/01/2024-1 -1 0.02 0", "01/02/2024-1 -1 0.03 0"}},
+        FifoCase{"CurrencyBeforeCent",  // 1.015 is 1.01499.. as a double
+                 {{"01/01/2024", 1}, {"01/02/2024", 1}},
+                 2,
+                 "2.03",
+                 "0",
+                 {"01/01/2024-1 -1 1.02 0", "01/02/2024-1 -1 1.01 0"}},
+        FifoCase{"NotEnoughShares",
+                 {{"01/01/2024", 100.5}, {"03/01/2024", 99.75}},
+                 250,
+                 "250",
+                 "0",
+                 {},
+                 "Not enough shares",
+                 "There are 200.25" + kNotEnough},
+        FifoCase{"NoSharesLeft",
+                 {{"01/01/2024", 100, -100}},
+                 10,
+                 "10",
+                 "0",
+                 {},
+                 "No Shares",
+                 "This sale can't be made. There are no shares in this Security." + kReviewAdvice}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// OK refuses a sale without a method or without shares (pointing to the
+// Select button only where the user picks the shares); nothing is written
+// and the method stays as it was.
+struct RefusalCase {
+  const char* name;
+  int method;
+  double shares;
+  const char* title;
+  std::string text;
+};
+
+class RefusalTest : public SaleTest, public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(RefusalTest, SellShares_OK_Refused) {
+  const RefusalCase& c = GetParam();
+  Block("01/01/2024", 100);
+  OpenSecurity(c.method);
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, c.shares, "500");
+    SellShares_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(ui_.hourglass_depth(), 0);
+  });
+  ui_.Expect(c.text, c.title);
+  ShowSellShares(*app_);
+  EXPECT_EQ(CountClientRows("Sell"), 0);
+  EXPECT_EQ(StoredMethod(), c.method);
+}
+
+const std::string kZero =
+    "The Number of Shares is equal to zero. To make a sale you must have shares to sell. ";
+const std::string kSelect = "To select shares click on the 'Select' button.";
+
+INSTANTIATE_TEST_SUITE_P(
+    Entries, RefusalTest,
+    ::testing::Values(RefusalCase{"NoMethod", kSellNotSelected, 10, "No Sell Method",
+                                  "You must specify a Sell Method to use when selling shares "
+                                  "from this security. Please select one."},
+                      RefusalCase{"ZeroFifo", kSellFifo, 0, "No Shares", kZero},
+                      RefusalCase{"ZeroSpecific", kSellSpecificId, 0, "No Shares", kZero + kSelect},
+                      RefusalCase{"ZeroAverageDouble", kSellAvgDouble, 0, "No Shares",
+                                  kZero + kSelect}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// A zero sale price is asked about: No keeps the dialog open with nothing
+// written, Yes stores the rows with price 0.
+TEST_F(SaleTest, SellShares_OK_ZeroPriceAsked) {
+  Block("01/01/2024", 100);
+  OpenSecurity(kSellFifo);
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 10, "0", "1");
+    SellShares_OK(*app_, form, false);
+    EXPECT_TRUE(SellRows().empty());
+    SellShares_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  });
+  const char* question =
+      "The Sale Price is equal to zero, this is probably a mistake. \nDo still want to enter this "
+      "sale?";
+  ui_.Expect(question, "Sale Price is zero", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(question, "Sale Price is zero", Answer::kYes);
+  ShowSellShares(*app_);
+  EXPECT_EQ(SellRows(), Rows{"01/01/2024-1 -10 0 1"});
+}
+
+// A sale is stored whole or not at all: when the second of its three rows
+// cannot be written, none remains. A file another user is writing refuses
+// the sale with "Sale not completed!", and the same OK succeeds once it is
+// free.
+TEST_F(SaleTest, AddAllSales_SecondWriteFails_NoRowRemains) {
+  for (const char* date : {"01/01/2024", "02/01/2024", "03/01/2024"}) Block(date, 10);
+  OpenSecurity(kSellFifo);
+  StorageFaults faults;
+  app_->storage_faults = &faults;
+  app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults);
+  faults.FailWriteNumber(2);
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 25, "250");
+    SellShares_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+  });
+  ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", "AddSell") +
+                 " The program will now shut down to prevent errors in your data and calculations.",
+             "Warning!", Icon::kCritical, Buttons::kOk);
+  ShowSellShares(*app_);
+  EXPECT_EQ(env_->end_calls(), 1);
+  auto db = Database::Open(client_path_);
+  EXPECT_FALSE(db->Select(R"(SELECT 1 AS x FROM "Sell")").Next());
+  EXPECT_EQ(db->IntegrityCheck(), "ok");
+  app_->storage_faults = nullptr;
+}
+
+TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
+  Block("01/01/2024", 100);
+  OpenSecurity(kSellFifo);
+  Database::SetBusyTimeout(50);
+  app_->client = Database::Open(client_path_);
+  auto other = Database::Open(client_path_);
+  Database::SetBusyTimeout(Database::kDefaultBusyTimeoutMs);
+  auto lock = std::make_unique<Database::Transaction>(*other);
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 40, "400");
+    SellShares_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+    lock.reset();
+    SellShares_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  });
+  ui_.Expect(
+      "the file being accessed is currently unavailable. This is probably because either another "
+      "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been "
+      "opened by another program. \nIf this is the case, you will need to close the file in any "
+      "other applications before this operation can be performed successfully.",
+      "Warning");
+  ui_.Expect(
+      "The Sale of Shares was not completed. If there was an error message you should correct "
+      "that problem first, if possible. You will need to add this Sale again by clicking the OK "
+      "button.",
+      "Sale not completed!", Icon::kCritical, Buttons::kOk);
+  ShowSellShares(*app_);
+  EXPECT_EQ(SellRows(), Rows{"01/01/2024-1 -40 400 0"});
+}
+
+// Modify Entire Sell shows the day's rows as one sale and deletes them
+// before the new sale is selected, so that their shares count again; they
+// stay deleted when the new sale cannot be covered. Under specific
+// identification the selection starts from the old choice.
+class ModEntireSellTest : public SaleTest {
+ protected:
+  void SetUp() override {
+    SaleTest::SetUp();
+    jan_ = Block("01/01/2024", 100);
+    mar_ = Block("03/01/2024", 100);
+    ASSERT_TRUE(AddSell(*app_, jan_, D("06/03/2024"), Money("666.67"), Money("6.67"), -100, "A"));
+    ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("333.33"), Money("3.33"), -50, "A"));
+    ASSERT_TRUE(AddSell(*app_, mar_, D("06/04/2024"), Money("9"), Currency(), -1, "other day"));
+    ui_.Expect(
+        "In-order for the program to modify an entire sell it must assume that any sell "
+        "transaction in the security with the same date is part of the original sell on that "
+        "date. Therefore, if you entered two separate sells that were on the same date as the "
+        "sell you are modifying, it will consider them to be one sell. If this is the case, you "
+        "will need to adjust each sell transaction separately.\n\nDo you want to continue?",
+        "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  }
+
+  int64_t jan_ = 0;
+  int64_t mar_ = 0;
+};
+
+TEST_F(ModEntireSellTest, ShowModEntireSell_Fifo_ReplacesTheDay) {
+  OpenSecurity(kSellFifo);
+  OnSale([&](SellSharesForm& form) {
+    EXPECT_EQ(form.caption, "Modify Entire Sell");
+    EXPECT_EQ(form.date, "06/03/2024");
+    EXPECT_EQ(form.num_shares, 150);
+    EXPECT_EQ(form.total_sale, Money("990"));
+    EXPECT_EQ(form.notes, "A");
+    form.num_shares = 180;
+    SellShares_OK(*app_, form, true);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
+  EXPECT_EQ(SellRows(), (Rows{"01/01/2024-1 -100 555.56 5.56", "03/01/2024-1 -80 444.44 4.44"}));
+  EXPECT_EQ(SellRows("06/04/2024"), Rows{"03/01/2024-1 -1 9 0"});
+  EXPECT_EQ(app_->window.display.total_shares, "19");
+}
+
+TEST_F(ModEntireSellTest, ShowModEntireSell_NotCovered_OldRowsStayDeleted) {
+  OpenSecurity(kSellFifo);
+  OnSale([&](SellSharesForm& form) {
+    form.num_shares = 250;
+    SellShares_OK(*app_, form, true);
+    SellShares_Cancel(*app_, form);
+  });
+  ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
+  ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
+  EXPECT_TRUE(SellRows().empty());
+  EXPECT_EQ(SellRows("06/04/2024"), Rows{"03/01/2024-1 -1 9 0"});
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+}
+
+TEST_F(ModEntireSellTest, ShowModEntireSell_Specific_StartsFromOldChoice) {
+  OpenSecurity(kSellSpecificId);
+  const std::string jan = "01/01/2024-1\t", mar = "03/01/2024-1\t";
+  const std::string jan_no = "\t" + std::to_string(jan_), mar_no = "\t" + std::to_string(mar_);
+  OnSale([&](SellSharesForm& form) {
+    NumSharesSS_Click(*app_, form);
+    EXPECT_EQ(form.num_shares, 110);
+    SellShares_OK(*app_, form, true);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    EXPECT_EQ(form.shares_sold_rows, (Rows{jan + "100" + jan_no, mar + "50" + mar_no}));
+    EXPECT_EQ(form.shares_left_rows, Rows{mar + "49" + mar_no});
+    form.sold_row = 0;
+    SellSpecific_Remove(*app_, form);  // the emptied January block comes back to the left
+    EXPECT_EQ(form.shares_left_rows, (Rows{mar + "49" + mar_no, jan + "40" + jan_no}));
+    SellSpecific_OK(*app_, form);
+  });
+  OnDialog<NumSharesForm>("dlgNumShares", [&](NumSharesForm& form) {
+    EXPECT_EQ(form.note, "Enter the number of shares to remove\n(0 - 100)");
+    form.num_shares = 40;
+    NumShares_OK(*app_, form);
+  });
+  ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
+  EXPECT_EQ(SellRows(), (Rows{"01/01/2024-1 -60 545.45 5.45", "03/01/2024-1 -50 454.55 4.55"}));
+}
+
+}  // namespace
+}  // namespace lotwise::testing

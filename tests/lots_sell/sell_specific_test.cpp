@@ -1,0 +1,170 @@
+#include "lots/sell_specific.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "lots_sell/sale_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+// The user picks the shares block by block: adds to one block merge into
+// one entry, the prompt takes up to exactly the block's remaining shares,
+// removing everything takes the row away, and the total goes into the sale.
+class SellSpecificTest : public SaleTest {
+ protected:
+  void SetUp() override {
+    SaleTest::SetUp();
+    jan_ = Block("01/01/2024", 100);
+    mar_ = Block("03/01/2024", 60.5);
+    OpenSecurity(kSellSpecificId);
+  }
+
+  // Expects the number prompt with `note` and answers `shares` (OK or Cancel).
+  void AnswerPrompt(const std::string& caption, const std::string& note, double shares,
+                    bool ok = true) {
+    OnDialog<NumSharesForm>("dlgNumShares", [=, this](NumSharesForm& form) {
+      EXPECT_EQ(form.caption, caption);
+      EXPECT_EQ(form.note, note);
+      EXPECT_EQ(form.num_shares, form.max_shares);
+      form.num_shares = shares;
+      ok ? NumShares_OK(*app_, form) : NumShares_Cancel(*app_, form);
+    });
+  }
+
+  std::string Row(const char* id, const char* shares, int64_t block_no) {
+    return std::string(id) + "\t" + shares + "\t" + std::to_string(block_no);
+  }
+
+  int64_t jan_ = 0;
+  int64_t mar_ = 0;
+};
+
+TEST_F(SellSpecificTest, SellSpecific_AddTwiceFromOneBlock_OneEntry) {
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 0, "500");
+    NumSharesSS_Click(*app_, form);
+    EXPECT_EQ(form.num_shares, 50);
+    SellShares_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    EXPECT_EQ(form.security, "Intl Business && Machines");
+    EXPECT_EQ(form.shares_left_rows,
+              (Rows{Row("01/01/2024-1", "100", jan_), Row("03/01/2024-1", "60.5", mar_)}));
+    form.left_row = 1;
+    SellSpecific_Add(*app_, form);
+    SellSpecific_Add(*app_, form);
+    EXPECT_EQ(form.shares_sold_rows, Rows{Row("03/01/2024-1", "50", mar_)});
+    EXPECT_EQ(form.shares_left_rows[1], Row("03/01/2024-1", "10.5", mar_));
+    EXPECT_EQ(form.shares_left_total, 110.5);
+    SellSpecific_OK(*app_, form);
+  });
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 60.5)", 30);
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 30.5)", 20);
+  ShowSellShares(*app_);
+  EXPECT_EQ(SellRows(), Rows{"03/01/2024-1 -50 500 0"});
+}
+
+TEST_F(SellSpecificTest, SellSpecific_AllOfBlock_AddedThenRemoved) {
+  OnSale([&](SellSharesForm& form) {
+    ShowSellSpecific(*app_, form);
+    SellShares_Cancel(*app_, form);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    form.left_row = 0;
+    SellSpecific_Add(*app_, form);
+    EXPECT_EQ(form.shares_sold_rows, Rows{Row("01/01/2024-1", "100", jan_)});
+    SellSpecific_Add(*app_, form);  // nothing left in the block
+    SellSpecific_Remove(*app_, form);
+    EXPECT_TRUE(form.shares_sold_rows.empty());
+    EXPECT_TRUE(app_->sale_lists.selected.empty);
+    EXPECT_EQ(form.shares_left_rows[0], Row("01/01/2024-1", "100", jan_));
+    SellSpecific_Remove(*app_, form);  // nothing selected
+    SellSpecific_Cancel(*app_, form);
+  });
+  OnDialog<NumSharesForm>("dlgNumShares", [&](NumSharesForm& form) {
+    for (double refused : {-1.0, 100.00001}) {
+      form.num_shares = refused;
+      NumShares_OK(*app_, form);
+      EXPECT_FALSE(form.closed);
+    }
+    form.num_shares = 100;
+    NumShares_OK(*app_, form);
+    EXPECT_TRUE(form.accepted);
+  });
+  ui_.Expect(
+      "You cannot sell a negative number of shares. Please enter the number of shares as a "
+      "positive number.",
+      "Invalid number of shares", Icon::kInformation, Buttons::kOk);
+  ui_.Expect(
+      "The Block you are selecting shares from only has 100 shares in it. The number you select "
+      "must be less than this amount. Please re-enter the number of shares",
+      "Too many shares");
+  ui_.Expect(
+      "There are no more shares in this block. Please select another block to sell shares from.",
+      "No shares", Icon::kInformation, Buttons::kOk);
+  AnswerPrompt("Remove Shares", "Enter the number of shares to remove\n(0 - 100)", 100);
+  ui_.Expect(
+      "There are no shares to remove from the sale. To add shares to the sale select a Block and "
+      "then click on the 'Add' button.",
+      "Can't remove shares", Icon::kInformation, Buttons::kOk);
+  ShowSellShares(*app_);
+}
+
+// Cancel forgets the selection and zeroes the sale's shares, so that the
+// next visit starts again from the blocks; OK with nothing selected asks,
+// and the sale then refuses its 0 shares.
+TEST_F(SellSpecificTest, SellSpecific_CancelThenOkEmpty) {
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 0, "500");
+    ShowSellSpecific(*app_, form);
+    EXPECT_EQ(form.num_shares, 0);
+    EXPECT_TRUE(app_->sale_lists.left.empty);
+    ShowSellSpecific(*app_, form);
+    SellShares_OK(*app_, form, false);
+    SellShares_Cancel(*app_, form);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    form.left_row = 0;
+    SellSpecific_Add(*app_, form);
+    SellSpecific_Add(*app_, form);
+    EXPECT_EQ(form.shares_sold_total, 5);
+    SellSpecific_Cancel(*app_, form);
+  });
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 100)", 5);
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 95)", 7, false);
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    EXPECT_EQ(form.shares_left_total, 160.5);
+    SellSpecific_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+    SellSpecific_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  const char* question =
+      "You have not selected any shares to sell. This could be a mistake.\nDo you still want to "
+      "exit?";
+  ui_.Expect(question, "No shares selected", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(question, "No shares selected", Answer::kYes);
+  ui_.Expect(
+      "The Number of Shares is equal to zero. To make a sale you must have shares to sell. To "
+      "select shares click on the 'Select' button.",
+      "No Shares");
+  ShowSellShares(*app_);
+  EXPECT_EQ(CountClientRows("Sell"), 0);
+}
+
+TEST_F(SaleTest, ShowSellSpecific_NoShares_NoDialog) {
+  Block("01/01/2024", 10, -10);
+  OpenSecurity(kSellAvgDouble);
+  OnSale([&](SellSharesForm& form) { NumSharesSS_Click(*app_, form); });
+  ui_.Expect(
+      "There are no shares in this security to sell. You may want to verify your transactions "
+      "for this security if you think this is a mistake. You will not be able to make a sale.",
+      "No shares", Icon::kExclamation, Buttons::kOk);
+  ShowSellShares(*app_);
+}
+
+}  // namespace
+}  // namespace lotwise::testing
