@@ -95,4 +95,17 @@ class HourglassGuard {
   UiPort& ui_;
 };
 
+// Shows the help bar's gauge for its lifetime and stops it on every exit
+// path of a long operation.
+class GaugeGuard {
+ public:
+  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
+  ~GaugeGuard() { ui_.StopGauge(); }
+  GaugeGuard(const GaugeGuard&) = delete;
+  GaugeGuard& operator=(const GaugeGuard&) = delete;
+
+ private:
+  UiPort& ui_;
+};
+
 }  // namespace lotwise

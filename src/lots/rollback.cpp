@@ -49,17 +49,6 @@ bool SecurityHasTransactions(Application& app, int64_t sec_id) {
   return q.Next();
 }
 
-// Stops the help bar's gauge on every way out of a roll-back.
-class GaugeGuard {
- public:
-  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
-  ~GaugeGuard() { ui_.StopGauge(); }
-  GaugeGuard(const GaugeGuard&) = delete;
-  GaugeGuard& operator=(const GaugeGuard&) = delete;
-
- private:
-  UiPort& ui_;
-};
 
 }  // namespace
 

@@ -48,17 +48,6 @@ const char* MethodText(int16_t code) {
   return nullptr;
 }
 
-// Starts the help-bar gauge and stops it on every exit path.
-class GaugeGuard {
- public:
-  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
-  ~GaugeGuard() { ui_.StopGauge(); }
-  GaugeGuard(const GaugeGuard&) = delete;
-  GaugeGuard& operator=(const GaugeGuard&) = delete;
-
- private:
-  UiPort& ui_;
-};
 
 void Tell(Application& app, const std::string& text, const char* title, Icon icon) {
   app.ui().MessageBox(text, title, icon, Buttons::kOk);

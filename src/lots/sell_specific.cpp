@@ -11,17 +11,6 @@ namespace lotwise {
 
 namespace {
 
-// Starts the help-bar gauge and stops it on every exit path.
-class GaugeGuard {
- public:
-  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
-  ~GaugeGuard() { ui_.StopGauge(); }
-  GaugeGuard(const GaugeGuard&) = delete;
-  GaugeGuard& operator=(const GaugeGuard&) = delete;
-
- private:
-  UiPort& ui_;
-};
 
 void Tell(Application& app, const std::string& text, const char* title) {
   app.ui().MessageBox(text, title, Icon::kInformation, Buttons::kOk);

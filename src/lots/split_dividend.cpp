@@ -46,17 +46,6 @@ bool CheckRatio(Application& app, SplitDivForm& form, double ratio, const char* 
   return false;
 }
 
-// Keeps the gauge on the help bar for its lifetime.
-class GaugeGuard {
- public:
-  explicit GaugeGuard(UiPort& ui) : ui_(ui) { ui_.StartGauge(); }
-  ~GaugeGuard() { ui_.StopGauge(); }
-  GaugeGuard(const GaugeGuard&) = delete;
-  GaugeGuard& operator=(const GaugeGuard&) = delete;
-
- private:
-  UiPort& ui_;
-};
 
 // The gauge position after step `done` of `count`, within [from, from + span].
 int GaugeAt(int from, int span, size_t done, size_t count) {

@@ -48,22 +48,31 @@ class CheckDBFilesTest : public StartupTest {
 // the row and opens the new-taxpayer dialog filled from it, or indexes a
 // file from its own Client row; Ignore changes nothing. A file that cannot
 // say whose it is (no Client table, or no row in it) can only be deleted
-// or ignored: its Create button is disabled.
+// or ignored: its Create button is disabled. Never offered: the central
+// file's name in any case, and an indexed file whatever the case of its
+// name; "~" scratch files are removed.
+const std::string kDoe = "John Doe|John Doe|DOE01|DOE0101.mdb;";
+
 struct ChoiceCase {
   const char* label;
   ChkFilesChoice choice;
-  const char* index_after;
+  std::string index_after;
 };
 
 class CheckDBFilesChoice : public CheckDBFilesTest,
                            public ::testing::WithParamInterface<ChoiceCase> {};
 
-TEST_P(CheckDBFilesChoice, ActsOnTheChoice) {
+TEST_P(CheckDBFilesChoice, CheckDBFiles_ActsOnEachChoice) {
   const ChkFilesChoice choice = GetParam().choice;
   Index("JONES1", "Jones & Sons", "JONE01.mdb");
   fs::copy_file(app_->ProgramFile(kCentralTemplateName), app_->taxpayer_folder + "ODD1.mdb");
   fs::copy_file(app_->ProgramFile(kClientTemplateName), app_->taxpayer_folder + "ODD2.mdb");
   WriteTaxpayerFile("SMIT01.mdb", "SMITH1", "John Smith");
+  for (const char* name : {"central.mdb", "CENTRAL.MDB", "Central.Mdb", "~LW1234.mdb"}) {
+    WriteText(app_->taxpayer_folder + name, "not a taxpayer file");
+  }
+  WriteTaxpayerFile("doe0101.MDB", "DOE01", "John Doe");
+  Index("DOE01", "John Doe", "DOE0101.mdb");
   ui_.ExpectChkFiles("Taxpayer File Missing...",
                      "There is no Taxpayer File for Jones && Sons. You can:\r\n"
                      "        'Delete' this Taxpayer.\r\n"
@@ -75,7 +84,7 @@ TEST_P(CheckDBFilesChoice, ActsOnTheChoice) {
       auto& f = dynamic_cast<NewModClientForm&>(form);
       EXPECT_EQ(f.caption + "|" + f.client_name + "|" + f.sort_name + "|" + f.client_code,
                 "New Taxpayer|Jones & Sons|Jones & Sons|JONES1");
-      EXPECT_EQ(IndexRows(), "") << "the row goes before the dialog shows";
+      EXPECT_EQ(IndexRows(), kDoe) << "the row goes before the dialog shows";
       EXPECT_EQ(app_->chk_files_result, static_cast<int>(ChkFilesChoice::kCreate));
     });
   }
@@ -99,30 +108,19 @@ TEST_P(CheckDBFilesChoice, ActsOnTheChoice) {
   for (const char* file : {"ODD1.mdb", "ODD2.mdb", "SMIT01.mdb"}) {
     EXPECT_EQ(fs::exists(app_->taxpayer_folder + file), kept) << file;
   }
+  for (const char* file : {"central.mdb", "CENTRAL.MDB", "Central.Mdb", "doe0101.MDB"}) {
+    EXPECT_TRUE(fs::exists(app_->taxpayer_folder + file)) << file;
+  }
+  EXPECT_FALSE(fs::exists(app_->taxpayer_folder + "~LW1234.mdb"));
   EXPECT_EQ(IndexRows(), GetParam().index_after);
 }
 
 const ChoiceCase kChoices[] = {
-    {"Delete", ChkFilesChoice::kDelete, ""},
-    {"Create", ChkFilesChoice::kCreate, "John Smith|Smith, John|SMITH1|SMIT01.mdb;"},
-    {"Ignore", ChkFilesChoice::kIgnore, "Jones & Sons|Jones & Sons|JONES1|JONE01.mdb;"}};
+    {"Delete", ChkFilesChoice::kDelete, kDoe},
+    {"Create", ChkFilesChoice::kCreate, kDoe + "John Smith|Smith, John|SMITH1|SMIT01.mdb;"},
+    {"Ignore", ChkFilesChoice::kIgnore, kDoe + "Jones & Sons|Jones & Sons|JONES1|JONE01.mdb;"}};
 INSTANTIATE_TEST_SUITE_P(Choices, CheckDBFilesChoice, ::testing::ValuesIn(kChoices),
                          [](const auto& info) { return std::string(info.param.label); });
-
-// The central file's name in any case is never a Taxpayer File; an indexed
-// file matches its row whatever the case; "~" scratch files are removed.
-TEST_F(CheckDBFilesTest, CentralNamesAndCaseNeverOffered) {
-  for (const char* name : {"central.mdb", "CENTRAL.MDB", "Central.Mdb"}) {
-    WriteText(app_->taxpayer_folder + name, "not a taxpayer file");
-  }
-  WriteTaxpayerFile("doe0101.MDB", "DOE01", "John Doe");
-  Index("DOE01", "John Doe", "DOE0101.mdb");
-  WriteText(app_->taxpayer_folder + "~LW1234.mdb", "scratch");
-  ASSERT_NO_FATAL_FAILURE(Run());
-  EXPECT_EQ(IndexRows(), "John Doe|John Doe|DOE01|DOE0101.mdb;");
-  EXPECT_FALSE(fs::exists(app_->taxpayer_folder + "~LW1234.mdb"));
-  EXPECT_TRUE(fs::exists(app_->taxpayer_folder + "Central.Mdb"));
-}
 
 }  // namespace
 }  // namespace lotwise

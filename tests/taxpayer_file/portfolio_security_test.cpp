@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/app_state.h"
@@ -129,35 +130,29 @@ TEST_F(PortfolioTest, NewPortModPort_NamesAndRename) {
 
 // Names, symbols and notes holding quotes, wildcards, separators or
 // non-ASCII letters are kept and found exactly.
-struct OddText {
-  const char* label;
-  const char* text;
-};
-
-class OddTextTest : public PortfolioTest, public ::testing::WithParamInterface<OddText> {};
-
-TEST_P(OddTextTest, PortAndSec_OddTextExact) {
-  const std::string text = GetParam().text;
-  ASSERT_TRUE(NewPort(*app_, text, text));
-  EXPECT_EQ(app_->current.port_name + "|" + app_->current.port_2nd_line, text + "|" + text);
-  std::string cusip = text;
-  ASSERT_TRUE(AddSec(*app_, text, "Name " + text, cusip, text, text));
-  EXPECT_EQ(SecsIn(text), 1);
-  EXPECT_EQ(CentralSec(text), "Name " + text + "|" + text);
-  LogChange(*app_, text, 1, Date::FromYmd(2025, 1, 2), text);
-  EXPECT_EQ(Count(R"(SELECT count(*) AS n FROM "Change" WHERE "Description" = "Port Name")"), 1);
-  ASSERT_TRUE(DelPort(*app_, text));
-  EXPECT_EQ(Rows(), "4/4/4/4/4/4");
-  ASSERT_TRUE(DelSecFromCDB(*app_, text));
-  EXPECT_EQ(GetSecInfoFromCDB(*app_, text, "CUSIP"), kSymbolNotInCentral);
-  EXPECT_EQ(GetSecInfoFromCDB(*app_, "IBM", "CUSIP"), kNoCusip);
+TEST_F(PortfolioTest, PortAndSec_OddTextExact) {
+  const std::pair<const char*, std::string> texts[] = {
+      {"DoubleQuote", "A\"B"}, {"Quote", "O'Neil"}, {"Percent", "50%"},      {"Underscore", "P_"},
+      {"Semicolon", "a;DROP"}, {"Dashes", "x--"},   {"NonAscii", "Müller ß"}};
+  long long logged = 0;
+  for (const auto& [label, text] : texts) {
+    SCOPED_TRACE(label);
+    ASSERT_TRUE(NewPort(*app_, text, text));
+    EXPECT_EQ(app_->current.port_name + "|" + app_->current.port_2nd_line, text + "|" + text);
+    std::string cusip = text;
+    ASSERT_TRUE(AddSec(*app_, text, "Name " + text, cusip, text, text));
+    EXPECT_EQ(SecsIn(text), 1);
+    EXPECT_EQ(CentralSec(text), "Name " + text + "|" + text);
+    LogChange(*app_, text, 1, Date::FromYmd(2025, 1, 2), text);
+    EXPECT_EQ(Count(R"(SELECT count(*) AS n FROM "Change" WHERE "Description" = "Port Name")"),
+              ++logged);
+    ASSERT_TRUE(DelPort(*app_, text));
+    EXPECT_EQ(Rows(), "4/4/4/4/4/4");
+    ASSERT_TRUE(DelSecFromCDB(*app_, text));
+    EXPECT_EQ(GetSecInfoFromCDB(*app_, text, "CUSIP"), kSymbolNotInCentral);
+    EXPECT_EQ(GetSecInfoFromCDB(*app_, "IBM", "CUSIP"), kNoCusip);
+  }
 }
-
-const OddText kOddTexts[] = {{"DoubleQuote", "A\"B"}, {"Quote", "O'Neil"},     {"Percent", "50%"},
-                             {"Underscore", "P_"},    {"Semicolon", "a;DROP"}, {"Dashes", "x--"},
-                             {"NonAscii", "Müller ß"}};
-INSTANTIATE_TEST_SUITE_P(Texts, OddTextTest, ::testing::ValuesIn(kOddTexts),
-                         [](const auto& info) { return std::string(info.param.label); });
 
 // AddSec: an unknown symbol goes to the central file first; a symbol the
 // portfolio holds is refused; declining the central add still adds the
