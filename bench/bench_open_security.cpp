@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.h"
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -27,25 +29,9 @@ namespace lotwise {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-
-// Nobody is at the keyboard; any message means something went wrong.
-class SilentUi : public UiPort {
- public:
-  Answer MessageBox(std::string_view, std::string_view, Icon, Buttons) override {
-    ++messages;
-    return Answer::kNo;
-  }
-  void SetHelpBarText(std::string_view) override {}
-  std::string PickFile(const FileRequest&) override { return {}; }
-  std::string PickSaveFile(const FileRequest&) override { return {}; }
-  ChkFilesChoice ChkFiles(std::string_view, std::string_view, bool) override {
-    return ChkFilesChoice::kIgnore;
-  }
-  void RunModal(DialogForm&) override {}
-
-  int messages = 0;
-};
+using bench::Clock;
+using bench::Elapsed;
+using bench::ReportPercentiles;
 
 // A fresh Security Symbols File and Taxpayer File in a folder of their own,
 // opened as the program opens them, with the portfolio "Growth" holding
@@ -53,9 +39,7 @@ class SilentUi : public UiPort {
 class Fixture {
  public:
   explicit Fixture(int blocks) {
-    std::random_device random;
-    folder_ = fs::temp_directory_path() / ("lotwise-bench-" + std::to_string(random()));
-    fs::create_directories(folder_);
+    folder_ = bench::MakeScratchFolder();
     const std::string central = (folder_ / "CENTRAL.MDB").string();
     const std::string client = (folder_ / "BENCH01.mdb").string();
     CreateTemplate(FileKind::kCentral, central);
@@ -106,24 +90,11 @@ class Fixture {
   int messages() const { return ui_.messages; }
 
  private:
-  SilentUi ui_;
+  bench::QuietUi ui_{Answer::kNo};
   SystemEnvironment env_;
   fs::path folder_;
   std::unique_ptr<Application> app_;
 };
-
-// Reports the median and 99th percentile of the calls in milliseconds.
-void ReportPercentiles(benchmark::State& state, std::vector<double> ms) {
-  if (ms.empty()) return;
-  std::sort(ms.begin(), ms.end());
-  auto at = [&](double q) {
-    size_t index = static_cast<size_t>(q * static_cast<double>(ms.size() - 1) + 0.5);
-    return ms[std::min(index, ms.size() - 1)];
-  };
-  state.counters["median_ms"] = at(0.5);
-  state.counters["p99_ms"] = at(0.99);
-  state.counters["max_ms"] = ms.back();
-}
 
 void BM_ShowSecDisplay(benchmark::State& state) {
   const int blocks = static_cast<int>(state.range(0));
@@ -135,7 +106,7 @@ void BM_ShowSecDisplay(benchmark::State& state) {
   for (auto _ : state) {
     auto start = Clock::now();
     ShowSecDisplay(fixture.app(), "IBM");
-    ms.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());
+    ms.push_back(Elapsed(start));
     const SecurityDisplay& display = fixture.app().window.display;
     if (fixture.messages() != 0 || !display.visible ||
         display.blocks.size() != static_cast<size_t>(blocks) || display.transactions.size() != 3 ||

@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.h"
+
 #include <chrono>
 #include <ctime>
 #include <filesystem>
@@ -32,35 +34,16 @@ namespace lotwise {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-
-// Nobody is at the keyboard: every question is answered Yes; a message
-// nobody expects is counted, so that a run that went wrong is reported.
-class YesUi : public UiPort {
- public:
-  Answer MessageBox(std::string_view, std::string_view, Icon, Buttons buttons) override {
-    ++messages;
-    return buttons == Buttons::kOk ? Answer::kOk : Answer::kYes;
-  }
-  void SetHelpBarText(std::string_view) override {}
-  std::string PickFile(const FileRequest&) override { return {}; }
-  std::string PickSaveFile(const FileRequest&) override { return {}; }
-  ChkFilesChoice ChkFiles(std::string_view, std::string_view, bool) override {
-    return ChkFilesChoice::kIgnore;
-  }
-  void RunModal(DialogForm&) override {}
-
-  int messages = 0;
-};
+using bench::Clock;
+using bench::Elapsed;
+using bench::ReportPercentiles;
 
 // A fresh Taxpayer File in a folder of its own with one portfolio holding
 // one security, open in the main window; removed afterwards.
 class Fixture {
  public:
   Fixture() {
-    std::random_device random;
-    folder_ = fs::temp_directory_path() / ("lotwise-bench-" + std::to_string(random()));
-    fs::create_directories(folder_);
+    folder_ = bench::MakeScratchFolder();
     const std::string path = (folder_ / "BENCH01.mdb").string();
     CreateTemplate(FileKind::kTaxpayer, path);
     app_ = std::make_unique<Application>(ui_, env_, folder_.string(), "bench");
@@ -116,15 +99,11 @@ class Fixture {
   Application& app() { return *app_; }
 
  private:
-  YesUi ui_;
+  bench::QuietUi ui_{Answer::kYes};
   SystemEnvironment env_;
   fs::path folder_;
   std::unique_ptr<Application> app_;
 };
-
-double Elapsed(Clock::time_point start) {
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
 
 // The processor time the program itself spent, in milliseconds, without
 // the system's time in writing and flushing the file: on a machine shared

@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include "bench_support.h"
+
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -28,31 +30,16 @@ namespace lotwise {
 namespace {
 
 namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
-
-// Nobody is at the keyboard: every question is answered Yes.
-class YesUi : public UiPort {
- public:
-  Answer MessageBox(std::string_view, std::string_view, Icon, Buttons buttons) override {
-    return buttons == Buttons::kOk ? Answer::kOk : Answer::kYes;
-  }
-  void SetHelpBarText(std::string_view) override {}
-  std::string PickFile(const FileRequest&) override { return {}; }
-  std::string PickSaveFile(const FileRequest&) override { return {}; }
-  ChkFilesChoice ChkFiles(std::string_view, std::string_view, bool) override {
-    return ChkFilesChoice::kIgnore;
-  }
-  void RunModal(DialogForm&) override {}
-};
+using bench::Clock;
+using bench::Elapsed;
+using bench::ReportPercentiles;
 
 // A fresh Taxpayer File in a folder of its own, opened as the program opens
 // it, with one portfolio holding one security; removed afterwards.
 class Fixture {
  public:
   Fixture() {
-    std::random_device random;
-    folder_ = fs::temp_directory_path() / ("lotwise-bench-" + std::to_string(random()));
-    fs::create_directories(folder_);
+    folder_ = bench::MakeScratchFolder();
     const std::string path = (folder_ / "BENCH01.mdb").string();
     CreateTemplate(FileKind::kTaxpayer, path);
     app_ = std::make_unique<Application>(ui_, env_, folder_.string(), "bench");
@@ -106,29 +93,12 @@ class Fixture {
   int64_t sec_id() const { return sec_id_; }
 
  private:
-  YesUi ui_;
+  bench::QuietUi ui_{Answer::kYes};
   SystemEnvironment env_;
   fs::path folder_;
   std::unique_ptr<Application> app_;
   int64_t sec_id_ = 0;
 };
-
-// Reports the median and 99th percentile of the calls in milliseconds.
-void ReportPercentiles(benchmark::State& state, std::vector<double> ms) {
-  if (ms.empty()) return;
-  std::sort(ms.begin(), ms.end());
-  auto at = [&](double q) {
-    size_t index = static_cast<size_t>(q * static_cast<double>(ms.size() - 1) + 0.5);
-    return ms[std::min(index, ms.size() - 1)];
-  };
-  state.counters["median_ms"] = at(0.5);
-  state.counters["p99_ms"] = at(0.99);
-  state.counters["max_ms"] = ms.back();
-}
-
-double Elapsed(Clock::time_point start) {
-  return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
 
 const Date kFirstDay = Date::FromYmd(1990, 1, 2);
 
