@@ -46,7 +46,9 @@ case "${1:-}" in
   run)
     install_missing
     build build -DCMAKE_BUILD_TYPE=Release
-    build/bin/lotwise-cli start
+    # A settings store of the build's own, so that folders designated by
+    # another copy of the program on this machine do not apply to this one.
+    XDG_CONFIG_HOME="$PWD/build/config" build/bin/lotwise-cli start
     ;;
   test)
     install_missing
