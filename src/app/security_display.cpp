@@ -57,14 +57,13 @@ struct SecurityRecord {
   std::optional<int64_t> sell_method;
 };
 
-SecurityRecord GetASecurity(Application& app, const std::string& symbol) {
+// Returns the security's row, or nothing when the portfolio no longer holds
+// it (another user of a shared file may have deleted it).
+std::optional<SecurityRecord> GetASecurity(Application& app, const std::string& symbol) {
   const std::string port = GetCurrPortInfo(app, "[Port Name]");
   Query q =
       ClientFile(app).SelectSaved("Get a Security", {{"sPortName", port}, {"sSecSymbol", symbol}});
-  if (!q.Next()) {
-    throw LwError(err::kUnexpected,
-                  "No current record: security " + symbol + " of portfolio " + port);
-  }
+  if (!q.Next()) return std::nullopt;
   SecurityRecord record;
   record.sec_id = q.Int("Sec ID");
   record.symbol = q.Text("Sec Symbol");
@@ -122,12 +121,20 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
       if (app.ended) return;
     }
 
-    SecurityRecord record = GetASecurity(app, symbol);
-    if (!record.sell_method) {
+    std::optional<SecurityRecord> found = GetASecurity(app, symbol);
+    if (found && !found->sell_method) {
       AddSellMethod(app, symbol, kNotSelectedMethod);
       if (app.ended) return;
-      record = GetASecurity(app, symbol);
+      found = GetASecurity(app, symbol);
     }
+    if (!found) {
+      app.window.display.visible = false;
+      app.ui().MessageBox("The Security " + symbol +
+                              " is no longer in this Portfolio. Another user may have deleted it.",
+                          "Security not found", Icon::kInformation, Buttons::kOk);
+      return;
+    }
+    const SecurityRecord& record = *found;
 
     SecurityDisplay& display = app.window.display;
     display.sec_name = name;

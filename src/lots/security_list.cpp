@@ -93,6 +93,11 @@ void SecList_Select(Application& app, int index) {
         window.securities[static_cast<size_t>(window.selected_security)].symbol;
     ShowSecDisplay(app, symbol);
     if (app.ended) return;
+    // A security that has gone is not opened; the list shows what is left.
+    if (!window.display.visible) {
+      ReloadSecList(app);
+      return;
+    }
     State(app, kSecOpen);
   });
 }

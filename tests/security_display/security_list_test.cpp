@@ -101,5 +101,21 @@ TEST_F(SecurityListTest, SelectAndDisplaySecurity_OpenRow) {
   EXPECT_EQ(State(*app_, kStateQuery), kSecOpen);
 }
 
+// A security deleted by another user of the file since the list was read is
+// reported, not opened, and the list is read again; the program carries on.
+TEST_F(SecurityListTest, SecList_Select_SecurityGone) {
+  AddSecurity("MSFT", "Microsoft");
+  State(*app_, kPortOpen);
+  app_->client->Execute(R"(DELETE FROM "Security" WHERE "Sec Symbol" = 'MSFT')");
+  ui_.Expect(
+      "The Security MSFT is no longer in this Portfolio. Another user may have deleted it.",
+      "Security not found", Icon::kInformation, Buttons::kOk);
+  SecList_Select(*app_, 0);
+  EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
+  EXPECT_FALSE(app_->window.display.visible);
+  EXPECT_TRUE(ListedSymbols().empty());
+  EXPECT_EQ(env_->end_calls(), 0);
+}
+
 }  // namespace
 }  // namespace lotwise::testing
