@@ -18,9 +18,6 @@ namespace lotwise::testing {
 inline Date D(const char* text) { return *Date::Parse(text); }
 inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
-inline const std::string kShutDownAdvice =
-    " The program will now shut down to prevent errors in your data and calculations.";
-
 // An open security "T" ("AT&T") in portfolio "Growth" as the main window shows
 // it, with helpers that play a dialog, select a block and read rows back.
 class LotsTest : public AppTest {
@@ -102,8 +99,10 @@ class LotsTest : public AppTest {
   }
 
   void ExpectFatal(int number, const std::string& text, const std::string& location) {
-    ui_.Expect(ErrorHeader(number, text, location) + kShutDownAdvice, "Warning!", Icon::kCritical,
-               Buttons::kOk);
+    ui_.Expect(ErrorHeader(number, text, location) +
+                   " The program will now shut down to prevent errors in your data and "
+                   "calculations.",
+               "Warning!", Icon::kCritical, Buttons::kOk);
   }
 
   int64_t sec_id_ = 0;

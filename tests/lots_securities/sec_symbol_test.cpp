@@ -119,18 +119,15 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   ASSERT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, 10, Date::FromYmd(2020, 1, 15),
                      Currency::FromDouble(1500), 10, Currency::FromDouble(5), "first"));
 
+  const std::string kDeleteQuestion =
+      "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. Are you "
+      "sure you want to do this?";
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
-    ui_.Expect(
-        "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. "
-        "Are you sure you want to do this?",
-        "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    ui_.Expect(kDeleteQuestion, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(CountCentralRows("Securities"), 1);
 
-    ui_.Expect(
-        "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. "
-        "Are you sure you want to do this?",
-        "Delete Security?", Answer::kYes);
+    ui_.Expect(kDeleteQuestion, "Delete Security?", Answer::kYes);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(ui_.help_texts().back(), "Deleting Security");
     EXPECT_TRUE(list.securities.empty());
@@ -138,9 +135,8 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   });
   ShowSecSymbol(*app_);
   EXPECT_EQ(CountCentralRows("Securities"), 0);
-  EXPECT_EQ(CountClientRows("Security"), 1);
-  EXPECT_EQ(CountClientRows("Blocks"), 1);
-  EXPECT_EQ(CountClientRows("Buy"), 1);
+  for (const char* table : {"Security", "Blocks", "Buy"})
+    EXPECT_EQ(CountClientRows(table), 1) << table;
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 

@@ -53,6 +53,14 @@ class SplitDivTest : public LotsTest {
     form.blocks = blocks;
   }
 
+  // A "Stock Split" form for all blocks, as OK finds it without a dialog.
+  static SplitDivForm AllBlocksForm(const char* date, double pre, double post) {
+    SplitDivForm form;
+    form.caption = "Stock Split";
+    Type(form, date, pre, post, SplitDivForm::kAllBlocks);
+    return form;
+  }
+
   void EnterAll(int16_t type, const char* date, double pre, double post, const char* notes = "") {
     ASSERT_TRUE(AddAllSplitDivs(*app_, type, D(date), pre, post, notes, SplitDivForm::kAllBlocks));
   }
@@ -143,9 +151,7 @@ TEST_F(SplitDivTest, AllBlocksEmpty_WritesNothingAndSaysSo) {
   BuyShares("04/01/2024", 10, "100");
   LoadBlocks();
   ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
-  SplitDivForm form;
-  form.caption = "Stock Split";
-  Type(form, "03/01/2024", 2, 1, SplitDivForm::kAllBlocks);
+  SplitDivForm form = AllBlocksForm("03/01/2024", 2, 1);
   PressOkSplitDiv(*app_, form);
   EXPECT_TRUE(form.closed);
   EXPECT_EQ(CountClientRows("Split"), 0);
@@ -169,9 +175,7 @@ TEST_P(SplitRefusalTest, Ok_BadInput_NothingWritten) {
   const RefusalCase& c = GetParam();
   LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
   ui_.Expect(c.message, c.title);
-  SplitDivForm form;
-  form.caption = "Stock Split";
-  Type(form, c.date, c.pre, c.post, SplitDivForm::kAllBlocks);
+  SplitDivForm form = AllBlocksForm(c.date, c.pre, c.post);
   PressOkSplitDiv(*app_, form);
   EXPECT_FALSE(form.closed);
   EXPECT_EQ(CountClientRows("Split"), 0);
@@ -206,9 +210,7 @@ TEST_F(SplitDivTest, AllBlocks_SecondWriteFails_NoRowRemains) {
   faults_.FailWriteNumber(2);
   ExpectFatal(err::kSqliteBase + 10, "disk I/O error (injected)", "AddSplit");
   ui_.Expect(kNotMade, "Transaction not completed", Icon::kExclamation, Buttons::kOk);
-  SplitDivForm form;
-  form.caption = "Stock Split";
-  Type(form, "03/01/2024", 2, 1, SplitDivForm::kAllBlocks);
+  SplitDivForm form = AllBlocksForm("03/01/2024", 2, 1);
   PressOkSplitDiv(*app_, form);
   EXPECT_FALSE(form.closed);
   EXPECT_EQ(CountOnDisk("Split"), 0);
