@@ -162,6 +162,17 @@ std::optional<Query> FindTransaction(Application& app, std::string_view table, i
   return std::nullopt;
 }
 
+// Writes a modification's change-log lines and its row together, or
+// neither. Returns false when the log could not be written.
+bool WriteModification(Application& app, ChangeLines& lines, std::string_view update_sql,
+                       const Params& params) {
+  Database::Transaction unit(*app.client);
+  if (!lines.Write(app)) return false;
+  app.client->Execute(update_sql, params);
+  unit.Commit();
+  return true;
+}
+
 }  // namespace
 
 bool AddBuy(Application& app, int64_t sec_id, std::string& block_id, int16_t type, Date date,
@@ -324,18 +335,16 @@ bool ModifySell(Application& app, int64_t unique_id, Date date, Currency sale_pr
     lines.Compare("Shares", row->Double("Shares"), shares);
     row.reset();
 
-    Database::Transaction unit(*app.client);
-    if (!lines.Write(app)) return false;
-    app.client->Execute(R"(UPDATE "Sell" SET "Date" = :date, "Sale Price" = :price, "Fee" = :fee, )"
-                        R"("Shares" = :shares, "Notes" = :notes WHERE "Unique ID" = :id)",
-                        {{"date", date},
-                         {"price", sale_price},
-                         {"fee", fee},
-                         {"shares", shares},
-                         {"notes", notes},
-                         {"id", unique_id}});
-    unit.Commit();
-    return true;
+    return WriteModification(
+        app, lines,
+        R"(UPDATE "Sell" SET "Date" = :date, "Sale Price" = :price, "Fee" = :fee, )"
+        R"("Shares" = :shares, "Notes" = :notes WHERE "Unique ID" = :id)",
+        {{"date", date},
+         {"price", sale_price},
+         {"fee", fee},
+         {"shares", shares},
+         {"notes", notes},
+         {"id", unique_id}});
   });
 }
 
@@ -349,14 +358,11 @@ bool ModifySplit(Application& app, int64_t unique_id, Date date, double shares,
     lines.Compare("Shares", row->Double("Shares"), shares);
     row.reset();
 
-    Database::Transaction unit(*app.client);
-    if (!lines.Write(app)) return false;
-    app.client->Execute(
+    return WriteModification(
+        app, lines,
         R"(UPDATE "Split" SET "Date" = :date, "Shares" = :shares, "Notes" = :notes )"
         R"(WHERE "Unique ID" = :id)",
         {{"date", date}, {"shares", shares}, {"notes", notes}, {"id", unique_id}});
-    unit.Commit();
-    return true;
   });
 }
 
@@ -371,14 +377,11 @@ bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost,
     lines.Compare("Shares", row->Double("Shares"), shares);
     row.reset();
 
-    Database::Transaction unit(*app.client);
-    if (!lines.Write(app)) return false;
-    app.client->Execute(
+    return WriteModification(
+        app, lines,
         R"(UPDATE "Adjust" SET "Date" = :date, "Cost" = :cost, "Shares" = :shares, )"
         R"("Notes" = :notes WHERE "Unique ID" = :id)",
         {{"date", date}, {"cost", cost}, {"shares", shares}, {"notes", notes}, {"id", unique_id}});
-    unit.Commit();
-    return true;
   });
 }
 

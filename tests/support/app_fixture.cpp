@@ -111,4 +111,20 @@ long long AppTest::CountCentralRows(const std::string& table) {
   return q.Int("n");
 }
 
+std::string AppTest::CentralRow(const std::string& code) {
+  Query q = app_->central->Select(
+      R"(SELECT * FROM "Clients" WHERE "Client Code" = :c COLLATE BINARY)", {{"c", code}});
+  if (!q.Next()) return "-";
+  return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
+         q.Text("File Name");
+}
+
+std::string AppTest::ClientRow(const std::string& file_name) {
+  auto db = Database::Open(app_->taxpayer_folder + file_name, Database::Mode::kReadOnly);
+  Query q = db->Select(R"(SELECT * FROM "Client")");
+  if (!q.Next()) return "-";
+  return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
+         q.Text("2nd Line") + "|" + q.Text("Year End");
+}
+
 }  // namespace lotwise::testing

@@ -36,6 +36,10 @@ class AppTest : public ::testing::Test {
   // Counts the rows of a table of the open Taxpayer File / central file.
   long long CountClientRows(const std::string& table);
   long long CountCentralRows(const std::string& table);
+  // "name|sort|code|file" of the central row with exactly this code, or "-".
+  std::string CentralRow(const std::string& code);
+  // "name|sort|code|2nd line|year end" of the Client row of a Taxpayer File.
+  std::string ClientRow(const std::string& file_name);
 
   // The folder of this test's files, ending in a separator.
   std::string root_;

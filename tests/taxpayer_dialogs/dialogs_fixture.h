@@ -32,24 +32,6 @@ class DialogsTest : public AppTest {
         {{"c", code}, {"n", name}, {"s", sort}, {"f", file}});
   }
 
-  // "name|sort|code|file" of the central row with exactly this code, or "-".
-  std::string CentralRow(const std::string& code) {
-    Query q = app_->central->Select(
-        R"(SELECT * FROM "Clients" WHERE "Client Code" = :c COLLATE BINARY)", {{"c", code}});
-    if (!q.Next()) return "-";
-    return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
-           q.Text("File Name");
-  }
-
-  // "name|sort|code|2nd line|year end" of the Client row of a Taxpayer File.
-  std::string ClientRow(const std::string& file_name) {
-    auto db = Database::Open(app_->taxpayer_folder + file_name, Database::Mode::kReadOnly);
-    Query q = db->Select(R"(SELECT * FROM "Client")");
-    if (!q.Next()) return "-";
-    return q.Text("Client Name") + "|" + q.Text("Sort Name") + "|" + q.Text("Client Code") + "|" +
-           q.Text("2nd Line") + "|" + q.Text("Year End");
-  }
-
   // Expects the dialog of type Form and plays `script` on it.
   template <class Form>
   void ExpectForm(std::function<void(Form&)> script) {
