@@ -13,6 +13,7 @@ PACKAGES=(
   build-essential cmake ninja-build pkg-config
   libsqlite3-dev libsqlitecpp-dev libfmt-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
+  libhpdf-dev poppler-utils
 )
 
 as_root() {

@@ -6,6 +6,8 @@
 
 namespace lotwise {
 
+struct ReportDocument;
+
 enum class Icon { kNone, kCritical, kQuestion, kExclamation, kInformation };
 enum class Buttons { kOk, kOkCancel, kYesNo, kYesNoCancel, kRetryCancel };
 enum class Answer { kOk, kCancel, kYes, kNo, kRetry };
@@ -74,6 +76,19 @@ class UiPort {
 
   // Shows a dialog modally until the user closes it.
   virtual void RunModal(DialogForm& form) = 0;
+
+  // Destination 0 of a report: shows the laid-out report in the viewer
+  // window (captioned with the report's title) at 100 % zoom.
+  virtual void ShowReport(const ReportDocument& report) { (void)report; }
+  // Destination 1: prints the report on the current printer. Returns 0, or
+  // the report engine's error number: 20513 when the print job was
+  // cancelled, 20526 when there is no default printer.
+  virtual int PrintReport(const ReportDocument& report) {
+    (void)report;
+    return 0;
+  }
+  // The printer set-up dialog. Returns false when the user cancelled it.
+  virtual bool PrintSetup() { return false; }
 
   // Prints plain lines of text (the removed-blocks list and the like).
   virtual void PrintLines(std::string_view title, const std::vector<std::string>& lines) {

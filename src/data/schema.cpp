@@ -273,10 +273,14 @@ const std::array kTaxpayerQueries = {
 };
 
 const std::array kReportQueries = {
-    // A pool's rows in the order they were computed.
+    // A pool's rows in date order: the lots feed it block after block, but
+    // an average must see every lot held on a sale's date. Mirror rows carry
+    // the same-date precedence as TransNo, transfers 100 (after the day's
+    // transactions); ties keep the order written.
     SavedQuery{"Get Basis Rpt Trans",
                R"(SELECT "Transaction", "Date", "Date Acqrd", "Shares", "Sale Price", "Fee", "Cost", )"
-               R"("TransNo", "Trans Row" FROM "BA Trans" WHERE "Block No" = :lBlockNo ORDER BY "Trans Row")"},
+               R"("TransNo", "Trans Row" FROM "BA Trans" WHERE "Block No" = :lBlockNo )"
+               R"(ORDER BY "Date", "TransNo", "Trans Row")"},
 };
 
 struct SizedField {

@@ -43,6 +43,12 @@ void AppTest::SetUp() {
   for (const char* name : {kCentralTemplateName, kClientTemplateName, kReportTemplateName}) {
     fs::copy_file(TemplateFolder() + name, JoinPath(program_folder_, name));
   }
+  // The report definition files ship beside the program.
+  for (const auto& entry : fs::directory_iterator(LOTWISE_REPORT_DEFINITIONS_DIR)) {
+    if (entry.path().extension() == ".RPT") {
+      fs::copy_file(entry.path(), JoinPath(program_folder_, entry.path().filename().string()));
+    }
+  }
   fs::create_directories(root_ + "tmp");
   fs::create_directories(root_ + "data/central");
   fs::create_directories(root_ + "data/client");
@@ -54,6 +60,8 @@ void AppTest::SetUp() {
   app_->taxpayer_folder = root_ + "data/client/";
   app_->central_path = app_->ssf_folder + kCentralFileName;
   app_->ini_path = JoinPath(program_folder_, "lotwise.INI");
+  app_->report_db_path = root_ + "tmp/~LWTEST.MDB";
+  fs::copy_file(JoinPath(program_folder_, kReportTemplateName), app_->report_db_path);
 }
 
 void AppTest::TearDown() {

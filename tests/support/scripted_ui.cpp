@@ -148,4 +148,11 @@ void ScriptedUi::PrintLines(std::string_view title, const std::vector<std::strin
   printed_.insert(printed_.end(), lines.begin(), lines.end());
 }
 
+void ScriptedUi::ShowReport(const ReportDocument& report) { reports_shown_.push_back(report); }
+
+int ScriptedUi::PrintReport(const ReportDocument& report) {
+  if (print_result_ == 0) reports_printed_.push_back(report);
+  return print_result_;
+}
+
 }  // namespace lotwise::testing

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/ui_port.h"
+#include "reports/report_document.h"
 
 namespace lotwise::testing {
 
@@ -42,6 +43,11 @@ class ScriptedUi : public UiPort {
   int hourglass_depth() const { return hourglass_depth_; }
   int gauge_percent() const { return gauge_percent_; }
   const std::vector<std::string>& printed() const { return printed_; }
+  // The reports shown (destination screen) and printed, in order.
+  const std::vector<ReportDocument>& reports_shown() const { return reports_shown_; }
+  const std::vector<ReportDocument>& reports_printed() const { return reports_printed_; }
+  // What PrintReport answers from now on (0, 20513 cancelled, 20526 no printer).
+  void SetPrintResult(int result) { print_result_ = result; }
 
   Answer MessageBox(std::string_view text, std::string_view title, Icon icon,
                     Buttons buttons) override;
@@ -58,6 +64,8 @@ class ScriptedUi : public UiPort {
                           bool create_enabled) override;
   void RunModal(DialogForm& form) override;
   void PrintLines(std::string_view title, const std::vector<std::string>& lines) override;
+  void ShowReport(const ReportDocument& report) override;
+  int PrintReport(const ReportDocument& report) override;
 
  private:
   enum class Kind { kMessage, kChkFiles, kPick, kDialog };
@@ -80,6 +88,9 @@ class ScriptedUi : public UiPort {
   std::vector<std::string> help_texts_;
   std::vector<std::string> shown_;
   std::vector<std::string> printed_;
+  std::vector<ReportDocument> reports_shown_;
+  std::vector<ReportDocument> reports_printed_;
+  int print_result_ = 0;
   int hourglass_depth_ = 0;
   int gauge_percent_ = 0;
 };
