@@ -1,139 +1,33 @@
 // lotwise-cli: the program without its window, one subcommand per task.
 #include <CLI/CLI.hpp>
-#include <filesystem>
-#include <iostream>
-#include <string>
-#include <system_error>
+#include <vector>
 
-#include "app/application.h"
-#include "app/paths.h"
-#include "app/startup.h"
-#include "console_ui.h"
-#include "data/central_file.h"
-#include "data/database.h"
-
-namespace lotwise {
-namespace {
-
-namespace fs = std::filesystem;
-
-// The folder of the executable holds its INI file and the templates.
-struct ProgramLocation {
-  std::string folder;
-  std::string base_name;
-};
-
-ProgramLocation LocateProgram(const char* argv0) {
-  std::error_code ec;
-  fs::path exe = fs::read_symlink("/proc/self/exe", ec);
-  if (ec) exe = fs::weakly_canonical(fs::absolute(argv0), ec);
-  return {exe.parent_path().string(), exe.stem().string()};
-}
-
-// One run of the program: the console in place of the window.
-struct Session {
-  Session(const ProgramLocation& location, bool assume_yes)
-      : ui(std::cout, std::cerr, assume_yes), app(ui, env, location.folder, location.base_name) {}
-
-  ConsoleUi ui;
-  ConsoleEnvironment env;
-  Application app;
-};
-
-std::string DataVersion(Database& central) {
-  try {
-    Query query = central.Select(R"(SELECT "Version" FROM "Version")");
-    return query.Next() ? query.Text("Version") : "(none)";
-  } catch (const LwError& error) {
-    return "(unreadable: " + error.text() + ")";
-  }
-}
-
-long long CountIndexed(Database& central) {
-  Query query = central.Select(R"(SELECT count(*) AS n FROM "Clients")");
-  query.Next();
-  return query.Int("n");
-}
-
-struct StartOptions {
-  std::string data_folder;
-  bool assume_yes = false;
-};
-
-// `start`: the start-up and shut-down of the program against its data
-// folders, telling what happened on the way.
-int RunStart(const ProgramLocation& location, const StartOptions& options) {
-  Session session(location, options.assume_yes);
-  Application& app = session.app;
-  std::ostream& out = std::cout;
-
-  std::string ini_path = app.ProgramFile(app.exe_base_name + ".INI");
-  out << "program folder: " << app.program_folder << '\n';
-  out << "INI file: " << ini_path << (FileExists(ini_path) ? "" : " (absent: defaults)") << '\n';
-
-  if (!options.data_folder.empty()) {
-    std::error_code ec;
-    fs::path folder = fs::absolute(options.data_folder, ec);
-    if (!ec) fs::create_directories(folder, ec);
-    if (ec || !fs::is_directory(folder)) {
-      std::cerr << "cannot use data folder " << options.data_folder << ": " << ec.message() << '\n';
-      return 2;
-    }
-    app.forced_data_folder = WithTrailingSeparator(folder.string());
-    out << "data folder for this run: " << app.forced_data_folder
-        << " (settings store and INI file left alone)\n";
-  }
-
-  // Settling the folders first tells whether the central file was there
-  // before the start; Main settles them again to the same result.
-  SetDBPathsAndNames(app, ini_path);
-  bool central_existed = !app.ended && FileExists(app.ssf_folder + kCentralFileName);
-
-  if (app.ended || !Main(app)) {
-    out << "start-up failed: the program has ended\n";
-    return 1;
-  }
-  out << "Security Symbols File folder: " << app.ssf_folder << '\n';
-  out << "Taxpayer File folder: " << app.taxpayer_folder << '\n';
-  if (FileExists(app.report_db_path)) {
-    out << "report database created: " << app.report_db_path << '\n';
-  }
-  out << "Security Symbols File " << (central_existed ? "opened: " : "created: ")
-      << app.central_path << '\n';
-  out << "data version: " << DataVersion(*app.central) << '\n';
-  out << "taxpayers reconciled: " << CountIndexed(*app.central) << " indexed, "
-      << session.ui.chk_files_asked() << " mismatches left as they are\n";
-  out << "usage count: " << GetUsageCount(app) << '\n';
-  out << "state: CLIENTCLOSED\n";
-
-  std::string report_db = app.report_db_path;
-  EndProgram(app);
-  out << "shut down\n";
-  bool removed = !FileExists(report_db) && !FileExists(report_db + "-journal");
-  out << (removed ? "scratch report database removed: " : "scratch report database NOT removed: ")
-      << report_db << '\n';
-  if (!removed) return 1;
-  return session.env.end_requested() ? session.env.exit_code() : 0;
-}
-
-}  // namespace
-}  // namespace lotwise
+#include "commands.h"
 
 int main(int argc, char** argv) {
-  using namespace lotwise;
-  CLI::App cli{"Lotwise without its window"};
-  cli.require_subcommand(1);
+  using namespace lotwise::cli;
+  CLI::App parser{"Lotwise without its window"};
+  parser.require_subcommand(1);
 
-  StartOptions start;
-  CLI::App* start_command =
-      cli.add_subcommand("start", "Start the program against its data folders and shut it down");
-  start_command->add_option("--data", start.data_folder,
-                            "Use this folder for both data folders in this run only");
-  start_command->add_flag("--yes", start.assume_yes, "Answer Yes/OK to every question");
+  Context context;
+  context.location = LocateProgram(argv[0]);
+  parser.add_option("--data", context.global.data_folder,
+                    "Use this folder for both data folders in this run only");
+  parser.add_flag("--yes", context.global.assume_yes, "Answer Yes/OK to every question");
 
-  CLI11_PARSE(cli, argc, argv);
+  std::vector<Command> commands;
+  AddStartCommand(parser, context, commands);
+  AddEntityCommands(parser, context, commands);
+  AddImportCommand(parser, context, commands);
+  AddReportCommands(parser, context, commands);
+  AddDemoCommand(parser, context, commands);
+  // The global options may also follow the subcommand's name.
+  for (CLI::App* subcommand : parser.get_subcommands({})) subcommand->fallthrough();
 
-  ProgramLocation location = LocateProgram(argv[0]);
-  if (start_command->parsed()) return RunStart(location, start);
+  CLI11_PARSE(parser, argc, argv);
+
+  for (const Command& command : commands) {
+    if (command.subcommand->parsed()) return command.run();
+  }
   return 0;
 }

@@ -1,0 +1,9 @@
+#include <CLI/CLI.hpp>
+
+#include "commands.h"
+
+namespace lotwise::cli {
+
+void AddReportCommands(CLI::App&, Context&, std::vector<Command>&) {}
+
+}  // namespace lotwise::cli
