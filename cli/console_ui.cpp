@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "app/lw_error.h"
+
 namespace lotwise {
 
 namespace {
@@ -43,7 +45,10 @@ std::string ConsoleUi::PickFile(const FileRequest& request) {
   return {};
 }
 
-std::string ConsoleUi::PickSaveFile(const FileRequest& request) { return PickFile(request); }
+std::string ConsoleUi::PickSaveFile(const FileRequest& request) {
+  if (save_file_answer_.empty()) return PickFile(request);
+  return save_file_answer_;
+}
 
 ChkFilesChoice ConsoleUi::ChkFiles(std::string_view caption, std::string_view text, bool) {
   ++chk_files_asked_;
@@ -53,12 +58,20 @@ ChkFilesChoice ConsoleUi::ChkFiles(std::string_view caption, std::string_view te
 }
 
 void ConsoleUi::RunModal(DialogForm& form) {
+  if (modal_handler_ && modal_handler_(form)) return;
   err_ << form.Name() << ": cannot be shown without a window; closed\n";
 }
 
 void ConsoleUi::PrintLines(std::string_view title, const std::vector<std::string>& lines) {
   out_ << title << '\n';
   for (const std::string& line : lines) out_ << line << '\n';
+}
+
+void ConsoleUi::ShowReport(const ReportDocument& report) { reports_.push_back(report); }
+
+int ConsoleUi::PrintReport(const ReportDocument& report) {
+  err_ << report.title << ": no printer can be used without a window\n";
+  return err::kNoDefaultPrinter;
 }
 
 }  // namespace lotwise

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -7,14 +8,17 @@
 
 #include "app/environment.h"
 #include "app/ui_port.h"
+#include "reports/report_document.h"
 
 namespace lotwise {
 
 // The UI port of the command-line front: every message goes to the error
 // stream as "title: text"; a question takes the answer that --yes gives
 // (Yes, OK, Retry) or else the one that changes nothing (No, Cancel); the
-// reconciliation dialog is always answered Ignore, pickers are cancelled,
-// and a dialog that needs a window is reported and closed unseen.
+// reconciliation dialog is always answered Ignore, pickers are cancelled
+// unless a command gave the file, a dialog is filled by the command's
+// handler or else reported and closed unseen, reports shown are kept for
+// the command to save, and nothing can be printed.
 class ConsoleUi : public UiPort {
  public:
   ConsoleUi(std::ostream& out, std::ostream& err, bool assume_yes)
@@ -29,6 +33,18 @@ class ConsoleUi : public UiPort {
                           bool create_enabled) override;
   void RunModal(DialogForm& form) override;
   void PrintLines(std::string_view title, const std::vector<std::string>& lines) override;
+  void ShowReport(const ReportDocument& report) override;
+  // There is no printer without a window: answers 20526 (no default printer).
+  int PrintReport(const ReportDocument& report) override;
+
+  // Plays the user's part on a modal dialog; returns true iff it handled
+  // the dialog (filled it and pressed its buttons).
+  using ModalHandler = std::function<bool(DialogForm&)>;
+  void SetModalHandler(ModalHandler handler) { modal_handler_ = std::move(handler); }
+  // The save-file picker answers this path (empty: cancelled).
+  void SetSaveFileAnswer(std::string path) { save_file_answer_ = std::move(path); }
+  // The reports shown so far, in order.
+  const std::vector<ReportDocument>& reports() const { return reports_; }
 
   // How many reconciliation questions were answered (all with Ignore).
   int chk_files_asked() const { return chk_files_asked_; }
@@ -39,6 +55,9 @@ class ConsoleUi : public UiPort {
   std::ostream& out_;
   std::ostream& err_;
   bool assume_yes_;
+  ModalHandler modal_handler_;
+  std::string save_file_answer_;
+  std::vector<ReportDocument> reports_;
   int chk_files_asked_ = 0;
   int messages_shown_ = 0;
 };
