@@ -20,8 +20,11 @@ bool VerifyDatesTL(Application& app, const std::string& begin_text, const std::s
                    Date& begin, Date& end);
 
 // Empties and fills "Usage", "TL Info", "TL Port", "TL Sec" and "TL Trans"
-// for the filters ("*" = not restricted) and the inclusive date range.
-// Returns true iff complete.
+// for the filters ("*" = not restricted) and the inclusive date range, all
+// in one unit of work (a failed run leaves the previous run's rows).
+// "TL Trans" rows carry the shares as stored: sales negative, the shares
+// that left the block. Cost and Fee are 0 where the kind has none; [Sale
+// Price] is set for sales only. Returns true iff complete.
 bool CalcTransListRpt(Application& app, const std::string& port_filter,
                       const std::string& sec_filter, Date begin, Date end);
 

@@ -1,0 +1,178 @@
+#include "reports/listings.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <tuple>
+#include <utility>
+
+#include "app/app_state.h"
+#include "data/central_file.h"
+#include "data/taxpayer_file.h"
+#include "reports/trans_list.h"
+#include "reports_listings/listing_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+// Another program's lock on the file, as the user is told of it.
+const char* const kBusyWarning =
+    "the file being accessed is currently unavailable. This is probably because either another "
+    "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been opened by "
+    "another program. \nIf this is the case, you will need to close the file in any other "
+    "applications before this operation can be performed successfully.";
+
+using Runner = std::function<bool(Application&)>;
+
+// Indexed taxpayers DOE01 (open; portfolios Growth and Income), ZED03 (a
+// file without portfolios) and ABC02, whose file is gone. Growth holds IBM
+// (FIFO) and MSFT; Income holds MSFT and GHOST, a symbol unknown to the
+// Security Symbols File and without a sell-method row.
+class ListingTest : public ReportTest {
+ protected:
+  void SetUp() override {
+    ReportTest::SetUp();
+    OpenFreshCentral();
+    OpenFreshTaxpayer();
+    app_->client->Execute(R"(UPDATE "Client" SET "2nd Line" = '& Jane Doe ')");
+    std::string cusip = "459200101";
+    ASSERT_TRUE(NewPort(*app_, "Growth", "Main account"));
+    ASSERT_TRUE(AddSec(*app_, "IBM", "IBM Corp", cusip, "Blue chip", "Growth"));
+    cusip = kNoCusip;
+    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Growth"));
+    ASSERT_TRUE(NewPort(*app_, "Income", ""));
+    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Income"));
+    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+                          R"(VALUES ('GHOST', 'Income', ' '))");
+    app_->client->Execute(
+        R"(UPDATE "Sell Method" SET "Sell Method" = 1 WHERE "Sec Symbol" = 'IBM')");
+    WriteTaxpayerFile("ZED0301.mdb", "ZED03", "Zed Able");
+    Database::Open(app_->taxpayer_folder + "ZED0301.mdb")
+        ->Execute(R"(UPDATE "Client" SET "2nd Line" = 'Trust ')");
+    app_->central->Execute(
+        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") VALUES )"
+        R"(('ZED03', 'Zed Able', 'Able, Zed', 'ZED0301.mdb'), )"
+        R"(('ABC02', 'Alice Brown', 'Brown, Alice', 'ABC0201.mdb'))");
+  }
+
+  Rows Table(const char* table) {
+    return ReportRows(std::string("SELECT * FROM \"") + table + "\" ORDER BY rowid");
+  }
+};
+
+// The taxpayer listing in both orders: every indexed taxpayer, the one
+// without a file marked and without portfolios. Run twice, one run's rows.
+TEST_F(ListingTest, CreateClientReportTables_BothSorts) {
+  const std::string doe = "John Doe|John Doe|DOE01|John Doe & Jane Doe|2025-12-31|DOE0101.mdb|-";
+  const std::string zed = "Zed Able|Able, Zed|ZED03|Zed Able Trust|2025-12-31|ZED0301.mdb|-";
+  const std::string abc = "Alice Brown|Brown, Alice|ABC02|-|-|ABC0201.mdb|Taxpayer File Missing";
+  for (auto [sort, expected] : {std::pair{ClientSort::kCode, Rows{abc, doe, zed}},
+                                std::pair{ClientSort::kName, Rows{zed, abc, doe}}}) {
+    ASSERT_TRUE(CreateClientReportTables(*app_, sort));
+    EXPECT_EQ(Table("Client Report"), expected);
+    EXPECT_EQ(Table("Portfolio Report"), (Rows{"Growth|Main account |DOE01", "Income| |DOE01"}));
+    EXPECT_EQ(Count("Usage"), "1");
+  }
+}
+
+// The security listing of the taxpayer and of the open portfolio: names and
+// CUSIPs from the Security Symbols File, sell methods by name, the heading
+// row of the open taxpayer.
+TEST_F(ListingTest, CreateSecReportTables_BothLists) {
+  const std::string missing = kSymbolNotInCentral;
+  const std::string ibm = "Growth|IBM|IBM Corp|459200101|Blue chip |FIFO";
+  const std::string msft = "Growth|MSFT|MSFT Corp|NO CUSIP| |NOT SELECTED";
+  app_->window.state = kPortOpen;
+  for (auto [list_from, expected] :
+       {std::pair{0, Rows{"Income|GHOST|" + missing + "|" + missing + "| |NOT SELECTED", ibm, msft,
+                          "Income|MSFT|MSFT Corp|NO CUSIP| |NOT SELECTED"}},
+        std::pair{1, Rows{ibm, msft}}}) {
+    app_->current.port_name = "Growth";
+    ASSERT_TRUE(CreateSecReportTables(*app_, list_from));
+    EXPECT_EQ(Table("Sec List Report"), expected);
+    EXPECT_EQ(Table("Client Report"), Rows{"John Doe|-|DOE01|-|-|-|-"});
+    EXPECT_EQ(Count("Usage"), "1");
+  }
+}
+
+// Refusals come before any table is touched: the portfolio's list with
+// only the taxpayer open, and a list-from value that does not exist.
+TEST_F(ListingTest, SecListing_RefusedUntouched) {
+  const char* const no_port =
+      "You must have a Portfolio open to view or print a report from a Portfolio. Either select "
+      "'this Taxpayer' or open a Portfolio first.";
+  app_->window.state = kClientOpen;
+  Report()->Execute(R"(INSERT INTO "Sec List Report" ("Sec Symbol") VALUES ('old'))");
+  const std::tuple<Runner, const char*, const char*, Icon> cases[] = {
+      {[](Application& app) { return RunSecReport(app, ReportDestination::kScreen, 1, 0); },
+       no_port, "No Portfolio open", Icon::kInformation},
+      {[](Application& app) { return CreateSecReportTables(app, 1); }, no_port, "No Portfolio open",
+       Icon::kInformation},
+      {[](Application& app) { return CreateSecReportTables(app, 2); },
+       "Error in CSOptListFrom.listindex in CreateSecReportTables", "Error", Icon::kCritical}};
+  for (const auto& [run, text, title, icon] : cases) {
+    ui_.Expect(text, title, icon, Buttons::kOk);
+    EXPECT_FALSE(run(*app_)) << text;
+    EXPECT_EQ(Table("Sec List Report"), Rows{"-|old|-|-|-|-"});
+    EXPECT_EQ(Count("Usage"), "0");
+  }
+}
+
+// Tables that cannot be filled (another program locks the report database)
+// are reported, then each listing refuses in its own words; no report runs
+// and the program carries on.
+TEST_F(ListingTest, Listing_TablesFail_Refused) {
+  const std::tuple<Runner, const char*, const char*, const char*> cases[] = {
+      {[](Application& app) {
+         return RunClientReport(app, ReportDestination::kScreen, ClientSort::kCode);
+       },
+       "The report can't be generated. If an error was reported you should try to correct it "
+       "first and then try the report again.",
+       "Can't Create Report", "Preparing Taxpayer Report, Please Wait..."},
+      {[](Application& app) { return RunSecReport(app, ReportDestination::kScreen, 0, 0); },
+       "The Report can not be generated. If an error message was displayed you should try to "
+       "correct the error first.You will need to run the report again.",
+       "Can't create Report", "Preparing Security Listing Report, Please wait..."}};
+  Database::SetBusyTimeout(50);
+  auto other = Report();
+  Database::Transaction lock(*other);
+  other->Execute(R"(INSERT INTO "Usage" ("Usage Count") VALUES (7))");
+  for (const auto& [run, text, title, status] : cases) {
+    ui_.Expect(kBusyWarning, "Warning", Icon::kInformation, Buttons::kOk);
+    ui_.Expect(text, title, Icon::kExclamation, Buttons::kOk);
+    EXPECT_FALSE(run(*app_));
+    EXPECT_EQ(ui_.help_texts().back(), status);
+  }
+  Database::SetBusyTimeout(Database::kDefaultBusyTimeoutMs);
+  EXPECT_TRUE(ui_.reports_shown().empty());
+  EXPECT_EQ(env_->end_calls(), 0);
+}
+
+// Each listing, once filled, runs its report file under its own title to
+// the chosen destination.
+TEST_F(ListingTest, Listing_RunsReport) {
+  app_->current.port_name = "Growth";
+  app_->window.state = kPortOpen;
+  const std::pair<std::function<bool(Application&, ReportDestination)>, const char*> cases[] = {
+      {[](Application& app, ReportDestination to) {
+         return RunTransListRpt(app, ReportScope::kPortfolio, "01/01/2024", "12/31/2024", to);
+       },
+       "Transaction Listing Report"},
+      {[](Application& app, ReportDestination to) {
+         return RunClientReport(app, to, ClientSort::kName);
+       },
+       "Taxpayer Listing Report"},
+      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 1, 0); },
+       "Security Listing Report"},
+      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 0, 1); },
+       "Security Listing Report"}};
+  for (const auto& [run, title] : cases) {
+    ASSERT_TRUE(run(*app_, ReportDestination::kScreen)) << title;
+    ASSERT_TRUE(run(*app_, ReportDestination::kPrinter)) << title;
+    EXPECT_EQ(ui_.reports_shown().back().title, title);
+    EXPECT_EQ(ui_.reports_printed().back().title, title);
+  }
+}
+
+}  // namespace
+}  // namespace lotwise::testing

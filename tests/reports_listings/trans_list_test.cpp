@@ -1,0 +1,201 @@
+#include "reports/trans_list.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <utility>
+
+#include "app/app_state.h"
+#include "app/number_text.h"
+#include "data/central_file.h"
+#include "data/taxpayer_file.h"
+#include "data/transaction_store.h"
+#include "reports_listings/listing_fixture.h"
+
+namespace lotwise::testing {
+namespace {
+
+const char* const kRefusedRange =
+    "The Ending Date must be after the beginning date. Please correct this.";
+
+std::string BadDate(const std::string& label, const std::string& text) {
+  return "The " + label + " entered as " + text + " is not valid.  Please re-enter the " + label +
+         ". If you are cancelling, click OK, and then click Cancel again.";
+}
+
+// Portfolios Bonds (VBTLX), Growth (IBM, MSFT) and Income (empty). IBM's
+// two blocks carry a transaction of every kind, each on its own date.
+class TransListTest : public ReportTest {
+ protected:
+  void SetUp() override {
+    ReportTest::SetUp();
+    OpenFreshCentral();
+    OpenFreshTaxpayer();
+    app_->current.client_2nd_line = "& Jane Doe ";
+    for (auto [port, symbols] :
+         {std::pair{"Growth", "IBM MSFT"}, {"Income", ""}, {"Bonds", "VBTLX"}}) {
+      ASSERT_TRUE(NewPort(*app_, port, ""));
+      std::istringstream words(symbols);
+      for (std::string symbol; words >> symbol;) {
+        std::string cusip = kNoCusip;
+        ASSERT_TRUE(AddSec(*app_, symbol, symbol + " Corp", cusip, "", port));
+      }
+    }
+    const int64_t a = Buy("IBM", kTypeBuy, "01/02/2024", 100, "1000", "5");
+    const int64_t b = Buy("IBM", kTypeReinvest, "03/01/2024", 10, "120", "0");
+    ASSERT_TRUE(AddSell(*app_, a, D("06/03/2024"), Money("500"), Money("7"), -40, ""));
+    ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("07/01/2024"), 1, 2, 60, ""));
+    ASSERT_TRUE(AddAdjust(*app_, a, D("09/03/2024"), 0, Money("-25.5"), ""));
+    ASSERT_TRUE(AddSplit(*app_, b, kTypeDividend, D("08/01/2024"), 1, 10, 1, ""));
+    Buy("MSFT", kTypeBuy, "12/31/2024", 5, "2000", "0");
+    Buy("VBTLX", kTypeBuy, "01/01/2024", 50, "500", "0");
+    app_->window.state = kClientOpen;
+  }
+
+  int64_t Buy(const char* symbol, int16_t type, const char* date, double shares, const char* cost,
+              const char* fee) {
+    Query sec = app_->client->Select(R"(SELECT "Sec ID" FROM "Security" WHERE "Sec Symbol" = :s)",
+                                     {{"s", symbol}});
+    EXPECT_TRUE(sec.Next());
+    std::string block_id;
+    EXPECT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, type, D(date), Money(cost), shares,
+                       Money(fee), ""));
+    Query q = app_->client->Select(R"(SELECT max("Block No") AS n FROM "Blocks")");
+    q.Next();
+    return q.Int("n");
+  }
+
+  // "symbol|date|transaction|shares|cost|fee|sale price" in the order written.
+  Rows Trans() {
+    auto report = Report();
+    Query q = report->Select(R"(SELECT S."Sec Symbol", T.* FROM "TL Trans" AS T JOIN "TL Sec" )"
+                             R"(AS S ON S."Sec ID" = T."Sec ID" ORDER BY T.rowid)");
+    Rows rows;
+    while (q.Next()) {
+      rows.push_back(q.Text("Sec Symbol") + "|" + q.DateValue("Date").ToString() + "|" +
+                     q.Text("Transaction") + "|" + NumberText(q.Double("Shares")) + "|" +
+                     q.Money("Cost").ToString() + "|" + q.Money("Fee").ToString() + "|" +
+                     (q.IsNull("Sale Price") ? "-" : q.Money("Sale Price").ToString()));
+    }
+    return rows;
+  }
+};
+
+const Rows kIbm = {
+    "IBM|01/02/2024|Buy|100|1000|5|-",       "IBM|03/01/2024|Reinvestment|10|120|0|-",
+    "IBM|06/03/2024|Sell|-40|0|7|500",       "IBM|07/01/2024|Stock Split 1 for 2|60|0|0|-",
+    "IBM|09/03/2024|Adjustment|0|-25.5|0|-", "IBM|08/01/2024|Stock Div. 1 per 10|1|0|0|-",
+};
+const std::string kMsft = "MSFT|12/31/2024|Buy|5|2000|0|-";
+const Rows kAllPorts = {"Bonds", "Growth", "Income"};
+const Rows kAllSecs = {"Bonds|VBTLX Corp|VBTLX", "Growth|IBM Corp|IBM", "Growth|MSFT Corp|MSFT"};
+
+// Each scope and range lists its portfolios (even one without securities),
+// their securities, and the transactions with both bounds included: per
+// security the buys, then block by block sales, splits and adjustments.
+// Run twice, the tables hold one run.
+struct ScopeCase {
+  const char *name, *port, *sec, *begin, *end;
+  Rows ports, secs, trans;
+  const char* type;
+};
+
+class TransListScopeTest : public TransListTest, public ::testing::WithParamInterface<ScopeCase> {};
+
+TEST_P(TransListScopeTest, CalcTransListRpt_FillsScope) {
+  const ScopeCase& c = GetParam();
+  for (int run = 0; run < 2; ++run) {
+    ASSERT_TRUE(CalcTransListRpt(*app_, c.port, c.sec, D(c.begin), D(c.end)));
+  }
+  EXPECT_EQ(ReportRows(R"(SELECT "Port Name" FROM "TL Port" ORDER BY rowid)"), c.ports);
+  EXPECT_EQ(
+      ReportRows(R"(SELECT "Port Name", "Sec Name", "Sec Symbol" FROM "TL Sec" ORDER BY rowid)"),
+      c.secs);
+  EXPECT_EQ(Trans(), c.trans);
+  EXPECT_EQ(ReportRows(R"(SELECT * FROM "TL Info")"),
+            Rows{std::string("John Doe|DOE01|John Doe & Jane Doe|") + D(c.begin).ToIso() + "|" +
+                 D(c.end).ToIso() + "|" + c.type});
+  EXPECT_EQ(Count("Usage"), "1");
+  EXPECT_EQ(Report()->IntegrityCheck(), "ok");
+}
+
+Rows Growth() {
+  Rows growth = kIbm;
+  growth.push_back(kMsft);
+  return growth;
+}
+Rows All() {
+  Rows all = Growth();
+  all.insert(all.begin(), "VBTLX|01/01/2024|Buy|50|500|0|-");
+  return all;
+}
+
+const Rows kNone;
+const Rows kGrowthPort = {"Growth"};
+const Rows kGrowthSecs = {kAllSecs[1], kAllSecs[2]};
+const Rows kMsftSec = {kAllSecs[2]};
+const Rows kOnBounds = {kIbm[2], kIbm[3]};
+
+INSTANTIATE_TEST_SUITE_P(
+    Scopes, TransListScopeTest,
+    ::testing::Values(ScopeCase{"Taxpayer", "*", "*", "01/01/1900", "12/31/9999", kAllPorts,
+                                kAllSecs, All(), "Taxpayer"},
+                      ScopeCase{"Portfolio", "Growth", "*", "01/01/1900", "12/31/9999", kGrowthPort,
+                                kGrowthSecs, Growth(), "Portfolio"},
+                      ScopeCase{"Security", "Growth", "MSFT", "01/01/1900", "12/31/9999",
+                                kGrowthPort, kMsftSec, Rows{kMsft}, "Security"},
+                      ScopeCase{"BoundsIncluded", "*", "*", "06/03/2024", "07/01/2024", kAllPorts,
+                                kAllSecs, kOnBounds, "Taxpayer"},
+                      ScopeCase{"PortfolioWithoutSecurities", "Income", "*", "01/01/1900",
+                                "12/31/9999", Rows{"Income"}, kNone, kNone, "Portfolio"}),
+    [](const ::testing::TestParamInfo<ScopeCase>& info) { return info.param.name; });
+
+// The run is refused, touching no table, for a bad range (both texts
+// checked and named; the end must lie after the beginning), then for a
+// scope above the open state.
+struct RefusalCase {
+  const char* name;
+  ReportScope scope;
+  int16_t state;
+  const char *begin, *end;
+  std::vector<std::pair<std::string, std::string>> messages;  // text, title, in order
+};
+
+class TransListRefusalTest : public TransListTest,
+                             public ::testing::WithParamInterface<RefusalCase> {};
+
+TEST_P(TransListRefusalTest, RunTransListRpt_Refused) {
+  const RefusalCase& c = GetParam();
+  app_->window.state = c.state;
+  app_->current.port_name = "Growth";
+  for (const auto& [text, title] : c.messages) ui_.Expect(text, title);
+  EXPECT_FALSE(RunTransListRpt(*app_, c.scope, c.begin, c.end, ReportDestination::kScreen));
+  EXPECT_EQ(Count("TL Info") + Count("Usage"), "00");
+  EXPECT_TRUE(ui_.reports_shown().empty());
+}
+
+using Messages = std::vector<std::pair<std::string, std::string>>;
+const Messages kRangeRefused = {{kRefusedRange, "Please Correct!"}};
+const Messages kBothBad = {{BadDate("Beginning Date", "02/30/2024"), "Invalid Date"},
+                           {BadDate("Ending Date", "  /  /    "), "Invalid Date"}};
+const Messages kNeedSecurity = {
+    {"You must have a security open to do a Transaction Listing on one.", "Invalid Input"}};
+const Messages kNeedPortfolio = {
+    {"You must have a portfolio open that has at least one security "
+     "in it to do a Transaction Listing on it.",
+     "Invalid Input"}};
+
+INSTANTIATE_TEST_SUITE_P(
+    Refusals, TransListRefusalTest,
+    ::testing::Values(RefusalCase{"EqualDates", ReportScope::kTaxpayer, kSecOpen, "06/03/2024",
+                                  "06/03/2024", kRangeRefused},
+                      RefusalCase{"BothDatesBad", ReportScope::kSecurity, kClientOpen, "02/30/2024",
+                                  "  /  /    ", kBothBad},
+                      RefusalCase{"SecurityNotOpen", ReportScope::kSecurity, kPortOpen,
+                                  "01/01/2024", "01/02/2024", kNeedSecurity},
+                      RefusalCase{"PortfolioNotOpen", ReportScope::kPortfolio, kClientOpen,
+                                  "01/01/2024", "01/02/2024", kNeedPortfolio}),
+    [](const ::testing::TestParamInfo<RefusalCase>& info) { return info.param.name; });
+
+}  // namespace
+}  // namespace lotwise::testing
