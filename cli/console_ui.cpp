@@ -21,9 +21,19 @@ std::string ConsoleText(std::string_view text) {
 
 }  // namespace
 
-Answer ConsoleUi::MessageBox(std::string_view text, std::string_view title, Icon, Buttons buttons) {
+void ConsoleUi::Emit(std::string text, Icon icon) {
+  if (capture_ != nullptr) {
+    capture_->push_back({std::move(text), icon});
+  } else {
+    err_ << text << '\n';
+  }
+}
+
+Answer ConsoleUi::MessageBox(std::string_view text, std::string_view title, Icon icon,
+                             Buttons buttons) {
   ++messages_shown_;
-  err_ << title << ": " << ConsoleText(text) << '\n';
+  Emit(std::string(title) + ": " + ConsoleText(text), icon);
+  if (auto it = answers_by_title_.find(title); it != answers_by_title_.end()) return it->second;
   switch (buttons) {
     case Buttons::kOk:
       return Answer::kOk;
@@ -41,7 +51,7 @@ Answer ConsoleUi::MessageBox(std::string_view text, std::string_view title, Icon
 void ConsoleUi::SetHelpBarText(std::string_view) {}
 
 std::string ConsoleUi::PickFile(const FileRequest& request) {
-  err_ << request.title << ": no file can be picked without a window; cancelled\n";
+  Emit(request.title + ": no file can be picked without a window; cancelled", Icon::kNone);
   return {};
 }
 
@@ -52,14 +62,14 @@ std::string ConsoleUi::PickSaveFile(const FileRequest& request) {
 
 ChkFilesChoice ConsoleUi::ChkFiles(std::string_view caption, std::string_view text, bool) {
   ++chk_files_asked_;
-  err_ << caption << ": " << ConsoleText(text) << '\n';
-  err_ << caption << ": answered Ignore\n";
+  Emit(std::string(caption) + ": " + ConsoleText(text), Icon::kNone);
+  Emit(std::string(caption) + ": answered Ignore", Icon::kNone);
   return ChkFilesChoice::kIgnore;
 }
 
 void ConsoleUi::RunModal(DialogForm& form) {
   if (modal_handler_ && modal_handler_(form)) return;
-  err_ << form.Name() << ": cannot be shown without a window; closed\n";
+  Emit(std::string(form.Name()) + ": cannot be shown without a window; closed", Icon::kNone);
 }
 
 void ConsoleUi::PrintLines(std::string_view title, const std::vector<std::string>& lines) {
@@ -70,7 +80,7 @@ void ConsoleUi::PrintLines(std::string_view title, const std::vector<std::string
 void ConsoleUi::ShowReport(const ReportDocument& report) { reports_.push_back(report); }
 
 int ConsoleUi::PrintReport(const ReportDocument& report) {
-  err_ << report.title << ": no printer can be used without a window\n";
+  Emit(report.title + ": no printer can be used without a window", Icon::kNone);
   return err::kNoDefaultPrinter;
 }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <iosfwd>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,8 +42,14 @@ class ConsoleUi : public UiPort {
   // the dialog (filled it and pressed its buttons).
   using ModalHandler = std::function<bool(DialogForm&)>;
   void SetModalHandler(ModalHandler handler) { modal_handler_ = std::move(handler); }
+  const ModalHandler& modal_handler() const { return modal_handler_; }
   // The save-file picker answers this path (empty: cancelled).
   void SetSaveFileAnswer(std::string path) { save_file_answer_ = std::move(path); }
+  // Questions titled `title` take `answer` whatever --yes says (a command
+  // that decides a question by its own option).
+  void SetAnswerFor(std::string title, Answer answer) {
+    answers_by_title_[std::move(title)] = answer;
+  }
   // The reports shown so far, in order.
   const std::vector<ReportDocument>& reports() const { return reports_; }
 
@@ -51,15 +58,32 @@ class ConsoleUi : public UiPort {
   // How many messages were shown.
   int messages_shown() const { return messages_shown_; }
 
+  // One line the console shows: a message as "title: text", a dialog closed
+  // unseen, or a note of the front itself; with the message's icon.
+  struct ShownLine {
+    std::string text;
+    Icon icon = Icon::kNone;
+  };
+  // While a capture is set, every line goes there instead of to the error
+  // stream, so that a command can tell which of its steps said what and
+  // print it in its own words; null prints them again.
+  void SetCapture(std::vector<ShownLine>* capture) { capture_ = capture; }
+  // A line of the front itself (not one of the program's messages).
+  void Note(std::string_view text) { Emit(std::string(text), Icon::kNone); }
+
  private:
   std::ostream& out_;
   std::ostream& err_;
   bool assume_yes_;
   ModalHandler modal_handler_;
   std::string save_file_answer_;
+  std::map<std::string, Answer, std::less<>> answers_by_title_;
   std::vector<ReportDocument> reports_;
   int chk_files_asked_ = 0;
   int messages_shown_ = 0;
+  std::vector<ShownLine>* capture_ = nullptr;
+
+  void Emit(std::string text, Icon icon);
 };
 
 // The real surroundings, except that the end of the process is only noted:

@@ -53,14 +53,14 @@ bool Session::Start() {
 bool Session::OpenTaxpayer(const std::string& code) {
   if (app.ended) return false;
   if (OpenClient(app, code) && !app.ended) return true;
-  std::cerr << "taxpayer " << code << " could not be opened\n";
+  ui.Note("taxpayer " + code + " could not be opened");
   return false;
 }
 
 bool Session::OpenPortfolio(const std::string& name) {
   if (app.ended) return false;
   if (OpenPort(app, name) && !app.ended) return true;
-  std::cerr << "portfolio " << name << " could not be opened\n";
+  ui.Note("portfolio " + name + " could not be opened");
   return false;
 }
 
@@ -68,7 +68,7 @@ bool Session::OpenSecurity(const std::string& symbol) {
   if (app.ended) return false;
   DisplaySecurity(app, symbol);
   if (!app.ended && app.window.state == kSecOpen && app.current.sec_symbol == symbol) return true;
-  std::cerr << "security " << symbol << " could not be opened\n";
+  ui.Note("security " + symbol + " could not be opened");
   return false;
 }
 

@@ -2,7 +2,8 @@
 # Sets up a Debian 12 machine for Lotwise, builds it, and runs the program,
 # the test suite or the benchmarks.
 #
-#   bash scripts/lotwise.sh run     install what is missing, build, run the program
+#   bash scripts/lotwise.sh run     install what is missing, build, run the demo (sample
+#                                   taxpayer, every report as PDF, CSV and JSON)
 #   bash scripts/lotwise.sh test    install what is missing, build, run every test
 #                                   (plain build, then AddressSanitizer + UBSan build)
 #   bash scripts/lotwise.sh bench   install what is missing, build, run the benchmarks
@@ -13,7 +14,7 @@ PACKAGES=(
   build-essential cmake ninja-build pkg-config
   libsqlite3-dev libsqlitecpp-dev libfmt-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
-  libhpdf-dev poppler-utils
+  libhpdf-dev poppler-utils libcsv-dev
 )
 
 as_root() {
@@ -47,9 +48,11 @@ case "${1:-}" in
   run)
     install_missing
     build build -DCMAKE_BUILD_TYPE=Release
-    # A settings store of the build's own, so that folders designated by
-    # another copy of the program on this machine do not apply to this one.
-    XDG_CONFIG_HOME="$PWD/build/config" build/bin/lotwise-cli start
+    # The sample taxpayer and every report, in a fresh folder each time. A
+    # settings store of the build's own, so that folders designated by
+    # another copy of the program on this machine stay as they are.
+    rm -rf build/demo
+    XDG_CONFIG_HOME="$PWD/build/config" build/bin/lotwise-cli demo --out build/demo
     ;;
   test)
     install_missing

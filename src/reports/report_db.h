@@ -28,8 +28,16 @@ void ClearReportTables(Database& report_db, std::initializer_list<std::string_vi
 void AddUsageRow(Application& app, Database& report_db);
 
 // The heading tables join name and second line with one blank (the second
-// line is stored with a trailing blank, so it is trimmed first).
+// line is stored with a trailing blank, so it is trimmed first); a blank
+// second line gives the name alone.
 std::string JoinNameAnd2ndLine(const std::string& name, const std::string& second_line);
+
+// The storage form of a date ("yyyy-mm-dd", as Date::ToIso writes it and
+// Date::ParseIso reads it), without the formatted I/O those use: the basis
+// walk converts a few dates for every transaction of a taxpayer. Reading
+// text that is no such date gives the empty date.
+std::string ReportDateText(Date date);
+Date ReportDate(std::string_view text);
 
 // One "BA Trans" row.
 struct BATransRow {

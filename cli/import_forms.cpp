@@ -1,0 +1,82 @@
+#include "import_forms.h"
+
+#include "app/app_state.h"
+#include "app/application.h"
+#include "data/database.h"
+#include "data/portfolio_dialogs.h"
+#include "data/query_builders.h"
+#include "lots/add_mod_sec.h"
+
+namespace lotwise::cli {
+
+DialogPlay::DialogPlay(ConsoleUi& ui, ConsoleUi::ModalHandler play)
+    : ui_(ui), previous_(ui.modal_handler()) {
+  ui_.SetModalHandler(std::move(play));
+}
+
+DialogPlay::~DialogPlay() { ui_.SetModalHandler(std::move(previous_)); }
+
+std::optional<std::string> FindPortfolio(Application& app, const std::string& name) {
+  Query port = Select(*app.client, Query_GetPort(name));
+  if (!port.Next()) return std::nullopt;
+  return port.Text("Port Name");
+}
+
+std::optional<std::string> FindSecurity(Application& app, const std::string& port_name,
+                                        const std::string& symbol) {
+  Query security = app.client->Select(
+      R"(SELECT "Sec Symbol" FROM "Security" WHERE "Port Name" = :port AND "Sec Symbol" = :symbol)",
+      {{"port", port_name}, {"symbol", symbol}});
+  if (!security.Next()) return std::nullopt;
+  return security.Text("Sec Symbol");
+}
+
+bool NewPortfolio(Session& session, const std::string& name, const std::string& second_line) {
+  Application& app = session.app;
+  bool created = false;
+  DialogPlay play(session.ui, [&](DialogForm& dialog) {
+    auto* form = dynamic_cast<NewModPortForm*>(&dialog);
+    if (form == nullptr) return false;
+    form->port_name = name;
+    form->second_line = second_line;
+    NewModPort_OK(app, *form);
+    created = form->closed && !app.ended;
+    // A refused name leaves the dialog open; the user gives up.
+    if (!form->closed) NewModPort_Cancel(app, *form);
+    return true;
+  });
+  ShowNewPort(app);
+  return created && State(app, kStateQuery) == kPortOpen;
+}
+
+bool AddSecurity(Session& session, const SecurityFields& fields) {
+  Application& app = session.app;
+  bool pressed = false;
+  bool gave_up = false;
+  bool added = false;
+  DialogPlay play(session.ui, [&](DialogForm& dialog) {
+    auto* form = dynamic_cast<AddModSecForm*>(&dialog);
+    if (form == nullptr) return false;
+    // A refused entry shows the dialog again: the user gives up then
+    // rather than pressing OK on the same values for ever.
+    if (pressed) {
+      gave_up = true;
+      AddModSec_Cancel(app, *form);
+      return true;
+    }
+    pressed = true;
+    form->symbol = fields.symbol;
+    // Leaving the symbol box fills in what the Security Symbols File knows.
+    FillInNameCusip(app, *form);
+    if (!fields.name.empty()) form->sec_name = fields.name;
+    if (!fields.cusip.empty()) form->cusip = fields.cusip;
+    form->second_line = fields.second_line;
+    AddModSec_Ok(app, *form);
+    added = form->closed && !gave_up && !app.ended;
+    return true;
+  });
+  ShowAddSec(app);
+  return added && State(app, kStateQuery) == kSecOpen;
+}
+
+}  // namespace lotwise::cli

@@ -1,0 +1,149 @@
+#include "report_output.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <ostream>
+#include <system_error>
+#include <utility>
+
+#include "app/lw_error.h"
+#include "data/database.h"
+#include "lots/sell_method.h"
+#include "lots/sell_shares.h"
+#include "report_json.h"
+#include "reports/pdf_writer.h"
+
+namespace lotwise::cli {
+
+const std::vector<std::string> kBasisTables = {"Usage",     "BA Info",  "BA Secs",
+                                               "BA Blocks", "BA Trans", "Sched D"};
+const std::vector<std::string> kTransListTables = {"Usage", "TL Info", "TL Port", "TL Sec",
+                                                   "TL Trans"};
+const std::vector<std::string> kTaxpayerListTables = {"Usage", "Client Report", "Portfolio Report"};
+const std::vector<std::string> kSecurityListTables = {"Usage", "Client Report", "Sec List Report"};
+
+namespace {
+
+constexpr const char* kExportQuestionTitle = "Schedule D Export File";
+
+// Whether and when a file was last written, to tell that a run wrote it
+// (an export file of an earlier run may lie there).
+struct FileStamp {
+  bool exists = false;
+  std::filesystem::file_time_type written;
+  friend bool operator==(const FileStamp&, const FileStamp&) = default;
+};
+
+FileStamp StampOf(const std::string& path) {
+  std::error_code ec;
+  if (path.empty() || !std::filesystem::exists(path, ec)) return {};
+  const auto written = std::filesystem::last_write_time(path, ec);
+  return ec ? FileStamp{} : FileStamp{true, written};
+}
+
+bool SameNameIgnoringCase(const std::string& a, const std::string& b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
+    return std::tolower(x) == std::tolower(y);
+  });
+}
+
+}  // namespace
+
+int16_t SellMethodFromName(const std::string& name) {
+  static const std::array<std::pair<const char*, int16_t>, 4> kNames{{
+      {"FIFO", kSellFifo},
+      {"Specific", kSellSpecificId},
+      {"AvgSingle", kSellAvgSingle},
+      {"AvgDouble", kSellAvgDouble},
+  }};
+  for (const auto& [text, code] : kNames) {
+    if (SameNameIgnoringCase(name, text)) return code;
+  }
+  return kSellNotSelected;
+}
+
+bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
+                           int16_t unsold_method, const std::string& csv_path) {
+  ConsoleUi& ui = session.ui;
+  Application& app = session.app;
+  ui.SetAnswerFor(kExportQuestionTitle, csv_path.empty() ? Answer::kNo : Answer::kYes);
+  ui.SetSaveFileAnswer(csv_path);
+  const ConsoleUi::ModalHandler previous = ui.modal_handler();
+  ui.SetModalHandler([&app, &ui, &previous, unsold_method](DialogForm& dialog) {
+    auto* form = dynamic_cast<MethodForm*>(&dialog);
+    if (form == nullptr) return previous && previous(dialog);
+    if (unsold_method == kSellNotSelected) {
+      ui.Note(form->message_line +
+              ": no sell method chosen yet; left out of the report (see --unsold-method)");
+      Method_Cancel(app, *form);
+      return true;
+    }
+    form->method = unsold_method;
+    form->option1 = true;
+    Method_OK(app, *form);
+    return true;
+  });
+  const FileStamp csv_before = StampOf(csv_path);
+  const bool ran = RunBasisSchedDReport(app, request);
+  ui.SetModalHandler(previous);
+  ui.SetSaveFileAnswer({});
+  if (ran && !csv_path.empty() && StampOf(csv_path) == csv_before) {
+    ui.Note("the Schedule D export file was not written: " + csv_path);
+    return false;
+  }
+  return ran;
+}
+
+bool WriteTablesJson(Session& session, const std::vector<std::string>& tables,
+                     const std::string& path) {
+  std::string json;
+  try {
+    auto report_db = Database::Open(session.app.report_db_path, Database::Mode::kReadOnly);
+    json = ReportTablesJson(*report_db, tables);
+  } catch (const LwError& error) {
+    std::cerr << "cannot read the report tables for " << path << ": " << error.text() << '\n';
+    return false;
+  }
+  errno = 0;
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out << json;
+  out.close();
+  if (!out) {
+    std::cerr << "cannot write " << path;
+    if (errno != 0) std::cerr << ": " << std::strerror(errno);
+    std::cerr << '\n';
+    return false;
+  }
+  return true;
+}
+
+bool WriteDocumentsPdf(const std::vector<ReportDocument>& documents, const std::string& path) {
+  try {
+    WriteReportPdf(documents, path);
+    return true;
+  } catch (const LwError& error) {
+    std::cerr << "cannot write " << path << ": " << error.text() << '\n';
+    return false;
+  }
+}
+
+void PrintDocuments(std::ostream& out, const std::vector<ReportDocument>& documents) {
+  for (size_t i = 0; i < documents.size(); ++i) {
+    if (i > 0) out << '\f';
+    out << documents[i].PlainText();
+  }
+}
+
+std::vector<ReportDocument> DocumentsSince(const Session& session, size_t first) {
+  const std::vector<ReportDocument>& shown = session.ui.reports();
+  if (first >= shown.size()) return {};
+  return {shown.begin() + static_cast<std::ptrdiff_t>(first), shown.end()};
+}
+
+}  // namespace lotwise::cli

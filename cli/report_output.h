@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "reports/basis_report.h"
+#include "reports/report_document.h"
+#include "session.h"
+
+namespace lotwise::cli {
+
+// The report tables each kind of run fills, in the order the JSON lists them.
+extern const std::vector<std::string> kBasisTables;
+extern const std::vector<std::string> kTransListTables;
+extern const std::vector<std::string> kTaxpayerListTables;
+extern const std::vector<std::string> kSecurityListTables;
+
+// Parses a sell method's command-line name (FIFO, Specific, AvgSingle,
+// AvgDouble; any case). Returns its code, or kSellNotSelected for any other
+// text.
+int16_t SellMethodFromName(const std::string& name);
+
+// A basis or Schedule D run without a window: securities that have no sell
+// method yet get `unsold_method` for the whole run ("Use for all Securities
+// without Sells"), or are left out when it is kSellNotSelected; the export
+// file is written to `csv_path` when not empty and declined otherwise,
+// whatever --yes says. Returns true iff RunBasisSchedDReport succeeded and
+// the export file asked for was written.
+bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
+                           int16_t unsold_method, const std::string& csv_path);
+
+// Writes `tables` of the run's report database as JSON (ReportTablesJson) to
+// `path`. Returns true iff written; otherwise says why on the error stream.
+bool WriteTablesJson(Session& session, const std::vector<std::string>& tables,
+                     const std::string& path);
+// Writes the documents into one PDF at `path`. Returns true iff written;
+// otherwise says why on the error stream.
+bool WriteDocumentsPdf(const std::vector<ReportDocument>& documents, const std::string& path);
+// Writes the documents' plain text, a form feed between two documents as
+// between two pages.
+void PrintDocuments(std::ostream& out, const std::vector<ReportDocument>& documents);
+
+// The documents shown since the first `first` of this session.
+std::vector<ReportDocument> DocumentsSince(const Session& session, size_t first);
+
+}  // namespace lotwise::cli

@@ -1,0 +1,188 @@
+#include "reports/basis_report.h"
+
+#include <string>
+#include <vector>
+
+#include "app/app_state.h"
+#include "app/application.h"
+#include "app/current_context.h"
+#include "app/error_handler.h"
+#include "app/ui_port.h"
+#include "app/value_helpers.h"
+#include "data/database.h"
+#include "reports/basis_walk.h"
+#include "reports/report_db.h"
+#include "reports/report_runner.h"
+#include "reports/sched_d_export.h"
+
+namespace lotwise {
+
+namespace {
+
+const char* ScopeType(ReportScope scope) {
+  switch (scope) {
+    case ReportScope::kPortfolio:
+      return "Portfolio";
+    case ReportScope::kSecurity:
+      return "Security";
+    case ReportScope::kTaxpayer:
+      break;
+  }
+  return "Taxpayer";
+}
+
+void AddBAInfoRow(Application& app, Database& report_db, ReportScope scope, Date year_end) {
+  const std::string name = GetCurrClientInfo(app, "[Client Name]");
+  report_db.Execute(
+      R"(INSERT INTO "BA Info" ("Client Name", "Client Code", "2nd Line", "Year End", "Type") )"
+      R"(VALUES (:name, :code, :line, :ye, :type))",
+      {{"name", name},
+       {"code", GetCurrClientInfo(app, "[Client Code]")},
+       {"line", JoinNameAnd2ndLine(name, GetCurrClientInfo(app, "[2nd Line]"))},
+       {"ye", year_end},
+       {"type", std::string(ScopeType(scope))}});
+}
+
+// The blocks the walk will visit, so that the gauge can show its progress.
+int64_t CountBlocks(Database& client, const std::string& port_filter,
+                    const std::string& sec_filter) {
+  Query q =
+      client.Select(R"(SELECT count(*) AS "Blocks" FROM "Blocks" AS B JOIN "Security" AS S )"
+                    R"(ON S."Sec ID" = B."Sec ID" WHERE (:port = '*' OR S."Port Name" = :port) )"
+                    R"(AND (:sym = '*' OR S."Sec Symbol" = :sym))",
+                    {{"port", port_filter}, {"sym", sec_filter}});
+  return q.Next() ? q.Int("Blocks") : 0;
+}
+
+struct ReportRun {
+  const char* status;
+  const char* title;
+  std::string file;
+};
+
+}  // namespace
+
+Date YearStart(Date year_end) { return year_end.AddYears(-1).AddDays(1); }
+
+Date LongTermDate(Date acquired) { return acquired.AddMonths(12).AddDays(1); }
+
+bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
+  return Trap(app, "RunBasisSchedDReport", false, [&] {
+    UiPort& ui = app.ui();
+    Date year_end;
+    if (!DateValid(ui, request.year_end, "Year End Date", year_end)) return false;
+    const int16_t state = State(app, kStateQuery);
+    if (state < kClientOpen || !app.client) {
+      ui.MessageBox(
+          "You must have a taxpayer open to do a Basis Analysis or Schedule D "
+          "attachment.",
+          "Invalid Input", Icon::kInformation, Buttons::kOk);
+      return false;
+    }
+    if (request.scope == ReportScope::kSecurity && state < kSecOpen) {
+      ui.MessageBox(
+          "You must have a security open to do a Basis Analysis or Schedule D "
+          "attachment on one.",
+          "Invalid Input", Icon::kInformation, Buttons::kOk);
+      return false;
+    }
+    if (request.scope == ReportScope::kPortfolio && state < kPortOpen) {
+      ui.MessageBox(
+          "You must have a portfolio open that has at least one security in it to do a "
+          "Basis Analysis or Schedule D attachment on it.",
+          "Invalid Input", Icon::kInformation, Buttons::kOk);
+      return false;
+    }
+    if (request.scope == ReportScope::kPortfolio &&
+        ui.MessageBox(
+            "Basis for a security, for U.S. tax purposes, should be determined without regard to "
+            "portfolio.  If a security is held in more than one portfolio, we recommend that you "
+            "use the Taxpayer or Security option instead of the Portfolio option. \n\n"
+            "Click CANCEL to cancel the report\n"
+            "Click OK to proceed, knowing that if one security is owned in more than one "
+            "portfolio (for a Taxpayer) the report might not be correct for tax purposes.",
+            "Warning!", Icon::kInformation, Buttons::kOkCancel) != Answer::kOk) {
+      return false;
+    }
+
+    const bool computed = CalcBasisSchedDRpt(app, request.scope, year_end, request.kind);
+    ui.SetHelpBarText("Preparing report, Please wait...");
+    if (!computed) {
+      ui.MessageBox(
+          "The Report can not be generated. If an error message was displayed you "
+          "should try to correct the error first.You will need to run the report again.",
+          "Can't create Report", Icon::kExclamation, Buttons::kOk);
+      return false;
+    }
+
+    auto run_report = [&](const ReportRun& report) {
+      ui.SetHelpBarText(report.status);
+      return RunReport(app, ReportFilePath(app, report.file), app.report_db_path,
+                       request.destination, report.title) == 0;
+    };
+    if (request.kind != BasisKind::kBasis) {
+      if (request.elections && !run_report({"Preparing Schedule D Elections, please wait...",
+                                            "Schedule D Elections", "ELECTION.RPT"})) {
+        return false;
+      }
+      if (!run_report({"Preparing Schedule D attachment, please wait...", "Schedule D Attachment",
+                       request.detail ? "SCHED_D1.RPT" : "SCHED_D2.RPT"})) {
+        return false;
+      }
+      CreateSchDExportFile(app);
+    }
+    if (request.kind != BasisKind::kScheduleD) {
+      std::string file = request.detail ? "BASIS_DT" : "BASIS_SM";
+      if (request.exclude_empty) file += "_No0";
+      if (!run_report({"Preparing Basis Analysis, please wait...", "Basis Analysis Report",
+                       file + ".RPT"})) {
+        return false;
+      }
+    }
+    return true;
+  });
+}
+
+bool CalcBasisSchedDRpt(Application& app, ReportScope scope, Date year_end, BasisKind kind) {
+  return Trap(app, "CalcBasisSchedDRpt", false, [&] {
+    UiPort& ui = app.ui();
+    HourglassGuard hourglass(ui);
+    ui.SetHelpBarText("Preparing to calculate...");
+    GaugeGuard gauge(ui);
+    if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open.");
+    std::string port_filter = "*";
+    std::string sec_filter = "*";
+    if (scope == ReportScope::kPortfolio) port_filter = app.current.port_name;
+    if (scope == ReportScope::kSecurity) sec_filter = app.current.sec_symbol;
+
+    std::unique_ptr<Database> report = OpenReportDb(app);
+    ClearReportTables(*report, {"BA Trans", "BA Blocks", "Sched D", "BA Secs", "BA Info", "Usage"});
+    AddUsageRow(app, *report);
+    AddBAInfoRow(app, *report, scope, year_end);
+
+    // The whole walk is one unit: its many rows are committed together, and
+    // a failure anywhere leaves none of them. The unit outlives the walk's
+    // queries, which close before it rolls back.
+    Database::Transaction unit(*report);
+    BasisRun run{.app = app,
+                 .client = *app.client,
+                 .report = *report,
+                 .kind = kind,
+                 .year_end = year_end,
+                 .year_start = YearStart(year_end),
+                 .port_filter = port_filter,
+                 .sec_filter = sec_filter};
+    run.blocks_total = CountBlocks(*app.client, port_filter, sec_filter);
+    if (!CalcSecurities(run)) {
+      CloseBasisRecordsets(run);
+      return false;
+    }
+    CloseBasisRecordsets(run);
+    unit.Commit();
+    ui.SetGauge(100);
+    ui.ProcessEvents();
+    return true;
+  });
+}
+
+}  // namespace lotwise
