@@ -9,7 +9,7 @@ namespace lotwise::cli {
 inline constexpr const char* kDemoTaxpayerCode = "DEMO01";
 inline constexpr const char* kDemoTaxpayerName = "Pat Q. Sample";
 inline constexpr const char* kDemoSortName = "Sample, Pat Q.";
-inline constexpr const char* kDemo2ndLine = "Sample taxpayer for the demonstration";
+inline constexpr const char* kDemo2ndLine = "and Jordan R. Sample";
 inline constexpr const char* kDemoYearEnd = "12/31/2024";
 // The transaction listing covers the whole history.
 inline constexpr const char* kDemoListFrom = "01/01/2020";
