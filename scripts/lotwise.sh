@@ -14,7 +14,8 @@ PACKAGES=(
   build-essential cmake ninja-build pkg-config
   libsqlite3-dev libsqlitecpp-dev libfmt-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
-  libhpdf-dev poppler-utils libcsv-dev
+  libhpdf-dev libcsv-dev poppler-utils
+  qt6-base-dev qt6-qpa-plugins libgl-dev xvfb xauth
 )
 
 as_root() {

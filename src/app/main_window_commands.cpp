@@ -8,6 +8,7 @@
 #include "app/security_display.h"
 #include "app/startup.h"
 #include "app/ui_port.h"
+#include "data/maintenance.h"
 #include "data/portfolio_dialogs.h"
 #include "data/taxpayer_dialog.h"
 #include "data/taxpayer_file.h"
@@ -22,6 +23,8 @@
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "lots/split_dividend.h"
+#include "reports/report_dialogs.h"
+#include "reports/report_runner.h"
 
 namespace lotwise {
 
@@ -90,7 +93,12 @@ constexpr Holder kPanel = Holder::kSecPanel;
 
 constexpr Command kCommands[] = {
     {"mnuFileSecSymbol", kMenu, "mnuFile", ShowSecSymbol},
+    {"mnuFilePrintSetup", kMenu, "mnuFile", PrintSetup},
+    {"mnuFileCompress", kMenu, "mnuFile", ShowCompress},
+    {"mnuFileRepair", kMenu, "mnuFile", ShowRepair},
     {"mnuFileLocate", kMenu, "mnuFile", RunDlgFileLoc},
+    {"mnuBackupTP", kMenu, "mnuFile", BackupToDisk},
+    {"mnuRestoreTP", kMenu, "mnuFile", RestoreFromDisk},
     {"mnuFileExit", kMenu, "mnuFile", CloseMainWindow},
     {"mnuFileNewClient", kMenu, "mnuTaxpayer", ShowNewClient},
     {"mnuFileOpenClient", kMenu, "mnuTaxpayer", OpenClientCommand},
@@ -118,11 +126,21 @@ constexpr Command kCommands[] = {
     {"mnuStockDividend", kMenu, "mnuActions", StockDividendCommand},
     {"mnuAdjustBlock", kMenu, "mnuActions", ShowAdjustBlock},
     {"mnuRollback", kMenu, "mnuActions", ShowRollBack},
+    {"mnuTaxPayerReport", kMenu, "mnuReports", ShowTaxpayerListingDialog},
+    {"mnuSecListing", kMenu, "mnuReports", ShowSecListingDialog},
+    {"mnuTransListing", kMenu, "mnuReports", ShowTransListingDialog},
+    {"mnuBasisAnalysis", kMenu, "mnuReports", ShowBasisAnalysisDialog},
+    {"mnuScheduleD", kMenu, "mnuReports", ShowScheduleDDialog},
     {"mnuShowToolbar", kMenu, "mnuOptions", ToggleToolBar},
     {"mnuShowToolTips", kMenu, "mnuOptions", ToggleToolTips},
     {"mnuHelpBar", kMenu, "mnuOptions", ToggleHelpBar},
     {"mnuOpenOnlyPort", kMenu, "mnuOptions", ToggleOpenOnlyPort},
     {"mnuRecalcShares", kMenu, "mnuOptions", ToggleRecalcShares},
+    {"mnuDelBackups", kMenu, "mnuOptions", ShowDelBackups},
+    {"mnuHelpContents", kMenu, "mnuHelp", ShowHelpContents},
+    {"mnuHelpOnHelp", kMenu, "mnuHelp", ShowHelpOnHelp},
+    {"mnuAbout", kMenu, "mnuHelp", ShowAbout},
+    {"Help", kTool, "", ShowHelpContents},
     {"SecSymbol", kTool, "", ShowSecSymbol},
     {"NewTP", kTool, "", ShowNewClient},
     {"OpenTP", kTool, "", OpenClientCommand},
@@ -137,12 +155,6 @@ constexpr Command kCommands[] = {
     {"btnDividend", kPanel, "", StockDividendCommand},
     {"btnAdjust", kPanel, "", ShowAdjustBlock},
     {"btnRollback", kPanel, "", ShowRollBack},
-};
-
-constexpr std::string_view kNotBuiltCommands[] = {
-    "mnuFilePrintSetup", "mnuFileCompress", "mnuFileRepair",   "mnuBackupTP",      "mnuRestoreTP",
-    "mnuTaxPayerReport", "mnuSecListing",   "mnuTransListing", "mnuBasisAnalysis", "mnuScheduleD",
-    "mnuDelBackups",     "mnuHelpContents", "mnuHelpOnHelp",   "mnuAbout",         "Help",
 };
 
 const Command* FindCommand(std::string_view name) {
@@ -167,9 +179,6 @@ bool HolderShown(const Application& app, const Command& command) {
 }  // namespace
 
 bool CanRunMenuCommand(const Application& app, std::string_view name) {
-  for (std::string_view later : kNotBuiltCommands) {
-    if (later == name) return false;
-  }
   const Command* command = FindCommand(name);
   return command != nullptr && app.window.IsEnabled(std::string(name)) &&
          HolderShown(app, *command);

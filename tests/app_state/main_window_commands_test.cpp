@@ -63,8 +63,9 @@ INSTANTIATE_TEST_SUITE_P(
         AvailabilityCase{"Port_ActionsMenuHidden", kPortOpen, "mnuBuyShares", false},
         AvailabilityCase{"Port_PanelHidden", kPortOpen, "btnSell", false},
         AvailabilityCase{"Sec_BuyButton", kSecOpen, "btnBuy", true},
-        AvailabilityCase{"Sec_ReportNotBuilt", kSecOpen, "mnuBasisAnalysis", false},
-        AvailabilityCase{"Sec_HelpKeyNotBuilt", kSecOpen, "Help", false},
+        AvailabilityCase{"Closed_BasisReportDisabled", kClientClosed, "mnuBasisAnalysis", false},
+        AvailabilityCase{"Sec_BasisReport", kSecOpen, "mnuBasisAnalysis", true},
+        AvailabilityCase{"Closed_HelpKey", kClientClosed, "Help", true},
         AvailabilityCase{"Sec_Unknown", kSecOpen, "mnuNoSuchItem", false}),
     [](const ::testing::TestParamInfo<AvailabilityCase>& info) {
       return std::string(info.param.label);

@@ -1,0 +1,7 @@
+#include "ui/dialog_registry.h"
+
+namespace lotwise::ui {
+
+void RegisterReportDialogs(DialogRegistry&) {}
+
+}  // namespace lotwise::ui

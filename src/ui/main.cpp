@@ -1,0 +1,2 @@
+// lotwise: the desktop program.
+int main() { return 0; }
