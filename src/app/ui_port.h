@@ -90,6 +90,13 @@ class UiPort {
   // The printer set-up dialog. Returns false when the user cancelled it.
   virtual bool PrintSetup() { return false; }
 
+  // Opens the help window on the HTML manual page at `path`, scrolled to
+  // `anchor` when not empty.
+  virtual void ShowHelp(std::string_view path, std::string_view anchor) {
+    (void)path;
+    (void)anchor;
+  }
+
   // Prints plain lines of text (the removed-blocks list and the like).
   virtual void PrintLines(std::string_view title, const std::vector<std::string>& lines) {
     (void)title;

@@ -35,11 +35,11 @@ class DialogRegistry {
 };
 
 // Each group of windows adds its runners.
-// dlgFileLoc, dlgNewModClient, dlgOpenClient, dlgNewModPort, dlgOpenDelPort.
+// dlgFileLoc, dlgNewModClient, dlgOpenClient, dlgNewModPort, dlgOpenDelPort,
+// and the security symbol windows dlgAddModSec and dlgSecSymbol.
 void RegisterTaxpayerDialogs(DialogRegistry& registry);
 // dlgBuyReinvest, dlgSellShares, dlgMethod, dlgSellSpecific, dlgNumShares,
-// dlgSplitDiv, dlgAdjustBlock, dlgModifyTrans, dlgRollback, dlgRemBlocks,
-// dlgAddModSec, dlgSecSymbol.
+// dlgSplitDiv, dlgAdjustBlock, dlgModifyTrans, dlgRollback, dlgRemBlocks.
 void RegisterLotDialogs(DialogRegistry& registry);
 // The five report option dialogs and the about box.
 void RegisterReportDialogs(DialogRegistry& registry);
