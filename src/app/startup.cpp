@@ -123,7 +123,7 @@ bool Main(Application& app) {
   try {
     State(app, kStateNone);
     app.ini_path = app.ProgramFile(app.exe_base_name + ".INI");
-    app.help_path = app.ProgramFile(app.exe_base_name + ".HLP");
+    app.help_path = app.ProgramFile(std::string("help") + kSeparator + "index.html");
     app.temp_folder = WithTrailingSeparator(app.env().TempFolder());
 
     GetINISettings(app, app.ini_path);
@@ -322,10 +322,22 @@ ChkFilesChoice ShowNoClient(Application& app, const std::string& file_name) {
              "        'Create' a Taxpayer for this Taxpayer File." + kCrLf +
              "        'Ignore' this Taxpayer File for now.";
     } catch (const LwError& error) {
-      if (error.number() != err::kObjectNotFound) throw;
-      text = "A Taxpayer File (" + GetFileNameFromPath(file_name) +
-             ") has been located. Due to missing information in the Taxpayer File it can only be "
-             "'Deleted' or 'Ignored'.";
+      // A file that cannot be read at all must not stop every start: the
+      // user can still set it aside and go on working.
+      const bool damaged =
+          error.number() == err::kNotADatabase ||
+          (error.number() == err::kReserved && error.text().find("-1209") != std::string::npos);
+      if (damaged) {
+        text = "A Taxpayer File (" + GetFileNameFromPath(file_name) +
+               ") has been located, but it cannot be read: it is damaged or it was not written by "
+               "this program. It can only be 'Deleted' or 'Ignored'. Choose 'Ignore' to keep the "
+               "file, for example to restore it from a backup.";
+      } else {
+        if (error.number() != err::kObjectNotFound) throw;
+        text = "A Taxpayer File (" + GetFileNameFromPath(file_name) +
+               ") has been located. Due to missing information in the Taxpayer File it can only "
+               "be 'Deleted' or 'Ignored'.";
+      }
       create_enabled = false;
     }
     ChkFilesChoice choice = app.ui().ChkFiles("Taxpayer Record Missing...", text, create_enabled);

@@ -26,8 +26,8 @@ TEST_F(StartupTest, Main_FreshProgramFolderStartsAndEnds) {
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->ini_path + "|" + app_->help_path + "|" + app_->central_path + "|" +
                 app_->report_db_path,
-            program_folder_ + "/lotwise.INI|" + program_folder_ + "/lotwise.HLP|" + DefaultSsf() +
-                "CENTRAL.MDB|" + report);
+            program_folder_ + "/lotwise.INI|" + program_folder_ + "/help/index.html|" +
+                DefaultSsf() + "CENTRAL.MDB|" + report);
   EXPECT_TRUE(fs::is_directory(DefaultClient()));
   EXPECT_TRUE(FileExists(report));
   EXPECT_EQ(GetUsageCount(*app_), 1);

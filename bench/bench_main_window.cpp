@@ -1,0 +1,158 @@
+// Opening a security in the desktop program's main window: the core reads
+// the blocks, the first block's transactions and the total shares, the
+// window's grids take the rows, and the window paints once. The security
+// has 10,000 blocks with five transactions each (a buy and four sales):
+// 50,000 transactions. Runs on Qt's offscreen platform; each figure is the
+// median and 99th percentile of the individual openings.
+
+#include <benchmark/benchmark.h>
+
+#include <QApplication>
+#include <QTableView>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/application.h"
+#include "app/date.h"
+#include "app/environment.h"
+#include "app/security_display.h"
+#include "bench_support.h"
+#include "data/database.h"
+#include "data/schema.h"
+#include "lots/security_list.h"
+#include "ui/main_window.h"
+
+namespace lotwise {
+namespace {
+
+namespace fs = std::filesystem;
+using bench::Clock;
+using bench::Elapsed;
+using bench::ReportPercentiles;
+
+constexpr int kSalesPerBlock = 4;
+
+// The Security Symbols File and a Taxpayer File with the portfolio "Growth"
+// holding IBM, written with direct inserts in one unit of work; the
+// portfolio is open (PORTOPEN) in a shown main window.
+class Fixture {
+ public:
+  explicit Fixture(int blocks) {
+    folder_ = bench::MakeScratchFolder();
+    const std::string central = (folder_ / "CENTRAL.MDB").string();
+    const std::string client = (folder_ / "BENCH01.mdb").string();
+    CreateTemplate(FileKind::kCentral, central);
+    CreateTemplate(FileKind::kTaxpayer, client);
+    app_ = std::make_unique<Application>(ui_, env_, folder_.string(), "bench");
+    app_->central = Database::Open(central);
+    app_->client = Database::Open(client);
+    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
+                           R"(VALUES ('IBM', 'Intl Business Machines', '459200101'))");
+    Database& db = *app_->client;
+    db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
+               R"(VALUES ('Growth', ' ', 'B01'))");
+    db.Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+               R"(VALUES ('IBM', 'Growth', ' '))");
+    const int64_t sec_id = db.LastInsertId();
+    db.Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', 1))");
+
+    Database::Transaction unit(db);
+    const Date first = Date::FromYmd(1990, 1, 2);
+    for (int i = 0; i < blocks; ++i) {
+      const Date date = first.AddDays(i);
+      db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
+                 {{"s", sec_id}, {"id", date.ToString() + "-1"}, {"d", date}});
+      const int64_t block = db.LastInsertId();
+      db.Execute(
+          R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
+          R"("Prec Sort") VALUES (:b, :d, 10, :c, 100, 0, '', 10))",
+          {{"b", block}, {"d", date}, {"c", Currency::FromCents(150000)}});
+      for (int s = 1; s <= kSalesPerBlock; ++s) {
+        db.Execute(
+            R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
+            R"("Prec Sort") VALUES (:b, :d, :p, 0, -10, '', 40))",
+            {{"b", block}, {"d", date.AddDays(s)}, {"p", Currency::FromCents(20000)}});
+      }
+    }
+    unit.Commit();
+
+    app_->current.port_name = "Growth";
+    State(*app_, kPortOpen);
+    window_ = std::make_unique<ui::MainWindow>(*app_);
+    window_->show();
+    QCoreApplication::processEvents();
+  }
+
+  ~Fixture() {
+    window_.reset();
+    app_.reset();
+    std::error_code ec;
+    fs::remove_all(folder_, ec);
+  }
+
+  Application& app() { return *app_; }
+  ui::MainWindow& window() { return *window_; }
+  int messages() const { return ui_.messages; }
+
+ private:
+  bench::QuietUi ui_{Answer::kNo};
+  SystemEnvironment env_;
+  fs::path folder_;
+  std::unique_ptr<Application> app_;
+  std::unique_ptr<ui::MainWindow> window_;
+};
+
+void BM_OpenSecurityInMainWindow(benchmark::State& state) {
+  const int blocks = static_cast<int>(state.range(0));
+  Fixture fixture(blocks);
+  Application& app = fixture.app();
+  ui::MainWindow& window = fixture.window();
+  auto* grid = window.findChild<QTableView*>("SSdgBlocks");
+  const std::string expected_total = std::to_string((100 - 10 * kSalesPerBlock) * blocks);
+  std::vector<double> ms;
+  for (auto _ : state) {
+    // Back to the portfolio, so that every opening fills the grids anew.
+    state.PauseTiming();
+    HideSecDisplay(app);
+    State(app, kPortOpen);
+    window.Refresh();
+    QCoreApplication::processEvents();
+    state.ResumeTiming();
+
+    auto start = Clock::now();
+    SecList_Select(app, 0);
+    window.Refresh();
+    window.repaint();
+    ms.push_back(Elapsed(start));
+
+    const SecurityDisplay& display = app.window.display;
+    if (fixture.messages() != 0 || app.window.state != kSecOpen ||
+        grid->model()->rowCount() != blocks ||
+        display.transactions.size() != static_cast<size_t>(1 + kSalesPerBlock) ||
+        display.total_shares != expected_total) {
+      state.SkipWithError("the security did not open as expected");
+      break;
+    }
+  }
+  ReportPercentiles(state, std::move(ms));
+}
+BENCHMARK(BM_OpenSecurityInMainWindow)
+    ->ArgNames({"blocks"})
+    ->Arg(10000)
+    ->Iterations(30)
+    ->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace lotwise
+
+int main(int argc, char** argv) {
+  // No display is needed: the window paints into memory.
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QApplication app(argc, argv);
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

@@ -1,0 +1,182 @@
+#include "ui/form_widgets.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QEvent>
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QRegularExpressionValidator>
+#include <QTextEdit>
+
+#include "app/application.h"
+#include "app/date.h"
+#include "app/number_text.h"
+#include "app/ui_port.h"
+
+namespace lotwise::ui {
+
+namespace {
+
+bool IsEnterKey(const QEvent* event) {
+  if (event->type() != QEvent::KeyPress) return false;
+  const int key = static_cast<const QKeyEvent*>(event)->key();
+  return key == Qt::Key_Return || key == Qt::Key_Enter;
+}
+
+// Enter in `widget`: press a push button, keep multi-line text boxes'
+// line breaks, and otherwise move on as Tab would. Returns true iff the
+// key was used up.
+bool HandleEnter(QWidget* widget) {
+  if (auto* button = qobject_cast<QPushButton*>(widget)) {
+    if (button->isEnabled()) button->click();
+    return true;
+  }
+  if (qobject_cast<QPlainTextEdit*>(widget) || qobject_cast<QTextEdit*>(widget)) return false;
+  QKeyEvent tab(QEvent::KeyPress, Qt::Key_Tab, Qt::NoModifier);
+  QCoreApplication::sendEvent(widget, &tab);
+  return true;
+}
+
+// Watches the key presses of every widget of one window (installed on the
+// application, so fields added later are covered) or of one field.
+class EnterFilter : public QObject {
+ public:
+  EnterFilter(QWidget* owner, bool whole_window)
+      : QObject(owner), owner_(owner), all_(whole_window) {}
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (!IsEnterKey(event)) return false;
+    auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget == nullptr) return false;
+    if (all_ ? !(widget == owner_ || owner_->isAncestorOf(widget)) : widget != owner_) return false;
+    return HandleEnter(widget);
+  }
+
+ private:
+  QWidget* owner_;
+  bool all_;
+};
+
+// True while a field check runs, so that the focus moves it makes (a
+// message box, the focus sent back to the field) start no second check.
+bool check_running = false;
+
+class LeaveFilter : public QObject {
+ public:
+  LeaveFilter(QWidget* field, std::function<void()> check)
+      : QObject(field), check_(std::move(check)) {}
+
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::FocusOut || check_running) return false;
+    const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+    if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason) return false;
+    check_running = true;
+    try {
+      check_();
+    } catch (...) {
+      check_running = false;
+      throw;
+    }
+    check_running = false;
+    // A message box of the check took the activation; the field's window
+    // gets it back, and with it the focus where it was going.
+    QWidget* window = static_cast<QWidget*>(watched)->window();
+    if (window->isVisible() && !window->isActiveWindow()) window->activateWindow();
+    return false;
+  }
+
+ private:
+  std::function<void()> check_;
+};
+
+class HelpFilter : public QObject {
+ public:
+  HelpFilter(QWidget* control, std::function<std::string()> text, UiPort& ui)
+      : QObject(control), text_(std::move(text)), ui_(ui) {}
+
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::Enter) {
+      const std::string text = text_();
+      if (!text.empty()) ui_.SetHelpBarText(text);
+    }
+    return false;
+  }
+
+ private:
+  std::function<std::string()> text_;
+  UiPort& ui_;
+};
+
+// Digits may carry "," thousands separators, as ParseNumber reads them.
+QValidator* AmountValidator(int decimals, QObject* parent) {
+  const QString pattern = QStringLiteral("-?(\\d[\\d,]*)?(\\.\\d{0,%1})?").arg(decimals);
+  return new QRegularExpressionValidator(QRegularExpression(pattern), parent);
+}
+
+}  // namespace
+
+QString ToQ(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+std::string FromQ(const QString& text) { return text.toStdString(); }
+
+void InstallEnterMovesFocus(QWidget* root) {
+  qApp->installEventFilter(new EnterFilter(root, true));
+}
+
+void EnterMovesFocus(QWidget* field) { field->installEventFilter(new EnterFilter(field, false)); }
+
+void MakeDateEdit(QLineEdit* edit) { edit->setInputMask(QStringLiteral("99/99/9999;_")); }
+
+std::string DateEditText(const QLineEdit* edit) { return FromQ(edit->displayText()); }
+
+std::string DateEditMaskText(const QLineEdit* edit) {
+  std::string text = DateEditText(edit);
+  for (char& c : text) {
+    if (c == '_') c = ' ';
+  }
+  return text;
+}
+
+void SetDateEditText(QLineEdit* edit, std::string_view text) {
+  if (text.empty() || text == kEmptyDateField || text == kEmptyDateMask) {
+    edit->clear();
+    return;
+  }
+  if (auto date = Date::Parse(text)) {
+    edit->setText(ToQ(date->ToString()));
+    return;
+  }
+  edit->setText(ToQ(text));
+}
+
+void MakeMoneyEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(4, edit)); }
+
+Currency MoneyEditValue(const QLineEdit* edit) {
+  return Currency::Parse(FromQ(edit->text())).value_or(Currency());
+}
+
+void SetMoneyEditValue(QLineEdit* edit, Currency amount) { edit->setText(ToQ(amount.ToString())); }
+
+void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(5, edit)); }
+
+double NumberEditValue(const QLineEdit* edit) {
+  return ParseNumber(FromQ(edit->text())).value_or(0.0);
+}
+
+void SetNumberEditValue(QLineEdit* edit, double value) { edit->setText(ToQ(NumberText(value))); }
+
+void OnLeave(QWidget* field, std::function<void()> check) {
+  field->installEventFilter(new LeaveFilter(field, std::move(check)));
+}
+
+void OnHelp(QWidget* control, std::function<std::string()> text, UiPort& ui) {
+  control->installEventFilter(new HelpFilter(control, std::move(text), ui));
+}
+
+}  // namespace lotwise::ui

@@ -1,0 +1,204 @@
+#include "maintenance/maint_fixture.h"
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+#include "data/database.h"
+
+namespace lotwise::testing {
+
+namespace {
+
+std::string RowText(const Query& q) {
+  std::string text;
+  for (int i = 0; i < q.ColumnCount(); ++i) {
+    const std::string name = q.ColumnName(i);
+    if (name == "Shares Left" || name == "lw_rowid") continue;
+    text += name + "=" + q.Text(name.c_str()) + "|";
+  }
+  return text;
+}
+
+std::string RowKey(const std::string& table, const Query& q) {
+  return table == Database::kSavedQueriesTable ? q.Text("Name") : q.Text("lw_rowid");
+}
+
+std::vector<std::string> Tables(Database& db) {
+  std::vector<std::string> tables;
+  Query q = db.Select(
+      "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite%' ORDER BY "
+      "name");
+  while (q.Next()) tables.push_back(q.Text("name"));
+  return tables;
+}
+
+}  // namespace
+
+void MaintenanceTest::SetUp() {
+  AppTest::SetUp();
+  OpenFreshCentral();
+}
+
+void MaintenanceTest::FillTaxpayer(const std::string& path, int blocks) {
+  auto db = Database::Open(path);
+  Database::Transaction unit(*db);
+  db->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('Main', ' '))");
+  for (int s = 0; s < 10; ++s) {
+    db->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+                R"(VALUES (:sym, 'Main', ' '))",
+                {{"sym", "SYM" + std::to_string(s)}});
+  }
+  const std::string notes(120, 'n');
+  for (int b = 0; b < blocks; ++b) {
+    db->Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:sec, :id, :d))",
+                {{"sec", 1 + b % 10},
+                 {"id", "01/02/2020-" + std::to_string(b)},
+                 {"d", Date::FromYmd(2020, 1, 2)}});
+    const int64_t block = db->LastInsertId();
+    db->Execute(
+        R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
+        R"("Prec Sort") VALUES (:b, :d, 10, :cost, 10, 0, :notes, 10))",
+        {{"b", block},
+         {"d", Date::FromYmd(2020, 1, 2)},
+         {"cost", b * 10000 + 1},
+         {"notes", notes}});
+    db->Execute(
+        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
+        R"("Prec Sort") VALUES (:b, :d, :price, 0, -4, :notes, 40))",
+        {{"b", block},
+         {"d", Date::FromYmd(2021, 3, 4)},
+         {"price", b * 7000 + 3},
+         {"notes", notes}});
+  }
+  unit.Commit();
+}
+
+Rows MaintenanceTest::ReadRows(const std::string& path) {
+  auto db = Database::Open(path, Database::Mode::kReadOnly);
+  Rows rows;
+  for (const std::string& table : Tables(*db)) {
+    Query q = db->Select("SELECT rowid AS lw_rowid, * FROM \"" + table + "\"");
+    while (q.Next()) rows[table][RowKey(table, q)] = RowText(q);
+  }
+  return rows;
+}
+
+void MaintenanceTest::DamagePages(const std::string& path, const std::vector<Damage>& damage) {
+  std::vector<int64_t> chosen;
+  {
+    auto db = Database::Open(path, Database::Mode::kReadOnly);
+    for (const Damage& d : damage) {
+      std::vector<int64_t> pages;
+      Query q = db->Select(
+          "SELECT pageno FROM dbstat WHERE name = :t AND pagetype = :type ORDER BY pageno",
+          {{"t", d.table}, {"type", d.page_type}});
+      while (q.Next()) pages.push_back(q.Int("pageno"));
+      ASSERT_GT(pages.size(), static_cast<size_t>(d.count * d.stride)) << d.table;
+      const size_t first = pages.size() / 2 - static_cast<size_t>(d.count * d.stride) / 2;
+      for (int i = 0; i < d.count; ++i)
+        chosen.push_back(pages[first + static_cast<size_t>(i * d.stride)]);
+    }
+  }
+  std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+  const std::string junk(4096, '\xff');
+  for (int64_t page : chosen) {
+    file.seekp(static_cast<std::streamoff>((page - 1) * 4096));
+    file.write(junk.data(), static_cast<std::streamsize>(junk.size()));
+  }
+}
+
+Rows MaintenanceTest::ReadableRows(const std::string& path, const Rows& before) {
+  auto db = Database::Open(path, Database::Mode::kReadOnly);
+  auto lookup = [&](const std::string& table, const std::string& key, std::string& text,
+                    std::string& parent) {
+    try {
+      const bool by_name = table == Database::kSavedQueriesTable;
+      Query q = db->Select("SELECT rowid AS lw_rowid, * FROM \"" + table + "\" WHERE " +
+                               (by_name ? "Name = :key" : "rowid = :key"),
+                           {{"key", key}});
+      if (!q.Next()) return false;
+      text = RowText(q);
+      if (table == "Blocks") parent = q.Text("Sec ID");
+      if (table == "Buy" || table == "Sell") parent = q.Text("Block No");
+      return true;
+    } catch (const LwError&) {
+      return false;
+    }
+  };
+  Rows readable;
+  std::map<std::string, std::map<std::string, std::string>> parents;
+  for (const auto& [table, rows] : before) {
+    for (const auto& [id, expected] : rows) {
+      std::string text;
+      std::string parent;
+      if (lookup(table, id, text, parent) && text == expected) {
+        readable[table][id] = text;
+        parents[table][id] = parent;
+      }
+    }
+  }
+  for (const char* child : {"Blocks", "Buy", "Sell"}) {
+    const std::string parent_table = std::string(child) == "Blocks" ? "Security" : "Blocks";
+    for (const auto& [id, parent] : parents[child]) {
+      if (readable[parent_table].count(parent) == 0) readable[child].erase(id);
+    }
+  }
+  return readable;
+}
+
+std::string MaintenanceTest::FileBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+std::string MaintenanceTest::Integrity(const std::string& path) {
+  try {
+    return Database::Open(path, Database::Mode::kReadOnly)->IntegrityCheck();
+  } catch (const LwError& error) {
+    return error.text();
+  }
+}
+
+std::string MaintenanceTest::Diff(const Rows& actual, const Rows& expected) {
+  std::string diff;
+  int shown = 0;
+  auto note = [&](const std::string& line) {
+    if (shown++ < 5) diff += line + "\n";
+  };
+  for (const auto& [table, rows] : expected) {
+    auto found = actual.find(table);
+    for (const auto& [key, text] : rows) {
+      if (found == actual.end() || found->second.count(key) == 0) {
+        note("missing " + table + " " + key);
+      } else if (found->second.at(key) != text) {
+        note("changed " + table + " " + key + ": " + found->second.at(key));
+      }
+    }
+  }
+  for (const auto& [table, rows] : actual) {
+    auto found = expected.find(table);
+    for (const auto& [key, text] : rows) {
+      if (found == expected.end() || found->second.count(key) == 0)
+        note("extra " + table + " " + key);
+    }
+  }
+  return diff;
+}
+
+long long MaintenanceTest::RowCount(const Rows& rows) {
+  long long n = 0;
+  for (const auto& [table, r] : rows) n += static_cast<long long>(r.size());
+  return n;
+}
+
+void MaintenanceTest::Index(const std::string& code, const std::string& name,
+                            const std::string& file_name) {
+  app_->central->Execute(
+      R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
+      R"(VALUES (:code, :name, :name, :file))",
+      {{"code", code}, {"name", name}, {"file", file_name}});
+}
+
+}  // namespace lotwise::testing

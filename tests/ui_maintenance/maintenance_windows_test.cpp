@@ -1,0 +1,161 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
+#include <QtTest/QTest>
+#include <functional>
+
+#include "app/paths.h"
+#include "data/maintenance.h"
+#include "maintenance/maint_fixture.h"
+#include "ui/dialog_registry.h"
+
+namespace lotwise::testing {
+namespace {
+
+QApplication* qt_app = nullptr;
+
+// The application goes while the test program still runs: left to the
+// exit handlers, it would go after parts of Qt it needs.
+class QtAppEnvironment : public ::testing::Environment {
+ public:
+  void TearDown() override {
+    delete qt_app;
+    qt_app = nullptr;
+  }
+};
+
+const auto* const registered = ::testing::AddGlobalTestEnvironment(new QtAppEnvironment);
+
+void StartQt() {
+  static int argc = 1;
+  static char name[] = "ui_maintenance_tests";
+  static char* argv[] = {name, nullptr};
+  if (qgetenv("QT_QPA_PLATFORM").isEmpty()) qputenv("QT_QPA_PLATFORM", "offscreen");
+  if (qt_app == nullptr) qt_app = new QApplication(argc, argv);
+}
+
+class MaintenanceWindowTest : public MaintenanceTest {
+ protected:
+  void SetUp() override {
+    StartQt();
+    MaintenanceTest::SetUp();
+    ui::RegisterMaintenanceDialogs(registry_);
+  }
+
+  // Shows the form's window and plays `user` on it once it is up; the
+  // window must be closed by then.
+  void Show(DialogForm& form, std::function<void(QWidget&)> user) {
+    bool played = false;
+    QTimer::singleShot(0, [&] {
+      QWidget* window = QApplication::activeModalWidget();
+      ASSERT_NE(window, nullptr);
+      played = true;
+      user(*window);
+      // A failed step must not leave the test waiting on the window.
+      if (window->isVisible()) window->close();
+    });
+    const ui::DialogRunner* runner = registry_.Find(form.Name());
+    ASSERT_NE(runner, nullptr);
+    (*runner)(*app_, form, nullptr);
+    EXPECT_TRUE(played);
+  }
+
+  template <class W>
+  static W* Child(QWidget& window, const char* name) {
+    W* child = window.findChild<W*>(QLatin1String(name));
+    EXPECT_NE(child, nullptr) << name;
+    return child;
+  }
+  static QString Text(QWidget& window, const char* name) {
+    QLabel* label = Child<QLabel>(window, name);
+    return label != nullptr ? label->text() : QString();
+  }
+
+  ui::DialogRegistry registry_;
+};
+
+// Repair through the real window: the user picks the damaged taxpayer in
+// the list and presses Repair; the window shows the statuses the run left,
+// the file comes back sound with every readable row, and Close closes.
+TEST_F(MaintenanceWindowTest, RepairWindow_RepairsPickedDamagedFile) {
+  WriteTaxpayerFile("AAA.mdb", "A1", "Adams");
+  WriteTaxpayerFile("DOE.mdb", "D1", "Doe & Co");
+  Index("A1", "Adams", "AAA.mdb");
+  Index("D1", "Doe & Co", "DOE.mdb");
+  const std::string path = app_->taxpayer_folder + "DOE.mdb";
+  FillTaxpayer(path, 800);
+  const Rows before = ReadRows(path);
+  DamagePages(path, {{"Buy", 2, 3}});
+  const Rows readable = ReadableRows(path, before);
+  ASSERT_LT(RowCount(readable), RowCount(before));
+  ui_.Expect(
+      "These files were damaged and have been rebuilt from the records that could still be read. "
+      "Each damaged file is kept with the extension .bak:\r\nDoe & Co (DOE.mdb)",
+      "Files Rebuilt", Icon::kInformation, Buttons::kOk);
+
+  CompressRepairForm form;
+  LoadCompressRepair(*app_, form, kRepairCaption);
+  Show(form, [&](QWidget& window) {
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Repair Files"));
+    EXPECT_TRUE(Child<QPushButton>(window, "btnRepair")->isVisibleTo(&window));
+    EXPECT_FALSE(Child<QPushButton>(window, "btnCompress")->isVisibleTo(&window));
+    EXPECT_EQ(Text(window, "lblSelStatus"), QStringLiteral("Waiting..."));
+    auto* list = Child<QListWidget>(window, "lstTaxpayers");
+    ASSERT_EQ(list->count(), 2);
+    EXPECT_EQ(list->item(1)->text(), QStringLiteral("Doe & Co"));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
+                      list->visualItemRect(list->item(1)).center());
+    EXPECT_TRUE(Child<QCheckBox>(window, "chkSelTaxpayers")->isChecked());
+
+    QTest::mouseClick(Child<QPushButton>(window, "btnRepair"), Qt::LeftButton);
+
+    EXPECT_EQ(Text(window, "lblSelStatus"), QStringLiteral("Finished"));
+    EXPECT_EQ(Text(window, "lblSelTime"), QStringLiteral("00:00:00"));
+    EXPECT_EQ(Text(window, "lblSSFStatus"), QStringLiteral("Waiting..."));
+    EXPECT_EQ(Text(window, "lblAllStatus"), QStringLiteral("Waiting..."));
+    EXPECT_EQ(window.windowTitle(), QStringLiteral("Repair Files"));
+    QTest::mouseClick(Child<QPushButton>(window, "btnClose"), Qt::LeftButton);
+    EXPECT_FALSE(window.isVisible());
+  });
+
+  EXPECT_EQ(form.picked, (std::vector<bool>{false, true}));
+  EXPECT_EQ(Integrity(path), "ok");
+  EXPECT_EQ(Diff(ReadRows(path), readable), "");
+  EXPECT_FALSE(FileExists(app_->taxpayer_folder + "AAA.bak"));
+}
+
+// The delete-backups window: Delete with nothing to delete says so in its
+// status line and a message; Close closes.
+TEST_F(MaintenanceWindowTest, DelBackupsWindow_NoBackups) {
+  ui_.Expect("There are no Backup Files to delete", "No Backups", Icon::kInformation, Buttons::kOk);
+  DelBackupsForm form;
+  Show(form, [&](QWidget& window) {
+    QTest::mouseClick(Child<QPushButton>(window, "btnDelete"), Qt::LeftButton);
+    EXPECT_EQ(Text(window, "lblStatus"), QStringLiteral("There are no backup files to delete"));
+    QTest::mouseClick(Child<QPushButton>(window, "btnClose"), Qt::LeftButton);
+    EXPECT_FALSE(window.isVisible());
+  });
+  EXPECT_TRUE(form.closed);
+}
+
+// The backup notice names the two data folders above its text.
+TEST_F(MaintenanceWindowTest, BackupWindow_ShowsFolders) {
+  BackupNoticeForm form;
+  form.ssf_folder = app_->ssf_folder;
+  form.taxpayer_folder = app_->taxpayer_folder;
+  form.notice = BackupNoticeText();
+  Show(form, [&](QWidget& window) {
+    EXPECT_EQ(Text(window, "lblSSFFolder").toStdString(), app_->ssf_folder);
+    EXPECT_EQ(Text(window, "lblTaxpayerFolder").toStdString(), app_->taxpayer_folder);
+    EXPECT_TRUE(Text(window, "lblNotice").startsWith(QStringLiteral("As of version LW2000.20")));
+    QTest::mouseClick(Child<QPushButton>(window, "btnOK"), Qt::LeftButton);
+    EXPECT_FALSE(window.isVisible());
+  });
+  EXPECT_TRUE(form.closed);
+}
+
+}  // namespace
+}  // namespace lotwise::testing
