@@ -2,8 +2,8 @@
 # Sets up a Debian 12 machine for Lotwise, builds it, and runs the program,
 # the test suite or the benchmarks.
 #
-#   bash scripts/lotwise.sh run     install what is missing, build, run the demo (sample
-#                                   taxpayer, every report as PDF, CSV and JSON)
+#   bash scripts/lotwise.sh run     install what is missing, build, start the desktop program
+#                                   (without a display: the command-line demo instead)
 #   bash scripts/lotwise.sh test    install what is missing, build, run every test
 #                                   (plain build, then AddressSanitizer + UBSan build)
 #   bash scripts/lotwise.sh bench   install what is missing, build, run the benchmarks
@@ -49,11 +49,17 @@ case "${1:-}" in
   run)
     install_missing
     build build -DCMAKE_BUILD_TYPE=Release
-    # The sample taxpayer and every report, in a fresh folder each time. A
-    # settings store of the build's own, so that folders designated by
+    # A settings store of the build's own, so that folders designated by
     # another copy of the program on this machine stay as they are.
+    export XDG_CONFIG_HOME="$PWD/build/config"
+    if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+      exec build/bin/lotwise
+    fi
+    # Without a display the program says so; the command-line demo then
+    # shows what it computes: a sample taxpayer and every report.
+    build/bin/lotwise || true
     rm -rf build/demo
-    XDG_CONFIG_HOME="$PWD/build/config" build/bin/lotwise-cli demo --out build/demo
+    build/bin/lotwise-cli demo --out build/demo
     ;;
   test)
     install_missing
