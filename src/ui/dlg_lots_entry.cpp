@@ -156,27 +156,27 @@ class RemBlocksWindow : public LotFormWindow {
 }  // namespace
 
 void RunBuyReinvest(Application& app, DialogForm& form, QWidget* parent) {
-  BuyReinvestWindow(app, static_cast<BuyReinvestForm&>(form), parent).exec();
+  ExecLotWindow<BuyReinvestWindow, BuyReinvestForm>(app, form, parent);
 }
 
 void RunSplitDiv(Application& app, DialogForm& form, QWidget* parent) {
-  SplitDivWindow(app, static_cast<SplitDivForm&>(form), parent).exec();
+  ExecLotWindow<SplitDivWindow, SplitDivForm>(app, form, parent);
 }
 
 void RunAdjustBlock(Application& app, DialogForm& form, QWidget* parent) {
-  AdjustBlockWindow(app, static_cast<AdjustBlockForm&>(form), parent).exec();
+  ExecLotWindow<AdjustBlockWindow, AdjustBlockForm>(app, form, parent);
 }
 
 void RunModifyTrans(Application& app, DialogForm& form, QWidget* parent) {
-  ModifyTransWindow(app, static_cast<ModifyTransForm&>(form), parent).exec();
+  ExecLotWindow<ModifyTransWindow, ModifyTransForm>(app, form, parent);
 }
 
 void RunRollback(Application& app, DialogForm& form, QWidget* parent) {
-  RollbackWindow(app, static_cast<RollbackForm&>(form), parent).exec();
+  ExecLotWindow<RollbackWindow, RollbackForm>(app, form, parent);
 }
 
 void RunRemBlocks(Application& app, DialogForm& form, QWidget* parent) {
-  RemBlocksWindow(app, static_cast<RemBlocksForm&>(form), parent).exec();
+  ExecLotWindow<RemBlocksWindow, RemBlocksForm>(app, form, parent);
 }
 
 }  // namespace lotwise::ui

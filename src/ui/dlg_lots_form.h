@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QString>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "app/currency.h"
+#include "app/ui_port.h"
 
 class QBoxLayout;
 class QButtonGroup;
@@ -113,6 +115,17 @@ class LotFormWindow : public QDialog {
   QFormLayout* rows_ = nullptr;
   QBoxLayout* buttons_ = nullptr;
 };
+
+// Shows a lot window modally, named after its form ("dlgBuyReinvest") so
+// that tests and accessibility tools find it by the form's name.
+template <class Window, class Form>
+void ExecLotWindow(Application& app, DialogForm& form, QWidget* parent) {
+  Window window(app, static_cast<Form&>(form), parent);
+  const std::string_view name = form.Name();
+  window.setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  window.exec();
+}
+
 
 }  // namespace ui
 }  // namespace lotwise

@@ -289,19 +289,19 @@ class NumSharesWindow : public LotFormWindow {
 }  // namespace
 
 void RunSellShares(Application& app, DialogForm& form, QWidget* parent) {
-  SellSharesWindow(app, static_cast<SellSharesForm&>(form), parent).exec();
+  ExecLotWindow<SellSharesWindow, SellSharesForm>(app, form, parent);
 }
 
 void RunMethod(Application& app, DialogForm& form, QWidget* parent) {
-  MethodWindow(app, static_cast<MethodForm&>(form), parent).exec();
+  ExecLotWindow<MethodWindow, MethodForm>(app, form, parent);
 }
 
 void RunSellSpecific(Application& app, DialogForm& form, QWidget* parent) {
-  SellSpecificWindow(app, static_cast<SellSpecificForm&>(form), parent).exec();
+  ExecLotWindow<SellSpecificWindow, SellSpecificForm>(app, form, parent);
 }
 
 void RunNumShares(Application& app, DialogForm& form, QWidget* parent) {
-  NumSharesWindow(app, static_cast<NumSharesForm&>(form), parent).exec();
+  ExecLotWindow<NumSharesWindow, NumSharesForm>(app, form, parent);
 }
 
 }  // namespace lotwise::ui

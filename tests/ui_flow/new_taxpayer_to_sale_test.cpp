@@ -71,7 +71,7 @@ class FlowTest : public DialogWindowTest {
     }
   }
   void Buy(const char* entries) {
-    WhenShown("Buy Shares", [entries](QDialog& window) {
+    WhenShown("dlgBuyReinvest", [entries](QDialog& window) {
       Fill(window, entries);
       Click(window, "btnOK");
     });
@@ -114,7 +114,7 @@ TEST_F(FlowTest, NewTaxpayerToFifoSale_GridsShowNewRows) {
   EXPECT_EQ(Column("SSdgBlocks", 0), (Texts{"01/15/2024-1", "02/15/2024-1"}));
   EXPECT_EQ(Panel("pnlTotalShares"), "150");
 
-  WhenShown("Sell Shares", [](QDialog& window) {
+  WhenShown("dlgSellShares", [](QDialog& window) {
     Fill(window, "dtDate=03012024;DblNumShares=120;CurrSalePrice=2400");
     auto* methods = Get<QComboBox>(window, "SScboSellMethod");
     methods->setFocus(Qt::TabFocusReason);
