@@ -7,8 +7,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench_support.h"
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -22,6 +20,7 @@
 #include "app/environment.h"
 #include "app/security_display.h"
 #include "app/ui_port.h"
+#include "bench_support.h"
 #include "data/database.h"
 #include "data/schema.h"
 
@@ -40,22 +39,9 @@ class Fixture {
  public:
   explicit Fixture(int blocks) {
     folder_ = bench::MakeScratchFolder();
-    const std::string central = (folder_ / "CENTRAL.MDB").string();
-    const std::string client = (folder_ / "BENCH01.mdb").string();
-    CreateTemplate(FileKind::kCentral, central);
-    CreateTemplate(FileKind::kTaxpayer, client);
     app_ = std::make_unique<Application>(ui_, env_, folder_.string(), "bench");
-    app_->central = Database::Open(central);
-    app_->client = Database::Open(client);
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
-                           R"(VALUES ('IBM', 'Intl Business Machines', '459200101'))");
+    const int64_t sec_id = bench::OpenGrowthHoldingIbm(*app_, folder_);
     Database& db = *app_->client;
-    db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-               R"(VALUES ('Growth', ' ', 'B01'))");
-    db.Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-               R"(VALUES ('IBM', 'Growth', ' '))");
-    const int64_t sec_id = db.LastInsertId();
-    db.Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', 1))");
     app_->current.port_name = "Growth";
     app_->window.state = kPortOpen;
 

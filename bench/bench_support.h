@@ -12,7 +12,10 @@
 #include <string>
 #include <vector>
 
+#include "app/application.h"
 #include "app/ui_port.h"
+#include "data/database.h"
+#include "data/schema.h"
 
 namespace lotwise::bench {
 
@@ -48,6 +51,28 @@ inline std::filesystem::path MakeScratchFolder() {
                 ("lotwise-bench-" + std::to_string(random()) + std::to_string(random()));
   std::filesystem::create_directories(folder);
   return folder;
+}
+
+// Writes a fresh Security Symbols File and Taxpayer File into `folder`,
+// opens them into `app` as the program opens them, and adds the portfolio
+// "Growth" holding IBM under FIFO. Returns IBM's "Sec ID".
+inline int64_t OpenGrowthHoldingIbm(Application& app, const std::filesystem::path& folder) {
+  const std::string central = (folder / "CENTRAL.MDB").string();
+  const std::string client = (folder / "BENCH01.mdb").string();
+  CreateTemplate(FileKind::kCentral, central);
+  CreateTemplate(FileKind::kTaxpayer, client);
+  app.central = Database::Open(central);
+  app.client = Database::Open(client);
+  app.central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
+                       R"(VALUES ('IBM', 'Intl Business Machines', '459200101'))");
+  Database& db = *app.client;
+  db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
+             R"(VALUES ('Growth', ' ', 'B01'))");
+  db.Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
+             R"(VALUES ('IBM', 'Growth', ' '))");
+  const int64_t sec_id = db.LastInsertId();
+  db.Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', 1))");
+  return sec_id;
 }
 
 // Milliseconds since `start`.

@@ -62,21 +62,30 @@ bool Matches(const std::string& filter, const std::string& value) {
   return filter == kEvery || ToUpperAscii(filter) == ToUpperAscii(value);
 }
 
+// Adds a "TL Trans" row for each row of `q` dated inside the range, the
+// kind's own fields filled in by `fill`.
+template <class Fill>
+void AddRowsInRange(Database& report, Query& q, int64_t sec_id, Range range, Fill fill) {
+  while (q.Next()) {
+    const Date date = q.DateValue("Date");
+    if (!range.Holds(date)) continue;
+    TLTransRow row;
+    row.sec_id = sec_id;
+    row.date = date;
+    fill(q, row);
+    AddTLTrans(report, row);
+  }
+}
+
 bool CalcTLBuys(Application& app, Database& report, int64_t sec_id, Range range) {
   return Trap(app, "CalcTLBuys", false, [&] {
     Query q = app.client->SelectSaved("Buys In Security", {{"lSecID", sec_id}});
-    while (q.Next()) {
-      const Date date = q.DateValue("Date");
-      if (!range.Holds(date)) continue;
-      TLTransRow row;
-      row.sec_id = sec_id;
-      row.date = date;
-      row.transaction = q.Int("Type") == kTypeReinvest ? "Reinvestment" : "Buy";
-      row.shares = q.Double("Shares");
-      row.cost = q.Money("Cost");
-      row.fee = q.Money("Fee");
-      AddTLTrans(report, row);
-    }
+    AddRowsInRange(report, q, sec_id, range, [](Query& buy, TLTransRow& row) {
+      row.transaction = buy.Int("Type") == kTypeReinvest ? "Reinvestment" : "Buy";
+      row.shares = buy.Double("Shares");
+      row.cost = buy.Money("Cost");
+      row.fee = buy.Money("Fee");
+    });
     return true;
   });
 }
@@ -89,18 +98,12 @@ bool CalcTLSells(Application& app, Database& report, int64_t sec_id, int64_t blo
                  Range range) {
   return Trap(app, "CalcTLSells", false, [&] {
     Query q = app.client->SelectSaved("Sells In Block", {{"lBlockNo", block_no}});
-    while (q.Next()) {
-      const Date date = q.DateValue("Date");
-      if (!range.Holds(date)) continue;
-      TLTransRow row;
-      row.sec_id = sec_id;
-      row.date = date;
+    AddRowsInRange(report, q, sec_id, range, [](Query& sell, TLTransRow& row) {
       row.transaction = "Sell";
-      row.shares = q.Double("Shares");
-      row.fee = q.Money("Fee");
-      row.sale_price = q.Money("Sale Price");
-      AddTLTrans(report, row);
-    }
+      row.shares = sell.Double("Shares");
+      row.fee = sell.Money("Fee");
+      row.sale_price = sell.Money("Sale Price");
+    });
     return true;
   });
 }
@@ -109,19 +112,13 @@ bool CalcTLSplits(Application& app, Database& report, int64_t sec_id, int64_t bl
                   Range range) {
   return Trap(app, "CalcTLSplits", false, [&] {
     Query q = app.client->SelectSaved("Splits In Block", {{"lBlockNo", block_no}});
-    while (q.Next()) {
-      const Date date = q.DateValue("Date");
-      if (!range.Holds(date)) continue;
-      const bool split = q.Int("Type") == kTypeSplit;
-      TLTransRow row;
-      row.sec_id = sec_id;
-      row.date = date;
-      row.transaction = std::string(split ? "Stock Split " : "Stock Div. ") +
-                        NumberText(q.Double("Pre Ratio")) + (split ? " for " : " per ") +
-                        NumberText(q.Double("Post Ratio"));
-      row.shares = q.Double("Shares");
-      AddTLTrans(report, row);
-    }
+    AddRowsInRange(report, q, sec_id, range, [](Query& split, TLTransRow& row) {
+      const bool stock_split = split.Int("Type") == kTypeSplit;
+      row.transaction = std::string(stock_split ? "Stock Split " : "Stock Div. ") +
+                        NumberText(split.Double("Pre Ratio")) + (stock_split ? " for " : " per ") +
+                        NumberText(split.Double("Post Ratio"));
+      row.shares = split.Double("Shares");
+    });
     return true;
   });
 }
@@ -130,17 +127,11 @@ bool CalcTLAdjusts(Application& app, Database& report, int64_t sec_id, int64_t b
                    Range range) {
   return Trap(app, "CalcTLAdjusts", false, [&] {
     Query q = app.client->SelectSaved("Adjusts In Block", {{"lBlockNo", block_no}});
-    while (q.Next()) {
-      const Date date = q.DateValue("Date");
-      if (!range.Holds(date)) continue;
-      TLTransRow row;
-      row.sec_id = sec_id;
-      row.date = date;
+    AddRowsInRange(report, q, sec_id, range, [](Query& adjust, TLTransRow& row) {
       row.transaction = "Adjustment";
-      row.shares = q.Double("Shares");
-      row.cost = q.Money("Cost");
-      AddTLTrans(report, row);
-    }
+      row.shares = adjust.Double("Shares");
+      row.cost = adjust.Money("Cost");
+    });
     return true;
   });
 }

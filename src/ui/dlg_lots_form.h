@@ -126,6 +126,5 @@ void ExecLotWindow(Application& app, DialogForm& form, QWidget* parent) {
   window.exec();
 }
 
-
 }  // namespace ui
 }  // namespace lotwise
