@@ -45,25 +45,7 @@ class Fixture {
     app_->current.port_name = "Growth";
     app_->window.state = kPortOpen;
 
-    Database::Transaction unit(db);
-    const Date first = Date::FromYmd(1990, 1, 2);
-    for (int i = 0; i < blocks; ++i) {
-      const Date date = first.AddDays(i);
-      db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
-                 {{"s", sec_id}, {"id", date.ToString() + "-1"}, {"d", date}});
-      const int64_t block = db.LastInsertId();
-      db.Execute(
-          R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
-          R"("Prec Sort") VALUES (:b, :d, 10, :c, 100, 0, '', 10))",
-          {{"b", block}, {"d", date}, {"c", Currency::FromCents(150000)}});
-      for (int s = 1; s <= 2; ++s) {
-        db.Execute(
-            R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
-            R"("Prec Sort") VALUES (:b, :d, :p, 0, -10, '', 40))",
-            {{"b", block}, {"d", date.AddDays(s)}, {"p", Currency::FromCents(20000)}});
-      }
-    }
-    unit.Commit();
+    bench::AddDailyBlocks(db, sec_id, blocks, 2);
   }
 
   ~Fixture() {

@@ -75,6 +75,31 @@ inline int64_t OpenGrowthHoldingIbm(Application& app, const std::filesystem::pat
   return sec_id;
 }
 
+// Adds `blocks` lots of 100 shares costing 1,500.00, one a day from
+// 01/02/1990, each followed by `sales_per_block` daily sales of 10 shares,
+// in one unit of work.
+inline void AddDailyBlocks(Database& db, int64_t sec_id, int blocks, int sales_per_block) {
+  Database::Transaction unit(db);
+  const Date first = Date::FromYmd(1990, 1, 2);
+  for (int i = 0; i < blocks; ++i) {
+    const Date date = first.AddDays(i);
+    db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
+               {{"s", sec_id}, {"id", date.ToString() + "-1"}, {"d", date}});
+    const int64_t block = db.LastInsertId();
+    db.Execute(
+        R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
+        R"("Prec Sort") VALUES (:b, :d, 10, :c, 100, 0, '', 10))",
+        {{"b", block}, {"d", date}, {"c", Currency::FromCents(150000)}});
+    for (int s = 1; s <= sales_per_block; ++s) {
+      db.Execute(
+          R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
+          R"("Prec Sort") VALUES (:b, :d, :p, 0, -10, '', 40))",
+          {{"b", block}, {"d", date.AddDays(s)}, {"p", Currency::FromCents(20000)}});
+    }
+  }
+  unit.Commit();
+}
+
 // Milliseconds since `start`.
 inline double Elapsed(Clock::time_point start) {
   return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
