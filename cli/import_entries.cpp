@@ -34,31 +34,6 @@ bool TypeField(T& field, T value, Check&& check) {
 // would not be accepted with it.
 bool DateStands(const std::string& text) { return Date::Parse(text).has_value(); }
 
-// The highest "Unique ID" of a transaction table, so that an entry can be
-// proven written: a dialog may close over an entry that was refused deep
-// inside (a same-date question answered No rolls the sale back).
-int64_t LastUniqueId(Application& app, const char* table) {
-  Query last = app.client->Select(
-      std::string(R"(SELECT coalesce(max("Unique ID"), 0) AS id FROM ")") + table + '"');
-  return last.Next() ? last.Int("id") : 0;
-}
-
-const char* TableOf(LedgerAction action) {
-  switch (action) {
-    case LedgerAction::kBuy:
-    case LedgerAction::kReinvest:
-      return "Buy";
-    case LedgerAction::kSell:
-      return "Sell";
-    case LedgerAction::kSplit:
-    case LedgerAction::kDividend:
-      return "Split";
-    case LedgerAction::kAdjust:
-      return "Adjust";
-  }
-  return "Buy";
-}
-
 // Clicks the row of block `block_id` in the security's blocks grid, making
 // it the current block. Returns false, telling the user, when there is none.
 bool SelectBlockId(Session& session, const std::string& block_id) {
@@ -94,7 +69,7 @@ bool EnterBuy(Session& session, const LedgerEntry& entry) {
     if (form == nullptr) return false;
     if (FillBuy(app, *form, entry)) {
       BuyReinvest_OK(app, *form, false);
-      accepted = form->closed;
+      accepted = form->accepted;
     }
     if (!form->closed) BuyReinvest_Cancel(app, *form);
     return true;
@@ -117,7 +92,7 @@ class SalePlay {
     if (auto* form = dynamic_cast<SellSharesForm*>(&dialog)) {
       if (FillSale(*form)) {
         SellShares_OK(app(), *form, false);
-        accepted_ = form->closed;
+        accepted_ = form->accepted;
       }
       if (!form->closed) SellShares_Cancel(app(), *form);
       return true;
@@ -261,7 +236,7 @@ bool EnterSplit(Session& session, const LedgerEntry& entry) {
     if (form == nullptr) return false;
     if (FillSplit(app, *form, entry)) {
       PressOkSplitDiv(app, *form);
-      accepted = form->closed;
+      accepted = form->accepted;
     }
     if (!form->closed) SplitDiv_Cancel(app, *form);
     return true;
@@ -285,7 +260,7 @@ bool EnterAdjust(Session& session, const LedgerEntry& entry) {
       form->cost_basis = entry.amount;
       form->notes = entry.notes;
       AdjustBlock_OK(app, *form);
-      accepted = form->closed;
+      accepted = form->accepted;
     }
     if (!form->closed) AdjustBlock_Cancel(app, *form);
     return true;
@@ -298,8 +273,6 @@ bool EnterAdjust(Session& session, const LedgerEntry& entry) {
 
 bool EnterTransaction(Session& session, const LedgerEntry& entry) {
   Application& app = session.app;
-  const char* table = TableOf(entry.action);
-  const int64_t last_before = LastUniqueId(app, table);
   bool accepted = false;
   switch (entry.action) {
     case LedgerAction::kBuy:
@@ -317,8 +290,7 @@ bool EnterTransaction(Session& session, const LedgerEntry& entry) {
       accepted = EnterAdjust(session, entry);
       break;
   }
-  if (!accepted || app.ended || !app.client) return false;
-  return LastUniqueId(app, table) > last_before;
+  return accepted && !app.ended && app.client;
 }
 
 }  // namespace lotwise::cli

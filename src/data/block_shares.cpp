@@ -47,4 +47,13 @@ std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date 
   return blocks;
 }
 
+BlockShares BlockSharesNow(Database& client, int64_t block_no) {
+  Query q = client.Select(
+      R"(SELECT "Block No", "Block ID", "Date", "Shares Left" FROM "Blocks" WHERE "Block No" = :n)",
+      {{"n", block_no}});
+  if (!q.Next()) return {};
+  return {q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"),
+          RoundDouble(q.Double("Shares Left"), 5)};
+}
+
 }  // namespace lotwise

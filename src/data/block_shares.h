@@ -37,4 +37,8 @@ void ForEachOpenBlock(Database& client, int64_t sec_id,
 // decimals (0 for a block without any). One query serves the security.
 std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date as_of);
 
+// Returns block `block_no` with the shares it holds now (rounded to five
+// decimals, possibly 0), or a block numbered 0 when there is no such block.
+BlockShares BlockSharesNow(Database& client, int64_t block_no);
+
 }  // namespace lotwise

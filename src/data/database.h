@@ -190,6 +190,11 @@ class Database {
   static void SetBusyTimeout(int milliseconds);
   static int BusyTimeout();
 
+  // True while a unit of work is open on this connection. A question to the
+  // user must never be asked then: a shared file stays locked for every
+  // other user while the question waits for an answer.
+  bool InUnit() const { return transaction_depth_ > 0; }
+
   // One unit of work: commits only through Commit(); the destructor rolls
   // back whatever was not committed. Nested units become savepoints, so an
   // inner failure can be undone without losing the outer unit. A unit whose

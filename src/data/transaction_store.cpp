@@ -202,13 +202,38 @@ bool AddBuy(Application& app, int64_t sec_id, std::string& block_id, int16_t typ
   });
 }
 
+bool ConfirmSellOn(Application& app, int64_t block_no, Date date) {
+  return Trap(app, "AddSell", false, [&] {
+    // A second sale on one date deliberately reuses the purchase question.
+    return !BlockHasRowOn(app, "Sells In Block", block_no, date) || AskPurchaseExists(app, date);
+  });
+}
+
+bool ConfirmSplitOn(Application& app, int64_t block_no, int16_t type, Date date,
+                    std::optional<int16_t> replaced_type) {
+  return Trap(app, "AddSplit", false, [&] {
+    // Any split or dividend of the block on that date prompts, whatever its
+    // type, except the rows the entry replaces.
+    bool exists = false;
+    Query rows = SavedRowsOn(app, "Splits In Block", {{"lBlockNo", block_no}}, date);
+    while (!exists && rows.Next()) exists = !replaced_type || rows.Int("Type") != *replaced_type;
+    if (!exists) return true;
+    const std::string when = date.ToString();
+    return type == kTypeDividend
+               ? AskYesNo(app,
+                          "There is already a Stock Dividend(or Stock Split) on " + when +
+                              ".\nDo you still want to add this Stock Dividend?",
+                          "Stock Dividend with same Date exists")
+               : AskYesNo(app,
+                          "There is already a Stock Split(or Stock Dividend) on " + when +
+                              ".\nDo you still want to add this Stock Split?",
+                          "Stock Split with same Date exists");
+  });
+}
+
 bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
              double shares, const std::string& notes) {
   return Trap(app, "AddSell", false, [&] {
-    // A second sale on one date deliberately reuses the purchase question.
-    if (BlockHasRowOn(app, "Sells In Block", block_no, date) && !AskPurchaseExists(app, date)) {
-      return false;
-    }
     app.client->Execute(
         R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", "Prec Sort") )"
         R"(VALUES (:n, :date, :price, :fee, :shares, :notes, :prec))",
@@ -226,20 +251,6 @@ bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price,
 bool AddSplit(Application& app, int64_t block_no, int16_t type, Date date, double pre_ratio,
               double post_ratio, double shares, const std::string& notes) {
   return Trap(app, "AddSplit", false, [&] {
-    // Any split or dividend of the block on that date prompts, whatever its type.
-    if (BlockHasRowOn(app, "Splits In Block", block_no, date)) {
-      const std::string when = date.ToString();
-      bool yes = type == kTypeDividend
-                     ? AskYesNo(app,
-                                "There is already a Stock Dividend(or Stock Split) on " + when +
-                                    ".\nDo you still want to add this Stock Dividend?",
-                                "Stock Dividend with same Date exists")
-                     : AskYesNo(app,
-                                "There is already a Stock Split(or Stock Dividend) on " + when +
-                                    ".\nDo you still want to add this Stock Split?",
-                                "Stock Split with same Date exists");
-      if (!yes) return false;
-    }
     app.client->Execute(
         R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
         R"("Notes", "Prec Sort") VALUES (:n, :date, :type, :pre, :post, :shares, :notes, :prec))",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,10 +30,29 @@ inline constexpr int16_t kPrecSplit = 60;
 // new block's id ("01/15/1998-2") in `block_id`. Returns true iff written.
 bool AddBuy(Application& app, int64_t sec_id, std::string& block_id, int16_t type, Date date,
             Currency cost, double shares, Currency fee, const std::string& notes);
-// Files a sale row (shares negative) under block `block_no`.
+// What a "Modify Entire" entry replaces: every row of its own kind (sales;
+// splits or dividends of its type) of security `sec_id` dated `date`. The
+// replaced rows are deleted in the unit of work that stores the new entry.
+struct ReplacedEntry {
+  int64_t sec_id = 0;
+  Date date;
+};
+
+// The same-date questions of sales, splits and dividends. A sale, split or
+// dividend is entered over several blocks in one unit of work, and a user
+// who leaves a question open must not hold the file's write lock, so the
+// caller asks for every block before its unit begins. ConfirmSellOn asks
+// when block `block_no` already has a sale on `date`; ConfirmSplitOn when it
+// has a split or dividend of any type there, other than rows of
+// `replaced_type` that the entry is about to replace. Each returns true when
+// there is nothing to ask or the user answered Yes.
+bool ConfirmSellOn(Application& app, int64_t block_no, Date date);
+bool ConfirmSplitOn(Application& app, int64_t block_no, int16_t type, Date date,
+                    std::optional<int16_t> replaced_type = std::nullopt);
+// Files a sale row (shares negative) under block `block_no`; asks nothing.
 bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
              double shares, const std::string& notes);
-// Files a split (type 11) or stock dividend (type 21) row.
+// Files a split (type 11) or stock dividend (type 21) row; asks nothing.
 bool AddSplit(Application& app, int64_t block_no, int16_t type, Date date, double pre_ratio,
               double post_ratio, double shares, const std::string& notes);
 // Files an adjustment of shares and cost.

@@ -67,6 +67,7 @@ void DateLostFocusAB(Application& app, AdjustBlockForm& form) {
 }
 
 void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
+  form.accepted = false;
   TrapVoid(app, "AdjustBlock_OK", [&] {
     Date date;
     if (!DateValid(app.ui(), form.date, "date", date)) return;
@@ -89,6 +90,7 @@ void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
           "Error!", Icon::kCritical, Buttons::kOk);
       return;
     }
+    form.accepted = true;
     form.closed = true;
     UpdateTransInBlock(app, app.window.display.trans_filter);
     UpdateSharesInSec(app);

@@ -128,6 +128,7 @@ void FeeLostFocusBR(Application& app, BuyReinvestForm& form) {
 void UpdateTotalCostBR(BuyReinvestForm& form) { form.total_cost = form.cost_of_shares + form.fee; }
 
 void BuyReinvest_OK(Application& app, BuyReinvestForm& form, bool next_flag) {
+  form.accepted = false;
   TrapVoid(app, "BuyReinvest_OK", [&] {
     Date date;
     if (!DateValid(app.ui(), form.date, "date", date)) return;
@@ -167,6 +168,7 @@ void BuyReinvest_OK(Application& app, BuyReinvestForm& form, bool next_flag) {
     }
     // The entry is stored: from here on the form must not invite the user to
     // enter it again, whatever the refresh of the display does.
+    form.accepted = true;
     if (next_flag) {
       ClearForNext(form);
     } else {

@@ -29,6 +29,8 @@ struct BuyReinvestForm : DialogForm {
   std::string security;           // lblSecurity, ampersands doubled
   // Set when the dialog unloads (an accepted entry without Next, Cancel).
   bool closed = false;
+  // Set only when the last OK or Next stored its entry.
+  bool accepted = false;
   // The control that gets the focus next, when a procedure moves it.
   std::string focus;
 

@@ -1,5 +1,6 @@
 #include "lots/sell_shares.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -47,7 +48,6 @@ const char* MethodText(int16_t code) {
   }
   return nullptr;
 }
-
 
 void Tell(Application& app, const std::string& text, const char* title, Icon icon) {
   app.ui().MessageBox(text, title, icon, Buttons::kOk);
@@ -219,6 +219,7 @@ void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
       }
     }
     selected.empty = selected.entries.empty();
+    form.replaced = selected.entries;
     BuildSharesLeftList(app);
     ComputeSharesLeft(app);
     ComputeSharesSold(app);
@@ -324,6 +325,7 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
       Tell(app, "dlgSellShares has incorrect caption!", "Error", Icon::kCritical);
       return;
     }
+    form.accepted = false;
     HourglassGuard hourglass(app.ui());
     Date date;
     if (!DateValid(app.ui(), form.date, "Date", date)) return;
@@ -358,21 +360,21 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
                   "Sale Price is zero")) {
       return;
     }
-    if (modify) {
-      // The old rows go first and on their own, so that under FIFO their
-      // shares are available to the new selection; should the new sale then
-      // fail, the message below tells the user to enter it again.
-      app.client->ExecuteSaved("Delete Entire Sell",
-                               {{"lSecID", form.mod_sec_id}, {"dtDate", form.mod_date}});
-    }
-    if (!UserSelectsShares(method) && !SelectSharesByFIFO(app, shares)) return;
-    if (modify) {
-      app.ui().ProcessEvents();
-      DisplayBlock(app);
-    }
-    const bool added =
-        AddAllSales(app, app.sale_lists.selected, date, shares, sale_price, fee, form.notes);
+    if (!UserSelectsShares(method) && !SelectSharesByFIFO(app, shares, form.replaced)) return;
+    const ReplacedEntry replaced{form.mod_sec_id, form.mod_date};
+    bool committed = false;
+    const bool added = AddAllSales(app, app.sale_lists.selected, date, shares, sale_price, fee,
+                                   form.notes, modify ? &replaced : nullptr, &committed);
     if (app.ended) return;
+    if (modify && !committed) {
+      // The old rows are deleted only in the unit that stores the new ones.
+      Tell(app,
+           "The Sale was not changed: the original sale of " + form.mod_date.ToString() +
+               " is kept as it was. If there was an error message you should correct that "
+               "problem first, if possible, then click the OK button again.",
+           "Sale not changed", added ? Icon::kExclamation : Icon::kCritical);
+      return;
+    }
     if (!added) {
       Tell(app,
            "The Sale of Shares was not completed. If there was an error message you should "
@@ -380,6 +382,14 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
            "clicking the OK button.",
            "Sale not completed!", Icon::kCritical);
       return;
+    }
+    // Declined at a question or rolled back after a reported error: the
+    // dialog stays open with the user's values.
+    if (!committed) return;
+    form.accepted = true;
+    if (modify) {
+      app.ui().ProcessEvents();
+      DisplayBlock(app);
     }
     UpdateSharesInSec(app);
     SecurityDisplay& display = app.window.display;
@@ -399,14 +409,50 @@ void SellShares_Cancel(Application& app, SellSharesForm& form) {
   form.closed = true;
 }
 
-bool SelectSharesByFIFO(Application& app, double to_sell) {
+bool SelectSharesByFIFO(Application& app, double to_sell,
+                        const std::vector<ShareEntry>& given_back) {
   return Trap(app, "SelectSharesByFIFO", false, [&] {
     UiPort& ui = app.ui();
     ui.SetHelpBarText("Selecting shares for the sale");
     ShareList& selected = app.sale_lists.selected;
     app.sale_lists.Clear();
+    // The blocks of a replaced sale, with the shares it took added back.
+    // Those it emptied are not open blocks and are merged into the walk in
+    // block order.
+    std::vector<BlockShares> returned;
+    for (const ShareEntry& entry : given_back) {
+      BlockShares block = BlockSharesNow(*app.client, entry.block_no);
+      if (block.block_no == 0) continue;
+      block.shares = RoundDouble(block.shares + entry.shares, 5);
+      returned.push_back(block);
+    }
+    const auto before = [](const BlockShares& a, const BlockShares& b) {
+      return a.date != b.date ? a.date < b.date : a.block_id < b.block_id;
+    };
+    std::sort(returned.begin(), returned.end(), before);
+    size_t next_returned = 0;
+
     double still_to_sell = to_sell;
     bool found_shares = false;
+    const auto take = [&](const BlockShares& block) {
+      if (block.shares <= 0) return true;
+      double taken = still_to_sell;
+      if (block.shares <= still_to_sell) {
+        taken = block.shares;
+        still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
+      } else {
+        still_to_sell = 0;
+      }
+      selected.entries.push_back({"", block.block_no, taken});
+      selected.empty = false;
+      found_shares = true;
+      if (still_to_sell <= 0) {
+        ui.SetGauge(100);
+        return false;
+      }
+      ui.SetGauge(static_cast<int>((to_sell - still_to_sell) * 100 / to_sell));
+      return true;
+    };
     {
       GaugeGuard gauge(ui);
       // Only blocks that still hold shares come back (already rounded to
@@ -414,24 +460,20 @@ bool SelectSharesByFIFO(Application& app, double to_sell) {
       // the blocks emptied by earlier sales and the lots that stay open are
       // never read. The gauge follows the shares found, the block count
       // being unknown until the end.
+      bool go_on = true;
       ForEachOpenBlock(*app.client, app.current.sec_id, [&](const BlockShares& block) {
-        double taken = still_to_sell;
-        if (block.shares <= still_to_sell) {
-          taken = block.shares;
-          still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
+        while (go_on && next_returned < returned.size() && before(returned[next_returned], block)) {
+          go_on = take(returned[next_returned++]);
+        }
+        if (!go_on) return false;
+        if (next_returned < returned.size() && returned[next_returned].block_no == block.block_no) {
+          go_on = take(returned[next_returned++]);
         } else {
-          still_to_sell = 0;
+          go_on = take(block);
         }
-        selected.entries.push_back({"", block.block_no, taken});
-        selected.empty = false;
-        found_shares = true;
-        if (still_to_sell <= 0) {
-          ui.SetGauge(100);
-          return false;
-        }
-        ui.SetGauge(static_cast<int>((to_sell - still_to_sell) * 100 / to_sell));
-        return true;
+        return go_on;
       });
+      while (go_on && next_returned < returned.size()) go_on = take(returned[next_returned++]);
     }
     if (still_to_sell > 0) {
       // A selection that cannot cover the sale must not linger for a later
@@ -457,10 +499,21 @@ bool SelectSharesByFIFO(Application& app, double to_sell) {
 }
 
 bool AddAllSales(Application& app, const ShareList& selected, Date date, double shares,
-                 Currency sale_price, Currency fee, const std::string& notes) {
+                 Currency sale_price, Currency fee, const std::string& notes,
+                 const ReplacedEntry* replaced, bool* committed) {
+  if (committed != nullptr) *committed = false;
   return Trap(app, "AddAllSales", false, [&] {
     UiPort& ui = app.ui();
     ui.SetHelpBarText("Adding Sales, Please wait");
+    const std::vector<ShareEntry>& entries = selected.entries;
+    // Asked before the unit begins, never while holding the file's write
+    // lock. The rows of a replaced sale on the same date are about to go,
+    // and they are all the security's sales of that day.
+    if (replaced == nullptr || replaced->date != date) {
+      for (const ShareEntry& entry : entries) {
+        if (!ConfirmSellOn(app, entry.block_no, date)) return !app.ended;
+      }
+    }
     double price_per_share = 0;
     double fee_per_share = 0;
     if (shares != 0) {
@@ -469,8 +522,11 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
     }
     {
       Database::Transaction unit(*app.client);
+      if (replaced != nullptr) {
+        app.client->ExecuteSaved("Delete Entire Sell",
+                                 {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}});
+      }
       GaugeGuard gauge(ui);
-      const std::vector<ShareEntry>& entries = selected.entries;
       Currency price_total;
       Currency fee_total;
       bool all_written = true;
@@ -497,7 +553,10 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
       // An error that ends the program has closed the file, which undid the
       // unit; nothing more can be shown of it.
       if (app.ended) return false;
-      if (all_written) unit.Commit();
+      if (all_written) {
+        unit.Commit();
+        if (committed != nullptr) *committed = true;
+      }
     }
     UpdateTransInBlock(app, app.window.display.trans_filter);
     return true;

@@ -9,6 +9,7 @@
 #include "app/date.h"
 #include "app/sale_lists.h"
 #include "app/ui_port.h"
+#include "data/transaction_store.h"
 
 namespace lotwise {
 
@@ -48,10 +49,15 @@ struct SellSharesForm : DialogForm {
   bool num_shares_locked = false;  // DblNumShares read-only: filled by the selection
   std::string notes;               // txtNotes
   std::string security;            // lblSecurity, ampersands doubled
-  // Modify Entire Sell: the sale being replaced, whose rows go first.
+  // Modify Entire Sell: the sale being replaced (every Sell row of the
+  // security on that date) and its shares per block, which count as
+  // available again to the new sale's selection.
   int64_t mod_sec_id = 0;
   Date mod_date;
+  std::vector<ShareEntry> replaced;
   bool closed = false;
+  // Set only when OK stored the sale: its unit of work committed.
+  bool accepted = false;
   std::string focus;
 
   std::string_view Name() const override { return "dlgSellShares"; }
@@ -69,8 +75,9 @@ std::string GetSellName(Application& app, int16_t code);
 void ShowSellShares(Application& app);
 // Asks whether to replace the whole sale of the security dated `date`, then
 // opens the sale dialog filled with that sale's totals and block choice.
-// Accepting it deletes every Sell row of the security on that date before
-// the new sale is written.
+// Accepting it replaces every Sell row of the security on that date with
+// the new sale, in one unit of work: until the new sale is stored, the old
+// one stays.
 void ShowModEntireSell(Application& app, int64_t sec_id, Date date);
 
 // Field checks, run when the field loses the focus. They warn about
@@ -89,26 +96,37 @@ void SellMethodChange(Application& app, SellSharesForm& form);
 
 // The OK button (`modify` true when the caption is "Modify Entire Sell"):
 // checks the entry, selects the shares, writes the sale and fixes the
-// security's method. Sets form.closed when the sale is complete; otherwise
-// the dialog stays open with the user's values.
+// security's method. Sets form.accepted and form.closed when the sale is
+// stored; otherwise the dialog stays open with the user's values (and a
+// replaced sale is kept as it was).
 void SellShares_OK(Application& app, SellSharesForm& form, bool modify);
 // The Cancel button: forgets the selection and closes the dialog.
 void SellShares_Cancel(Application& app, SellSharesForm& form);
 
 // Fills app.sale_lists.selected from the current security's blocks, oldest
-// first, with `to_sell` shares. Returns true iff they cover the sale;
-// otherwise tells the user how many shares there are and leaves both lists
-// empty.
-bool SelectSharesByFIFO(Application& app, double to_sell);
+// first, with `to_sell` shares. The shares of `given_back` (those of a sale
+// being replaced) count as held by their blocks. Returns true iff they cover
+// the sale; otherwise tells the user how many shares there are and leaves
+// both lists empty.
+bool SelectSharesByFIFO(Application& app, double to_sell,
+                        const std::vector<ShareEntry>& given_back = {});
 
 // Writes one Sell row per entry of `selected`, apportioning the sale price
 // and fee by shares (each to the cent, the last row taking the rounding
-// difference), all in one unit of work committed only when every row was
-// written. Returns false only after an error it trapped itself (or one that
-// is ending the program); a sale that AddSell refused is rolled back and
-// still returns true.
+// difference). Every same-date question is asked first; then the rows of
+// `replaced` (when given) are deleted and the new rows written in one unit
+// of work, committed only when every row was written, so that a replaced
+// sale is gone only once its successor is stored. `*committed` (when given)
+// is set iff that unit committed.
+//
+// Returns false only after an error it trapped itself (or one that is
+// ending the program). A sale the user declined at a question, or one that
+// was rolled back after AddSell reported its own error, still returns true:
+// the user has been told, and the caller's "not completed" message would
+// only repeat it. Read `*committed` to know whether the sale was stored.
 bool AddAllSales(Application& app, const ShareList& selected, Date date, double shares,
-                 Currency sale_price, Currency fee, const std::string& notes);
+                 Currency sale_price, Currency fee, const std::string& notes,
+                 const ReplacedEntry* replaced = nullptr, bool* committed = nullptr);
 
 // The help-bar text of a control of the sale dialog.
 std::string HelpText(const SellSharesForm& form, std::string_view control);

@@ -1,5 +1,7 @@
 #include "lots/split_dividend.h"
 
+#include <optional>
+#include <set>
 #include <vector>
 
 #include "app/application.h"
@@ -45,7 +47,6 @@ bool CheckRatio(Application& app, SplitDivForm& form, double ratio, const char* 
   form.focus = control;
   return false;
 }
-
 
 // The gauge position after step `done` of `count`, within [from, from + span].
 int GaugeAt(int from, int span, size_t done, size_t count) {
@@ -128,15 +129,20 @@ void ShowModEntSplitDiv(Application& app, int64_t sec_id, Date date, int16_t typ
       Query rows = ClientFile(app).SelectSaved(
           "Get Entire SplitDiv",
           {{"lSecID", sec_id}, {"dtDate", date}, {"nType", split ? kTypeSplit : kTypeDividend}});
-      if (rows.Next()) {
-        form.pre_ratio = rows.Double("Pre Ratio");
-        form.post_ratio = rows.Double("Post Ratio");
-        form.notes = rows.Text("Notes");
+      std::set<int64_t> blocks_replaced;
+      while (rows.Next()) {
+        if (blocks_replaced.empty()) {
+          form.pre_ratio = rows.Double("Pre Ratio");
+          form.post_ratio = rows.Double("Post Ratio");
+          form.notes = rows.Text("Notes");
+        }
+        blocks_replaced.insert(rows.Int("Block No"));
       }
       form.date = date.ToString();
-      // The rows replaced lie in every block; the new entry goes to every
-      // block too unless the user narrows it.
-      form.blocks = SplitDivForm::kAllBlocks;
+      // A correction starts on the scope of the entry it replaces.
+      form.blocks = blocks_replaced.size() == 1 && blocks_replaced.contains(app.current.block_no)
+                        ? SplitDivForm::kCurrentBlock
+                        : SplitDivForm::kAllBlocks;
       FillSecurity(app, form);
     }
     app.ui().RunModal(form);
@@ -181,17 +187,23 @@ void SplitDiv_OK(Application& app, SplitDivForm& form, bool modify_flag) {
     Date date;
     if (!DateValid(app.ui(), form.date, "Date", date)) return;
     const int16_t type = SplitDivType(form.caption);
-    if (modify_flag) {
-      // Deliberately outside the unit of work below: the user is told to
-      // enter the transaction again when the new rows cannot be written.
-      ClientFile(app).ExecuteSaved(
-          "Delete Entire SplitDiv",
-          {{"lSecID", form.modify_sec_id}, {"dtDate", form.modify_date}, {"nType", type}});
-    }
-    if (AddAllSplitDivs(app, type, date, form.pre_ratio, form.post_ratio, form.notes,
-                        form.blocks)) {
+    form.accepted = false;
+    const ReplacedEntry replaced{form.modify_sec_id, form.modify_date};
+    int added = 0;
+    if (AddAllSplitDivs(app, type, date, form.pre_ratio, form.post_ratio, form.notes, form.blocks,
+                        modify_flag ? &replaced : nullptr, &added)) {
+      form.accepted = added > 0;
       form.closed = true;
       UpdateSharesInSec(app);
+      return;
+    }
+    if (modify_flag) {
+      if (app.ended) return;
+      app.ui().MessageBox(
+          "The transaction was not changed: the original one of " + form.modify_date.ToString() +
+              " is kept as it was. If an error message was displayed the error will need to be "
+              "corrected before you click the OK button again.",
+          "Transaction not changed", Icon::kExclamation, Buttons::kOk);
       return;
     }
     app.ui().MessageBox(
@@ -208,29 +220,58 @@ void PressOkSplitDiv(Application& app, SplitDivForm& form) {
 void SplitDiv_Cancel(Application&, SplitDivForm& form) { form.closed = true; }
 
 bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, double post,
-                     const std::string& notes, int blocks) {
+                     const std::string& notes, int blocks, const ReplacedEntry* replaced,
+                     int* rows_added) {
   const std::string grid_block = app.current.block_id;
+  if (rows_added != nullptr) *rows_added = 0;
   bool committed = Trap(app, "AddAllSplitDivs", false, [&] {
     UiPort& ui = app.ui();
     ui.SetHelpBarText(type == kTypeSplit ? "Calculating and adding Stock Split"
                                          : "Calculating and adding Stock Dividend");
     GaugeGuard gauge(ui);
+    Database& client = ClientFile(app);
 
-    // Phase one: the shares of each block treated, as of the split date.
-    std::vector<BlockShares> work = BlockSharesAsOf(ClientFile(app), app.current.sec_id, date);
+    // Phase one: the shares of each block treated, as of the split date,
+    // without the rows being replaced.
+    std::vector<BlockShares> work = BlockSharesAsOf(client, app.current.sec_id, date);
     if (blocks != SplitDivForm::kAllBlocks) {
       std::erase_if(work, [&](const BlockShares& b) { return b.block_no != app.current.block_no; });
+    }
+    if (replaced != nullptr && replaced->date <= date) {
+      Query old_rows = client.SelectSaved(
+          "Get Entire SplitDiv",
+          {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}, {"nType", type}});
+      while (old_rows.Next()) {
+        for (BlockShares& block : work) {
+          if (block.block_no != old_rows.Int("Block No")) continue;
+          block.shares = RoundDouble(block.shares - old_rows.Double("Shares"), 5);
+        }
+      }
     }
     for (size_t i = 0; i < work.size(); ++i) {
       ui.SetGauge(GaugeAt(0, 50, i + 1, work.size()));
       ui.ProcessEvents();
+    }
+    // Every question before the unit begins, never while holding the
+    // file's write lock.
+    const std::optional<int16_t> type_replaced =
+        replaced != nullptr && replaced->date == date ? std::optional<int16_t>(type) : std::nullopt;
+    for (const BlockShares& block : work) {
+      if (block.shares > 0 && !ConfirmSplitOn(app, block.block_no, type, date, type_replaced)) {
+        return false;
+      }
     }
 
     // Phase two: one row per block still holding shares, all or none.
     bool all_added = true;
     int added = 0;
     {
-      Database::Transaction unit(ClientFile(app));
+      Database::Transaction unit(client);
+      if (replaced != nullptr) {
+        client.ExecuteSaved(
+            "Delete Entire SplitDiv",
+            {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}, {"nType", type}});
+      }
       for (size_t i = 0; i < work.size(); ++i) {
         if (work[i].shares > 0) {
           if (!AddSplit(app, work[i].block_no, type, date, pre, post,
@@ -243,6 +284,8 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
         ui.SetGauge(GaugeAt(50, 50, i + 1, work.size()));
         ui.ProcessEvents();
       }
+      // A replacement that stores nothing would only delete the entry.
+      if (replaced != nullptr && added == 0) all_added = false;
       if (all_added) unit.Commit();
     }
     if (added == 0) {
@@ -251,6 +294,7 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
           "check your data, and try this again.",
           "Please Note!", Icon::kInformation, Buttons::kOk);
     }
+    if (all_added && rows_added != nullptr) *rows_added = added;
     return all_added;
   });
   // A program that is ending has closed the file the display would read.

@@ -6,6 +6,7 @@
 
 #include "app/date.h"
 #include "app/ui_port.h"
+#include "data/transaction_store.h"
 
 namespace lotwise {
 
@@ -38,6 +39,9 @@ struct SplitDivForm : DialogForm {
   int64_t modify_sec_id = 0;
   Date modify_date;
   bool closed = false;
+  // Set only when OK stored the entry: its unit of work committed with at
+  // least one row.
+  bool accepted = false;
   std::string focus;
 
   std::string_view Name() const override { return "dlgSplitDiv"; }
@@ -55,6 +59,9 @@ void ShowSplit(Application& app, const std::string& caption);
 // Asks whether every split (type 11) or dividend (21) of security `sec_id`
 // on `date` may be treated as one, and on Yes shows the dialog filled with
 // their ratios and notes, as "Modify Entire Split" or "... Stock Dividend".
+// The dialog starts on "Current Block" when the rows replaced sit in one
+// block and on "All Blocks" when they sit in several, so that an entry made
+// for one block is not spread to every block by its correction.
 void ShowModEntSplitDiv(Application& app, int64_t sec_id, Date date, int16_t type);
 
 // Field checks on leaving a field. Each tells the user what is wrong and
@@ -66,9 +73,10 @@ bool CheckPostRatioSD(Application& app, SplitDivForm& form);
 void DateLostFocusSD(Application& app, SplitDivForm& form);
 
 // Enters the split or dividend. With `modify_flag` the rows being replaced
-// are deleted first, on their own: a failure of the new entry does not
-// bring them back, and the user is told to enter it again. Closes the form
-// on success; otherwise it stays open as typed.
+// are deleted in the unit that stores the new rows: either the new entry is
+// stored and the old rows are gone, or nothing changed and the user is told
+// so. Sets form.accepted and closes the form on success; otherwise it stays
+// open as typed.
 void SplitDiv_OK(Application& app, SplitDivForm& form, bool modify_flag);
 // The OK button: SplitDiv_OK with the modify flag set by the caption.
 void PressOkSplitDiv(Application& app, SplitDivForm& form);
@@ -76,12 +84,16 @@ void PressOkSplitDiv(Application& app, SplitDivForm& form);
 void SplitDiv_Cancel(Application& app, SplitDivForm& form);
 
 // Computes the shares each block holds on `date` (the day's own
-// transactions included) and, in one unit of work, files a Split row of
-// `type` under each block holding more than 0 shares: the current block
-// only, or every block when `blocks` is 1. Tells the user when no row was
-// added. Returns true iff the unit was committed.
+// transactions included, the rows of `replaced` left out), asks every
+// same-date question, and then in one unit of work deletes the rows of
+// `replaced` (when given) and files a Split row of `type` under each block
+// holding more than 0 shares: the current block only, or every block when
+// `blocks` is 1. Tells the user when no row was added; a replacement that
+// adds no row is not stored. Returns true iff the unit was committed;
+// `*rows_added` (when given) gets the number of rows it stored.
 bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, double post,
-                     const std::string& notes, int blocks);
+                     const std::string& notes, int blocks, const ReplacedEntry* replaced = nullptr,
+                     int* rows_added = nullptr);
 // The shares a split (11) or dividend (21) of pre:post adds to a block of
 // `shares`, rounded to five decimals; 0 when `post` is 0.
 double SplitSharesAdded(int16_t type, double pre, double post, double shares);

@@ -14,6 +14,11 @@ namespace {
 const std::string kReviewAdvice =
     " If you think this is incorrect, please review your security for any incorrect, or missing "
     "transactions.";
+const char* const kFileBusy =
+    "the file being accessed is currently unavailable. This is probably because either another "
+    "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been opened "
+    "by another program. \nIf this is the case, you will need to close the file in any other "
+    "applications before this operation can be performed successfully.";
 const std::string kNotEnough =
     " shares in this security. There are not enough shares to make the sale." + kReviewAdvice;
 
@@ -224,12 +229,7 @@ TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
     SellShares_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   });
-  ui_.Expect(
-      "the file being accessed is currently unavailable. This is probably because either another "
-      "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been "
-      "opened by another program. \nIf this is the case, you will need to close the file in any "
-      "other applications before this operation can be performed successfully.",
-      "Warning");
+  ui_.Expect(kFileBusy, "Warning");
   ui_.Expect(
       "The Sale of Shares was not completed. If there was an error message you should correct "
       "that problem first, if possible. You will need to add this Sale again by clicking the OK "
@@ -239,10 +239,10 @@ TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
   EXPECT_EQ(SellRows(), Rows{"01/01/2024-1 -40 400 0"});
 }
 
-// Modify Entire Sell shows the day's rows as one sale and deletes them
-// before the new sale is selected, so that their shares count again; they
-// stay deleted when the new sale cannot be covered. Under specific
-// identification the selection starts from the old choice.
+// Modify Entire Sell shows the day's rows as one sale whose shares count
+// again for the new selection, and replaces them only in the unit that
+// stores the new sale. Under specific identification the selection starts
+// from the old choice.
 class ModEntireSellTest : public SaleTest {
  protected:
   void SetUp() override {
@@ -283,19 +283,69 @@ TEST_F(ModEntireSellTest, ShowModEntireSell_Fifo_ReplacesTheDay) {
   EXPECT_EQ(app_->window.display.total_shares, "19");
 }
 
-TEST_F(ModEntireSellTest, ShowModEntireSell_NotCovered_OldRowsStayDeleted) {
+// A replacement that is not stored leaves the old sale as it was: not
+// covered (the dialog stays open and is cancelled), declined at the
+// same-date question of another day's sale, or refused by a file another
+// user is writing.
+struct KeptCase {
+  const char* name;
+  double shares;
+  const char* date;
+  bool busy = false;
+};
+
+class ModEntireSellKeptTest : public ModEntireSellTest,
+                              public ::testing::WithParamInterface<KeptCase> {};
+
+TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
+  const KeptCase& c = GetParam();
+  const Rows before = SellRows();
   OpenSecurity(kSellFifo);
+  std::unique_ptr<Database> other;
+  std::unique_ptr<Database::Transaction> lock;
+  if (c.busy) {
+    Database::SetBusyTimeout(50);
+    app_->client = Database::Open(client_path_);
+    other = Database::Open(client_path_);
+    Database::SetBusyTimeout(Database::kDefaultBusyTimeoutMs);
+    lock = std::make_unique<Database::Transaction>(*other);
+  }
   OnSale([&](SellSharesForm& form) {
-    form.num_shares = 250;
+    form.num_shares = c.shares;
+    form.date = c.date;
     SellShares_OK(*app_, form, true);
+    lock.reset();
+    EXPECT_FALSE(form.accepted);
+    EXPECT_FALSE(form.closed);
     SellShares_Cancel(*app_, form);
   });
-  ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
+  const std::string kept =
+      "The Sale was not changed: the original sale of 06/03/2024 is kept as it was. If there was "
+      "an error message you should correct that problem first, if possible, then click the OK "
+      "button again.";
+  if (c.shares > 199) {
+    ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
+  } else if (c.busy) {
+    ui_.Expect(kFileBusy, "Warning");
+    ui_.Expect(kept, "Sale not changed", Icon::kCritical, Buttons::kOk);
+  } else {
+    ui_.Expect(
+        "There is already a Purchase of Shares in this Security on 06/04/2024.\nDo you "
+        "still want to add this transaction?",
+        "Purchase with same date exists", Answer::kNo);
+    ui_.Expect(kept, "Sale not changed", Icon::kExclamation, Buttons::kOk);
+  }
   ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
-  EXPECT_TRUE(SellRows().empty());
+  EXPECT_EQ(SellRows(), before);
   EXPECT_EQ(SellRows("06/04/2024"), Rows{"03/01/2024-1 -1 9 0"});
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
+
+INSTANTIATE_TEST_SUITE_P(Sales, ModEntireSellKeptTest,
+                         ::testing::Values(KeptCase{"NotCovered", 250, "06/03/2024"},
+                                           KeptCase{"SameDateDeclined", 120, "06/04/2024"},
+                                           KeptCase{"FileBusy", 150, "06/03/2024", true}),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ModEntireSellTest, ShowModEntireSell_Specific_StartsFromOldChoice) {
   OpenSecurity(kSellSpecificId);

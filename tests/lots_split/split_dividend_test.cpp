@@ -218,8 +218,8 @@ TEST_F(SplitDivTest, AllBlocks_SecondWriteFails_NoRowRemains) {
 }
 
 // Modify Entire Split replaces the day's split rows of every block; the
-// old rows go before the shares are computed, so the new ratio applies to
-// the shares held before the split. Other days' rows stay as they were.
+// shares are computed without the old rows, so the new ratio applies to the
+// shares held before the split. Other days' rows stay as they were.
 TEST_F(SplitDivTest, ModifyEntireSplit_ReplacesTheDaysRows) {
   BuyShares("01/02/2024", 100, "1000");
   const std::string second = BuyShares("01/03/2024", 30, "300");
@@ -230,6 +230,7 @@ TEST_F(SplitDivTest, ModifyEntireSplit_ReplacesTheDaysRows) {
              Answer::kYes);
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
     EXPECT_EQ(form.caption, "Modify Entire Split");
+    EXPECT_EQ(form.blocks, SplitDivForm::kAllBlocks);
     EXPECT_EQ(form.date, "03/01/2024");
     EXPECT_EQ(form.pre_ratio, 2);
     EXPECT_EQ(form.notes, "as announced");
@@ -247,31 +248,44 @@ TEST_F(SplitDivTest, ModifyEntireSplit_ReplacesTheDaysRows) {
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-// The deletion of Modify Entire stands on its own: when the new entry then
-// fails (the user declines the question about the day's dividend), the old
-// split rows stay deleted and the user is told to enter it again.
-TEST_F(SplitDivTest, ModifyEntireSplit_NewEntryFails_OldRowsStayDeleted) {
-  LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
-  EnterAll(kTypeSplit, "03/01/2024", 2, 1);
+// A correction starts on the scope of the entry it replaces (here one
+// block of two) and deletes the old rows only in the unit that stores the
+// new ones: when the user declines the question about the day's dividend,
+// the old split stays and the user is told so.
+TEST_F(SplitDivTest, ModifyEntireSplit_OneBlockDeclined_OldRowsKept) {
+  BuyShares("01/02/2024", 100, "1000");
+  LoadBlocks(BuyShares("01/03/2024", 10, "100"));
+  SplitDivForm split = AllBlocksForm("03/01/2024", 2, 1);
+  split.blocks = SplitDivForm::kCurrentBlock;
+  PressOkSplitDiv(*app_, split);
+  ASSERT_TRUE(split.accepted);
   ui_.Expect(
       "There is already a Stock Dividend(or Stock Split) on 03/01/2024.\nDo you still want to "
       "add this Stock Dividend?",
       "Stock Dividend with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
   EnterAll(kTypeDividend, "03/01/2024", 0.1, 1);
+  const std::vector<std::string> before = SplitRows();
   ui_.Expect(ModifyQuestion("stock split"), "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo,
              Answer::kYes);
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
+    EXPECT_EQ(form.blocks, SplitDivForm::kCurrentBlock);
+    form.pre_ratio = 3;
     PressOkSplitDiv(*app_, form);
     EXPECT_FALSE(form.closed);
+    EXPECT_FALSE(form.accepted);
   });
   ui_.Expect(
       "There is already a Stock Split(or Stock Dividend) on 03/01/2024.\nDo you still want to add "
       "this Stock Split?",
       "Stock Split with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
-  ui_.Expect(kNotMade, "Transaction not completed", Icon::kExclamation, Buttons::kOk);
+  ui_.Expect(
+      "The transaction was not changed: the original one of 03/01/2024 is kept as it was. If an "
+      "error message was displayed the error will need to be corrected before you click the OK "
+      "button again.",
+      "Transaction not changed", Icon::kExclamation, Buttons::kOk);
   ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeSplit);
-  EXPECT_EQ(SplitRows(), std::vector<std::string>{"01/02/2024-1|03/01/2024|21|50|0.1|1|20|"});
+  EXPECT_EQ(SplitRows(), before);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
 // Without a block there is nothing to split or modify; a No to the modify

@@ -54,6 +54,9 @@ void AppTest::SetUp() {
   fs::create_directories(root_ + "data/client");
   env_ = std::make_unique<FakeEnvironment>(root_ + "tmp/");
   app_ = std::make_unique<Application>(ui_, *env_, program_folder_, "lotwise");
+  ui_.ForbidQuestionsWhile([this] {
+    return (app_->client && app_->client->InUnit()) || (app_->central && app_->central->InUnit());
+  });
   app_->settings_store_path = root_ + "config/Tarnwick/Lw.ini";
   app_->temp_folder = root_ + "tmp/";
   app_->ssf_folder = root_ + "data/central/";

@@ -72,8 +72,8 @@ ScriptedUi& ScriptedUi::ExpectDialog(std::string name, std::function<void(Dialog
 
 void ScriptedUi::VerifyDone() {
   for (const Step& step : steps_) {
-    ADD_FAILURE() << "expected " << KindName(static_cast<int>(step.kind))
-                  << " never came: title \"" << step.title << "\", text \"" << step.text << "\"";
+    ADD_FAILURE() << "expected " << KindName(static_cast<int>(step.kind)) << " never came: title \""
+                  << step.title << "\", text \"" << step.text << "\"";
   }
   steps_.clear();
 }
@@ -97,10 +97,15 @@ std::optional<ScriptedUi::Step> ScriptedUi::Take(Kind kind, const std::string& w
 Answer ScriptedUi::MessageBox(std::string_view text, std::string_view title, Icon icon,
                               Buttons buttons) {
   shown_.push_back(std::string(title) + ": " + std::string(text));
-  auto step = Take(Kind::kMessage, "\"" + std::string(title) + "\" / \"" + std::string(text) + "\"");
+  if (buttons != Buttons::kOk && holding_lock_ && holding_lock_()) {
+    ADD_FAILURE() << "question asked inside a unit of work: " << title << ": " << text;
+  }
+  auto step =
+      Take(Kind::kMessage, "\"" + std::string(title) + "\" / \"" + std::string(text) + "\"");
   // Without a script, the answer that changes the least.
-  if (!step) return buttons == Buttons::kYesNo || buttons == Buttons::kYesNoCancel ? Answer::kNo
-                                                                                   : Answer::kCancel;
+  if (!step)
+    return buttons == Buttons::kYesNo || buttons == Buttons::kYesNoCancel ? Answer::kNo
+                                                                          : Answer::kCancel;
   EXPECT_EQ(step->title, title);
   EXPECT_EQ(step->text, text);
   if (step->icon) {

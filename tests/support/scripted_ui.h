@@ -31,6 +31,12 @@ class ScriptedUi : public UiPort {
   // Expects the modal dialog `name`; `script` plays the user's part on it.
   ScriptedUi& ExpectDialog(std::string name, std::function<void(DialogForm&)> script);
 
+  // Fails the test whenever a question (Yes/No, OK/Cancel…) is asked while
+  // `holding_lock` returns true.
+  void ForbidQuestionsWhile(std::function<bool()> holding_lock) {
+    holding_lock_ = std::move(holding_lock);
+  }
+
   // Fails the test when an expected step did not happen.
   void VerifyDone();
   // True iff every expected step has happened.
@@ -85,6 +91,7 @@ class ScriptedUi : public UiPort {
   std::string Pick(const FileRequest& request);
 
   std::deque<Step> steps_;
+  std::function<bool()> holding_lock_;
   std::vector<std::string> help_texts_;
   std::vector<std::string> shown_;
   std::vector<std::string> printed_;

@@ -39,8 +39,9 @@ class TransactionStoreTest : public StoreTest {
     client_path_ = app_->client->path();
   }
 
-  // Enters one transaction of `kind`: acquisitions open a block of `sec_id`
-  // (its id lands in block_id_), the other kinds are filed under `block_no`.
+  // Enters one transaction of `kind` as its dialog does, the same-date
+  // question first: acquisitions open a block of `sec_id` (its id lands in
+  // block_id_), the other kinds are filed under `block_no`.
   bool Enter(Kind kind, int64_t sec_id, int64_t block_no, const char* date) {
     switch (kind) {
       case kBuy:
@@ -48,9 +49,11 @@ class TransactionStoreTest : public StoreTest {
         return AddBuy(*app_, sec_id, block_id_, kind, D(date), Money("1000"), 10, {}, "");
       case kSplit:
       case kDividend:
-        return AddSplit(*app_, block_no, kind, D(date), 1, 2, 10, "");
+        return ConfirmSplitOn(*app_, block_no, kind, D(date)) &&
+               AddSplit(*app_, block_no, kind, D(date), 1, 2, 10, "");
       case kSell:
-        return AddSell(*app_, block_no, D(date), Money("500"), Money("5"), -4, "");
+        return ConfirmSellOn(*app_, block_no, D(date)) &&
+               AddSell(*app_, block_no, D(date), Money("500"), Money("5"), -4, "");
       case kAdjust:
         return AddAdjust(*app_, block_no, D(date), 1, Money("10"), "");
     }
