@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "app/application.h"
@@ -158,10 +159,19 @@ int RunBasis(const Context& context, const BasisOptions& options) {
   if (!scope) return kUsageError;
   int16_t unsold_method = kSellNotSelected;
   if (!options.unsold_method.empty()) unsold_method = SellMethodFromName(options.unsold_method);
+  // An option the run would not act on is refused, never passed over.
   const bool schedule_d = options.kind != BasisKind::kBasis || options.with_schedule_d;
-  if (!options.csv.empty() && !schedule_d) {
-    std::cerr
-        << "--csv needs a Schedule D attachment: use report schedule-d or --with-schedule-d\n";
+  for (const auto& [given, name] :
+       {std::pair{!options.csv.empty(), "--csv"}, std::pair{options.elections, "--elections"}}) {
+    if (given && !schedule_d) {
+      std::cerr << name
+                << " needs a Schedule D attachment: use report schedule-d or --with-schedule-d\n";
+      return kUsageError;
+    }
+  }
+  if (options.exclude_empty && options.kind == BasisKind::kScheduleD) {
+    std::cerr << "--exclude-empty leaves securities out of the Basis Analysis only: use report "
+                 "basis\n";
     return kUsageError;
   }
 
@@ -177,10 +187,13 @@ int RunBasis(const Context& context, const BasisOptions& options) {
   request.destination = ReportDestination::kScreen;
   request.exclude_empty = options.exclude_empty;
   request.elections = options.elections;
-  if (!RunBasisWithoutWindow(session, request, unsold_method, AbsolutePath(options.csv))) {
-    return session.ExitCode(false);
-  }
-  return session.ExitCode(DeliverOutputs(session, options.out, kBasisTables));
+  const bool ran =
+      RunBasisWithoutWindow(session, request, unsold_method, AbsolutePath(options.csv));
+  // Nothing shown: nothing was computed. A report that failed still leaves
+  // the others and the tables they were run from to deliver.
+  if (!ran && DocumentsSince(session, 0).empty()) return session.ExitCode(false);
+  const bool delivered = DeliverOutputs(session, options.out, kBasisTables);
+  return session.ExitCode(ran && delivered);
 }
 
 int RunTransList(const Context& context, const TransListOptions& options) {
@@ -245,8 +258,10 @@ void AddBasisCommand(CLI::App* report, Context& context, std::vector<Command>& c
   command->add_option("--year-end", options->year_end, "Year end, mm/dd/yyyy")->required();
   command->add_flag("--summary", options->summary, "Summary instead of detail");
   command->add_flag("--exclude-empty", options->exclude_empty,
-                    "Leave out securities with no shares owned at the year end");
-  command->add_flag("--elections", options->elections, "Also run the Schedule D elections");
+                    "Leave out of the Basis Analysis the securities with no shares owned at the "
+                    "year end");
+  command->add_flag("--elections", options->elections,
+                    "Also run the Schedule D elections (with a Schedule D attachment)");
   if (kind == BasisKind::kBasis) {
     command->add_flag("--with-schedule-d", options->with_schedule_d,
                       "Also run the Schedule D attachment");

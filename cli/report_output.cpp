@@ -4,6 +4,7 @@
 #include <array>
 #include <cctype>
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -45,6 +46,20 @@ FileStamp StampOf(const std::string& path) {
   if (path.empty() || !std::filesystem::exists(path, ec)) return {};
   const auto written = std::filesystem::last_write_time(path, ec);
   return ec ? FileStamp{} : FileStamp{true, written};
+}
+
+// Console text sets each text at the column of its place on the page: a
+// character stands for about the advance of a digit at the reports' 9-point
+// size, so that dates and amounts fit their columns.
+constexpr double kPointsPerChar = 5.0;
+// Texts whose baselines are closer than this share a line.
+constexpr double kSameBaseline = 0.01;
+
+// Characters, not bytes, of UTF-8 text.
+size_t CharCount(const std::string& text) {
+  return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
 }
 
 bool SameNameIgnoringCase(const std::string& a, const std::string& b) {
@@ -133,10 +148,55 @@ bool WriteDocumentsPdf(const std::vector<ReportDocument>& documents, const std::
   }
 }
 
+std::string ColumnText(const ReportDocument& document) {
+  std::vector<const ReportText*> texts;
+  double left = document.page_width;
+  for (const ReportPage& page : document.pages) {
+    for (const ReportText& text : page.texts) {
+      if (!text.text.empty()) left = std::min(left, text.x);
+    }
+  }
+  std::string out;
+  for (size_t p = 0; p < document.pages.size(); ++p) {
+    if (p > 0) out += '\f';
+    texts.clear();
+    for (const ReportText& text : document.pages[p].texts) {
+      if (!text.text.empty()) texts.push_back(&text);
+    }
+    std::stable_sort(texts.begin(), texts.end(), [](const ReportText* a, const ReportText* b) {
+      if (std::abs(a->y - b->y) >= kSameBaseline) return a->y < b->y;
+      return a->x < b->x;
+    });
+    size_t used = 0;  // characters on the line so far
+    for (size_t i = 0; i < texts.size(); ++i) {
+      const ReportText& text = *texts[i];
+      if (i > 0 && std::abs(text.y - texts[i - 1]->y) >= kSameBaseline) {
+        out += '\n';
+        used = 0;
+      }
+      const auto length = static_cast<double>(CharCount(text.text));
+      double start = (text.x - left) / kPointsPerChar;
+      if (text.align == ReportText::Align::kRight) {
+        start = (text.x + text.width - left) / kPointsPerChar - length;
+      } else if (text.align == ReportText::Align::kCenter) {
+        start = (text.x + text.width / 2 - left) / kPointsPerChar - length / 2;
+      }
+      // A text wider than its cell pushes the next one on, a blank apart.
+      const size_t first = used == 0 ? 0 : used + 1;
+      const size_t column = std::max(first, static_cast<size_t>(std::max(0.0, std::round(start))));
+      out.append(column - used, ' ');
+      out += text.text;
+      used = column + CharCount(text.text);
+    }
+    if (!texts.empty()) out += '\n';
+  }
+  return out;
+}
+
 void PrintDocuments(std::ostream& out, const std::vector<ReportDocument>& documents) {
   for (size_t i = 0; i < documents.size(); ++i) {
     if (i > 0) out << '\f';
-    out << documents[i].PlainText();
+    out << ColumnText(documents[i]);
   }
 }
 

@@ -38,7 +38,11 @@ bool WriteTablesJson(Session& session, const std::vector<std::string>& tables,
 // Writes the documents into one PDF at `path`. Returns true iff written;
 // otherwise says why on the error stream.
 bool WriteDocumentsPdf(const std::vector<ReportDocument>& documents, const std::string& path);
-// Writes the documents' plain text, a form feed between two documents as
+// The document as console text: each text at the column of its place on
+// the page (its cell's alignment kept), so that values stay under their
+// headings even where a cell is empty; pages separated by a form feed.
+std::string ColumnText(const ReportDocument& document);
+// Writes the documents' console text, a form feed between two documents as
 // between two pages.
 void PrintDocuments(std::ostream& out, const std::vector<ReportDocument>& documents);
 

@@ -275,7 +275,7 @@ const std::array kTaxpayerQueries = {
 const std::array kReportQueries = {
     // A pool's rows in date order: the lots feed it block after block, but
     // an average must see every lot held on a sale's date. Mirror rows carry
-    // the same-date precedence as TransNo, transfers 100 (after the day's
+    // the same-date precedence as TransNo, transfers 0 (before the day's
     // transactions); ties keep the order written.
     SavedQuery{"Get Basis Rpt Trans",
                R"(SELECT "Transaction", "Date", "Date Acqrd", "Shares", "Sale Price", "Fee", "Cost", )"

@@ -115,31 +115,33 @@ bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
       return false;
     }
 
+    // A report that cannot run (a definition file missing, a print job
+    // cancelled) has been reported; the others and the export file still
+    // come, since the tables they read are complete.
+    bool all_ran = true;
     auto run_report = [&](const ReportRun& report) {
       ui.SetHelpBarText(report.status);
-      return RunReport(app, ReportFilePath(app, report.file), app.report_db_path,
-                       request.destination, report.title) == 0;
+      if (RunReport(app, ReportFilePath(app, report.file), app.report_db_path, request.destination,
+                    report.title) != 0) {
+        all_ran = false;
+      }
     };
     if (request.kind != BasisKind::kBasis) {
-      if (request.elections && !run_report({"Preparing Schedule D Elections, please wait...",
-                                            "Schedule D Elections", "ELECTION.RPT"})) {
-        return false;
+      if (request.elections) {
+        run_report({"Preparing Schedule D Elections, please wait...", "Schedule D Elections",
+                    "ELECTION.RPT"});
       }
-      if (!run_report({"Preparing Schedule D attachment, please wait...", "Schedule D Attachment",
-                       request.detail ? "SCHED_D1.RPT" : "SCHED_D2.RPT"})) {
-        return false;
-      }
+      run_report({"Preparing Schedule D attachment, please wait...", "Schedule D Attachment",
+                  request.detail ? "SCHED_D1.RPT" : "SCHED_D2.RPT"});
       CreateSchDExportFile(app);
     }
     if (request.kind != BasisKind::kScheduleD) {
       std::string file = request.detail ? "BASIS_DT" : "BASIS_SM";
       if (request.exclude_empty) file += "_No0";
-      if (!run_report({"Preparing Basis Analysis, please wait...", "Basis Analysis Report",
-                       file + ".RPT"})) {
-        return false;
-      }
+      run_report(
+          {"Preparing Basis Analysis, please wait...", "Basis Analysis Report", file + ".RPT"});
     }
-    return true;
+    return all_ran;
   });
 }
 

@@ -35,8 +35,9 @@ struct BasisReportRequest {
 
 // The whole report: checks the year end and the scope, asks about a
 // portfolio scope, computes (CalcBasisSchedDRpt), runs the chosen report
-// files and, after a Schedule D attachment, offers the export file.
-// Returns true iff the tables were computed and every report ran.
+// files and, after a Schedule D attachment, offers the export file. A report
+// that fails is reported and the run goes on with the others. Returns true
+// iff the tables were computed and every report ran.
 bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request);
 
 // Empties and fills the report tables of a basis run for `scope` and the

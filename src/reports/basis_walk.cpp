@@ -25,7 +25,12 @@ namespace {
 constexpr double kLotShareFloor = 0.01;
 constexpr double kPoolShareFloor = 0.00001;
 constexpr int64_t kCentUnits = 100;
-constexpr double kShareScale = 100000.0;  // shares are kept to five decimals
+// Entries keep shares to five decimals, but a file written before that rule
+// may hold more: the walk works on the figures as stored, to the billionth
+// of a share, so that a sale's cost follows from the very numbers the file
+// holds and not from a rounded copy of them.
+constexpr int16_t kShareDigits = 9;
+constexpr double kShareScale = 1e9;
 
 // The blocks of one security in one portfolio, each announced by a header
 // row (Row Kind 0) and followed by its transactions in the shape of a
@@ -260,7 +265,7 @@ bool SecurityTotals(BasisRun& run, SecurityWalk& sec, BlockTotals& totals) {
     BlockTotals long_term;
     if (!CalcAvgBlock(run, sec.method, sec.symbol, kPoolShortTerm, short_term)) return false;
     if (!CalcAvgBlock(run, sec.method, sec.symbol, kPoolLongTerm, long_term)) return false;
-    totals.shares = RoundDouble(short_term.shares + long_term.shares, 5);
+    totals.shares = RoundDouble(short_term.shares + long_term.shares, kShareDigits);
     totals.cost = short_term.cost + long_term.cost;
   }
   SetBasis(totals);
@@ -270,14 +275,15 @@ bool SecurityTotals(BasisRun& run, SecurityWalk& sec, BlockTotals& totals) {
 }  // namespace
 
 Currency SaleCost(double shares, const BlockTotals& before) {
-  // Shares are kept to five decimals, so the product is taken on whole
-  // hundred-thousandths of a share and ten-thousandths of a dollar and
-  // rounded once, to the cent: 10 of 30 shares costing 1,000.00 is -333.33,
-  // and selling the whole holding takes exactly its cost.
+  // The product is taken on whole billionths of a share and ten-thousandths
+  // of a dollar and rounded once, to the cent: 10 of 30 shares costing
+  // 1,000.00 is -333.33, and selling the whole holding takes exactly its
+  // cost. The scaled shares go through a double, exact far beyond any
+  // holding, so that no count of shares overflows a 64-bit integer.
   __extension__ using Wide = __int128;
-  const auto held = static_cast<Wide>(std::llround(before.shares * kShareScale));
+  const auto held = static_cast<Wide>(std::nearbyint(before.shares * kShareScale));
   if (held == 0) return Currency();
-  const auto sold = static_cast<Wide>(std::llround(shares * kShareScale));
+  const auto sold = static_cast<Wide>(std::nearbyint(shares * kShareScale));
   Wide numerator = static_cast<Wide>(before.cost.units()) * sold;
   Wide denominator = held * kCentUnits;
   if (denominator < 0) {
@@ -296,7 +302,7 @@ Currency SaleCost(double shares, const BlockTotals& before) {
 }
 
 void ApplyToTotals(BlockTotals& totals, double shares, Currency cost, double share_floor) {
-  totals.shares = RoundDouble(totals.shares + shares, 5);
+  totals.shares = RoundDouble(totals.shares + shares, kShareDigits);
   if (std::fabs(totals.shares) < share_floor) totals.shares = 0;
   totals.cost += cost;
   if (std::llabs(totals.cost.units()) < kCentUnits) totals.cost = Currency();
@@ -324,15 +330,19 @@ bool CalcSecurities(BasisRun& run) {
                                        : static_cast<int16_t>(q.Int("Sell Method"))});
       }
     }
+    // Every security of the file is held somewhere; only a portfolio scope
+    // leaves some out, and a portfolio holding none has none to report.
+    if (run.port_filter != "*") {
+      std::erase_if(candidates, [&](const Candidate& candidate) {
+        return !HeldInScope(run, candidate.symbol);
+      });
+    }
     if (candidates.empty()) {
       ShowNoSecurities(run, true);
       return false;
     }
     bool any = false;
     for (const Candidate& candidate : candidates) {
-      // Every security of the file is held somewhere; only a portfolio
-      // scope leaves some out.
-      if (run.port_filter != "*" && !HeldInScope(run, candidate.symbol)) continue;
       int16_t method = candidate.method;
       if (method == kSellNotSelected) {
         // A security never sold has nothing for a Schedule D.
@@ -400,7 +410,7 @@ bool CalcBlocks(BasisRun& run, SecurityWalk& sec, const std::string& port_name, 
       }
       if (!CalcTransactions(run, sec, block)) return false;
       if (block.applied > 0) sec.applied = true;
-      sec.totals.shares = RoundDouble(sec.totals.shares + block.totals.shares, 5);
+      sec.totals.shares = RoundDouble(sec.totals.shares + block.totals.shares, kShareDigits);
       sec.totals.cost += block.totals.cost;
       AdvanceGauge(run);
     }

@@ -29,10 +29,13 @@ inline constexpr const char* kPoolShortTerm = "Short Term Cost";
 inline constexpr const char* kPoolLongTerm = "Long Term Cost";
 inline constexpr const char* kXferTo = "Xfer to Block:";
 inline constexpr const char* kXferFrom = "Xfer from Block:";
-// TransNo of the move out of "Short Term Cost": after the day's transactions.
-inline constexpr int kXferToTransNo = 100;
-// TransNo of the move into "Long Term Cost": before the day's transactions,
-// so that a sale on the very day a lot turns long term finds it there.
+// TransNo of the moves out of "Short Term Cost" and into "Long Term Cost":
+// before the day's transactions on both pools. A lot is long term from the
+// start of its long-term day, so it leaves the short-term pool at the
+// average that pool had before anything else happened that day (another
+// lot bought or split that day must not change the cost moved), and a sale
+// on that very day finds it in "Long Term Cost".
+inline constexpr int kXferToTransNo = 0;
 inline constexpr int kXferFromTransNo = 0;
 
 // Shares, cost and basis per share of a block, a pool or a security.
@@ -125,11 +128,13 @@ struct BlockWalk {
 
 // The cost taken out of a holding of `before` by `shares` (negative)
 // leaving it: shares x basis per share, rounded to the cent half to even,
-// exact for share counts of five decimals. 0 when nothing is held.
+// exact on share counts as stored (to the billionth of a share). 0 when
+// nothing is held.
 Currency SaleCost(double shares, const BlockTotals& before);
 
-// Adds a transaction's shares and cost to `totals`: shares rounded to five
-// decimals, and 0 below `share_floor` in size; a cost under one cent in size
+// Adds a transaction's shares and cost to `totals`: shares kept as stored
+// (floating residue rounded off at the billionth), and 0 below
+// `share_floor` in size; a cost under one cent in size
 // becomes 0; with no shares left, cost and basis are 0 too.
 void ApplyToTotals(BlockTotals& totals, double shares, Currency cost, double share_floor);
 

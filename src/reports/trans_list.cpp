@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <tuple>
+#include <unordered_map>
 #include <vector>
 
 #include "app/application.h"
@@ -34,6 +36,11 @@ struct TLTransRow {
   Currency cost;
   Currency fee;
   std::optional<Currency> sale_price;
+  // Where the computation applies it among the day's rows: by same-day
+  // rank, then block by block in the blocks' order, then in order of entry.
+  int64_t prec_sort = 0;
+  size_t block_pos = 0;
+  int64_t unique_id = 0;
 };
 
 void AddTLTrans(Database& report, const TLTransRow& row) {
@@ -51,6 +58,17 @@ void AddTLTrans(Database& report, const TLTransRow& row) {
        {"price", sale_price}});
 }
 
+// The listing shows a security's rows in the order the Basis Analysis
+// applies them, so that a day with a sale and an adjustment or a split
+// reads as it was computed: the rows are gathered, ordered, then written.
+void AddTLTransInOrder(Database& report, std::vector<TLTransRow>& rows) {
+  std::stable_sort(rows.begin(), rows.end(), [](const TLTransRow& a, const TLTransRow& b) {
+    return std::tie(a.date, a.prec_sort, a.block_pos, a.unique_id) <
+           std::tie(b.date, b.prec_sort, b.block_pos, b.unique_id);
+  });
+  for (const TLTransRow& row : rows) AddTLTrans(report, row);
+}
+
 // The inclusive date range of one listing.
 struct Range {
   Date begin;
@@ -62,25 +80,41 @@ bool Matches(const std::string& filter, const std::string& value) {
   return filter == kEvery || ToUpperAscii(filter) == ToUpperAscii(value);
 }
 
-// Adds a "TL Trans" row for each row of `q` dated inside the range, the
-// kind's own fields filled in by `fill`.
+// A security's blocks in the order the computation walks them, and each
+// block's place in that order.
+struct BlockOrder {
+  std::vector<int64_t> blocks;
+  std::unordered_map<int64_t, size_t> pos;
+};
+
+size_t BlockPos(const BlockOrder& order, int64_t block_no) {
+  const auto found = order.pos.find(block_no);
+  return found == order.pos.end() ? order.blocks.size() : found->second;
+}
+
+// Gathers a row for each row of `q` dated inside the range, the kind's own
+// fields filled in by `fill`.
 template <class Fill>
-void AddRowsInRange(Database& report, Query& q, int64_t sec_id, Range range, Fill fill) {
+void AddRowsInRange(std::vector<TLTransRow>& rows, Query& q, int64_t sec_id,
+                    const BlockOrder& blocks, Range range, Fill fill) {
   while (q.Next()) {
     const Date date = q.DateValue("Date");
     if (!range.Holds(date)) continue;
-    TLTransRow row;
+    TLTransRow& row = rows.emplace_back();
     row.sec_id = sec_id;
     row.date = date;
+    row.prec_sort = q.Int("Prec Sort");
+    row.block_pos = BlockPos(blocks, q.Int("Block No"));
+    row.unique_id = q.Int("Unique ID");
     fill(q, row);
-    AddTLTrans(report, row);
   }
 }
 
-bool CalcTLBuys(Application& app, Database& report, int64_t sec_id, Range range) {
+bool CalcTLBuys(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+                const BlockOrder& blocks, Range range) {
   return Trap(app, "CalcTLBuys", false, [&] {
     Query q = app.client->SelectSaved("Buys In Security", {{"lSecID", sec_id}});
-    AddRowsInRange(report, q, sec_id, range, [](Query& buy, TLTransRow& row) {
+    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& buy, TLTransRow& row) {
       row.transaction = buy.Int("Type") == kTypeReinvest ? "Reinvestment" : "Buy";
       row.shares = buy.Double("Shares");
       row.cost = buy.Money("Cost");
@@ -94,11 +128,11 @@ bool CalcTLBuys(Application& app, Database& report, int64_t sec_id, Range range)
 // left the block), as the block's own transaction list and the Basis
 // Analysis show them; a security's Shares column then adds up to the change
 // in its holding over the period. A sale carries no cost of its own.
-bool CalcTLSells(Application& app, Database& report, int64_t sec_id, int64_t block_no,
-                 Range range) {
+bool CalcTLSells(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+                 const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLSells", false, [&] {
     Query q = app.client->SelectSaved("Sells In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(report, q, sec_id, range, [](Query& sell, TLTransRow& row) {
+    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& sell, TLTransRow& row) {
       row.transaction = "Sell";
       row.shares = sell.Double("Shares");
       row.fee = sell.Money("Fee");
@@ -108,11 +142,11 @@ bool CalcTLSells(Application& app, Database& report, int64_t sec_id, int64_t blo
   });
 }
 
-bool CalcTLSplits(Application& app, Database& report, int64_t sec_id, int64_t block_no,
-                  Range range) {
+bool CalcTLSplits(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+                  const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLSplits", false, [&] {
     Query q = app.client->SelectSaved("Splits In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(report, q, sec_id, range, [](Query& split, TLTransRow& row) {
+    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& split, TLTransRow& row) {
       const bool stock_split = split.Int("Type") == kTypeSplit;
       row.transaction = std::string(stock_split ? "Stock Split " : "Stock Div. ") +
                         NumberText(split.Double("Pre Ratio")) + (stock_split ? " for " : " per ") +
@@ -123,11 +157,11 @@ bool CalcTLSplits(Application& app, Database& report, int64_t sec_id, int64_t bl
   });
 }
 
-bool CalcTLAdjusts(Application& app, Database& report, int64_t sec_id, int64_t block_no,
-                   Range range) {
+bool CalcTLAdjusts(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+                   const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLAdjusts", false, [&] {
     Query q = app.client->SelectSaved("Adjusts In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(report, q, sec_id, range, [](Query& adjust, TLTransRow& row) {
+    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& adjust, TLTransRow& row) {
       row.transaction = "Adjustment";
       row.shares = adjust.Double("Shares");
       row.cost = adjust.Money("Cost");
@@ -179,11 +213,14 @@ std::vector<SecurityOfPort> SecuritiesOfPort(Database& client, const std::string
   return securities;
 }
 
-std::vector<int64_t> BlocksOfSec(Database& client, int64_t sec_id) {
-  std::vector<int64_t> blocks;
+BlockOrder BlocksOfSec(Database& client, int64_t sec_id) {
+  BlockOrder order;
   Query q = Select(client, Query_GetBlocksInSec(sec_id));
-  while (q.Next()) blocks.push_back(q.Int("Block No"));
-  return blocks;
+  while (q.Next()) {
+    order.pos.emplace(q.Int("Block No"), order.blocks.size());
+    order.blocks.push_back(q.Int("Block No"));
+  }
+  return order;
 }
 
 }  // namespace
@@ -271,15 +308,18 @@ bool CalcTransListRpt(Application& app, const std::string& port_filter,
         const std::string sec_name = GetSecInfoFromCDB(app, sec.symbol, "[Sec Name]");
         // A fatal error there has closed the files.
         if (app.ended) return false;
-        if (!CalcTLBuys(app, *report, sec.sec_id, range)) return false;
-        for (int64_t block_no : BlocksOfSec(client, sec.sec_id)) {
-          if (!CalcTLSells(app, *report, sec.sec_id, block_no, range)) return false;
-          if (!CalcTLSplits(app, *report, sec.sec_id, block_no, range)) return false;
-          if (!CalcTLAdjusts(app, *report, sec.sec_id, block_no, range)) return false;
+        const BlockOrder blocks = BlocksOfSec(client, sec.sec_id);
+        std::vector<TLTransRow> rows;
+        if (!CalcTLBuys(app, rows, sec.sec_id, blocks, range)) return false;
+        for (const int64_t block_no : blocks.blocks) {
+          if (!CalcTLSells(app, rows, sec.sec_id, blocks, block_no, range)) return false;
+          if (!CalcTLSplits(app, rows, sec.sec_id, blocks, block_no, range)) return false;
+          if (!CalcTLAdjusts(app, rows, sec.sec_id, blocks, block_no, range)) return false;
           ++blocks_done;
           ui.SetGauge(static_cast<int>(std::min<int64_t>(100, blocks_done * 100 / total_blocks)));
           ui.ProcessEvents();
         }
+        AddTLTransInOrder(*report, rows);
         report->Execute(
             R"(INSERT INTO "TL Sec" ("Port Name", "Sec Name", "Sec Symbol", "Sec ID") )"
             R"(VALUES (:port, :name, :symbol, :id))",

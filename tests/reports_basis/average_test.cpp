@@ -58,13 +58,12 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_AverageDouble_LotsMoveToLongTerm) {
   // Short term: 200 shares for 4000 average 20. A leaves 01/06/2025 at
   // 100 x 20 = 2000; B's sale takes 50 x 20 = 1000; B's remaining 50 leave
   // on 09/02/2025 at 1000, emptying the pool.
-  EXPECT_EQ(
-      TransRows("Short Term Cost"),
-      (Rows{"10 Buy 01/05/2024 01/05/2024 100 0 1000 100 1000 0 10",
-            "10 Buy 09/01/2024 09/01/2024 100 0 3000 200 4000 0 20",
-            "100 Xfer to Block:Long Term Cost 01/06/2025 01/05/2024 -100 0 -2000 100 2000 0 20",
-            "40 Sell 05/01/2025 09/01/2024 -50 1100 -1000 50 1000 0 20",
-            "100 Xfer to Block:Long Term Cost 09/02/2025 09/01/2024 -50 0 -1000 0 0 0 0"}));
+  EXPECT_EQ(TransRows("Short Term Cost"),
+            (Rows{"10 Buy 01/05/2024 01/05/2024 100 0 1000 100 1000 0 10",
+                  "10 Buy 09/01/2024 09/01/2024 100 0 3000 200 4000 0 20",
+                  "0 Xfer to Block:Long Term Cost 01/06/2025 01/05/2024 -100 0 -2000 100 2000 0 20",
+                  "40 Sell 05/01/2025 09/01/2024 -50 1100 -1000 50 1000 0 20",
+                  "0 Xfer to Block:Long Term Cost 09/02/2025 09/01/2024 -50 0 -1000 0 0 0 0"}));
   // Long term: A arrives with 2000 (average 20, not its own 10); its sale
   // takes 40 x 20 = 800; B's 50 arrive with 1000: 110 shares for 2200.
   EXPECT_EQ(
@@ -90,6 +89,51 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_AverageDouble_SaleOnLongTermDate) {
             "40 Sell 01/06/2025 01/05/2024 -30 450 -300 70 700 0 10"}));
   EXPECT_EQ(SchedDRows(), Rows{"01/05/2024 01/06/2025 30 IBM 450 300 150 LT"});
   EXPECT_EQ(SecsRows(), Rows{"IBM|IBM Corp|Average Cost - Double Cat.|70|700|10"});
+}
+
+// A lot turns long term at the start of its long-term day (A: 01/06/2025):
+// it leaves "Short Term Cost" at the average before that day's other rows,
+// so B bought or split that day does not change the cost moved (100 x 10
+// and 100 x 20, not 100 x 20 and 100 x 13.33).
+TEST_F(BasisTest, CalcBasisSchedDRpt_AverageDouble_MovesBeforeTheDaysRows) {
+  struct Case {
+    const char* symbol;
+    const char* b_date;
+    bool split;
+    Rows short_term;
+    Rows long_term;
+  };
+  const Case cases[] = {
+      {"BUY",
+       "01/06/2025",
+       false,
+       {"10 Buy 01/05/2024 01/05/2024 100 0 1000 100 1000 0 10",
+        "0 Xfer to Block:Long Term Cost 01/06/2025 01/05/2024 -100 0 -1000 0 0 0 0",
+        "10 Buy 01/06/2025 01/06/2025 100 0 3000 100 3000 0 30"},
+       {"0 Xfer from Block:Short Term Cost 01/06/2025 01/05/2024 100 0 1000 100 1000 0 10"}},
+      {"SPLIT",
+       "06/01/2024",
+       true,
+       {"10 Buy 01/05/2024 01/05/2024 100 0 1000 100 1000 0 10",
+        "10 Buy 06/01/2024 06/01/2024 100 0 3000 200 4000 0 20",
+        "0 Xfer to Block:Long Term Cost 01/06/2025 01/05/2024 -100 0 -2000 100 2000 0 20",
+        "60 Stock Split (1 to 2) 01/06/2025 06/01/2024 100 0 0 200 2000 0 10"},
+       {"0 Xfer from Block:Short Term Cost 01/06/2025 01/05/2024 100 0 2000 100 2000 0 20",
+        "60 Stock Split (1 to 2) 01/06/2025 01/05/2024 100 0 0 200 2000 0 10"}},
+  };
+  for (const Case& c : cases) {
+    const int64_t sec = AddSecurity(c.symbol, kSellAvgDouble);
+    const int64_t a = Buy(sec, "01/05/2024", 100, "1000");
+    const int64_t b = Buy(sec, c.b_date, 100, "3000");
+    if (c.split) {
+      for (int64_t block : {a, b}) Split(block, "01/06/2025", 1, 2, 100);
+    }
+  }
+  ASSERT_TRUE(Run(BasisKind::kBoth, "03/31/2025"));
+  for (const Case& c : cases) {
+    EXPECT_EQ(TransRows("Short Term Cost", c.symbol), c.short_term) << c.symbol;
+    EXPECT_EQ(TransRows("Long Term Cost", c.symbol), c.long_term) << c.symbol;
+  }
 }
 
 // A lot held in two portfolios feeds one pool per security.

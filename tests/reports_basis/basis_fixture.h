@@ -153,12 +153,14 @@ class BasisTest : public AppTest {
     return rows;
   }
   // The "BA Trans" rows of the blocks with this Block ID (real blocks by
-  // their id, pools by theirs), in the order the pools apply them:
+  // their id, pools by theirs), of one security when `symbol` is given, in
+  // the order the pools apply them:
   // "TransNo Transaction Date Acquired Shares Sale Cost TotalShares TotalCost Fee Basis".
-  Rows TransRows(const std::string& block_id) {
+  Rows TransRows(const std::string& block_id, const std::string& symbol = "") {
     return ReportRows(
         R"(SELECT T.* FROM "BA Trans" AS T JOIN "BA Blocks" AS B ON B."Block No" = T."Block No" )"
-        R"(WHERE B."Block ID" = :id ORDER BY T."Date", T."TransNo", T."Trans Row")",
+        R"(WHERE B."Block ID" = :id AND :sym IN ('', B."Sec Symbol") )"
+        R"(ORDER BY T."Date", T."TransNo", T."Trans Row")",
         {{'i', "TransNo"},
          {'t', "Transaction"},
          {'d', "Date"},
@@ -170,7 +172,7 @@ class BasisTest : public AppTest {
          {'m', "Total Cost"},
          {'m', "Fee"},
          {'n', "Basis Per Share"}},
-        " ", {{"id", block_id}});
+        " ", {{"id", block_id}, {"sym", symbol}});
   }
   // "Acquired Sold Shares Symbol Price Cost Gain LT|ST", in the order written.
   Rows SchedDRows() {

@@ -6,6 +6,7 @@
 #include "app/error_handler.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
+#include "reports/report_runner.h"
 #include "reports_basis/basis_fixture.h"
 
 namespace lotwise::testing {
@@ -83,6 +84,7 @@ struct NoSecCase {
   BasisKind kind;
   int method;  // of the one security bought in 2026; 0 for an empty file
   const char* text;
+  bool empty_portfolio = false;  // run on a portfolio holding none of it
 };
 
 class NoSecuritiesTest : public BasisTest, public ::testing::WithParamInterface<NoSecCase> {};
@@ -90,8 +92,14 @@ class NoSecuritiesTest : public BasisTest, public ::testing::WithParamInterface<
 TEST_P(NoSecuritiesTest, CalcBasisSchedDRpt_NothingToReport) {
   const NoSecCase& c = GetParam();
   if (c.method != 0) Buy(AddSecurity("IBM", c.method), "01/05/2026", 10, "100");
+  ReportScope scope = ReportScope::kTaxpayer;
+  if (c.empty_portfolio) {
+    AddPortfolio("Empty");
+    app_->current.port_name = "Empty";
+    scope = ReportScope::kPortfolio;
+  }
   ui_.Expect(c.text, "No Securities", Icon::kInformation, Buttons::kOk);
-  EXPECT_FALSE(Run(c.kind));
+  EXPECT_FALSE(Run(c.kind, "12/31/2025", scope));
   ExpectNoWalkRows();
 }
 
@@ -105,6 +113,11 @@ INSTANTIATE_TEST_SUITE_P(
         NoSecCase{"EmptyFileBoth", BasisKind::kBoth, 0,
                   "There are no Securities in this Client File to run a Basis or Schedule D "
                   "report for."},
+        NoSecCase{"EmptyPortfolioBasis", BasisKind::kBasis, kSellFifo,
+                  "There are no Securities in this Client File to run a Basis Report for.", true},
+        NoSecCase{"EmptyPortfolioScheduleD", BasisKind::kScheduleD, kSellFifo,
+                  "There are no Securities in this Client File to run a Schedule D Report for.",
+                  true},
         NoSecCase{"NeverSoldScheduleD", BasisKind::kScheduleD, -1,
                   "There are no securities, that have Sales, to run a Schedule D Report for."},
         NoSecCase{"AfterYearEndBasis", BasisKind::kBasis, kSellFifo,
@@ -248,29 +261,39 @@ TEST_F(BasisTest, RunBasisSchedDReport_NothingComputed_CantCreateReport) {
 }
 
 // Schedule D outputs first (elections, attachment, then the export file's
-// question), the Basis Analysis last, each announced on the help bar.
+// question), the Basis Analysis last, each announced on the help bar. A
+// report whose definition is missing is reported and the run goes on.
 TEST_F(BasisTest, RunBasisSchedDReport_Both_ReportsInOrder) {
   Sell(Buy(AddSecurity("IBM", kSellFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
-  ui_.Expect(
+  const char* const export_question =
       "This program can create a file that can be used to export the Schedule D information from "
       "the Lotwise into the better tax software programs. We recommend choosing Detailed as the "
       "Report Type in the Schedule D Options screen.\r\n\r\nDo you want to create a Schedule D "
-      "export file?",
-      "Schedule D Export File", Answer::kNo);
+      "export file?";
   BasisReportRequest request;
   request.kind = BasisKind::kBoth;
   request.year_end = "12/31/2025";
   request.elections = true;
   request.exclude_empty = true;
+  ui_.Expect(export_question, "Schedule D Export File", Answer::kNo);
   EXPECT_TRUE(RunBasisSchedDReport(*app_, request));
-  Rows titles;
-  for (const ReportDocument& report : ui_.reports_shown()) titles.push_back(report.title);
-  EXPECT_EQ(titles,
-            (Rows{"Schedule D Elections", "Schedule D Attachment", "Basis Analysis Report"}));
   EXPECT_EQ(ui_.help_texts(), (Rows{"Preparing to calculate...", "Preparing report, Please wait...",
                                     "Preparing Schedule D Elections, please wait...",
                                     "Preparing Schedule D attachment, please wait...",
                                     "Preparing Basis Analysis, please wait..."}));
+
+  const std::string missing = ReportFilePath(*app_, "SCHED_D1.RPT");
+  std::filesystem::remove(missing);
+  ui_.Expect(ErrorHeader(20504, "Report file not found: " + missing, "RunReport") +
+                 " Report File not located in default directory. This error indicates that a "
+                 "report file that Lotwise needs is missing. Please contact technical support.",
+             "Report File Missing");
+  ui_.Expect(export_question, "Schedule D Export File", Answer::kNo);
+  EXPECT_FALSE(RunBasisSchedDReport(*app_, request));
+  Rows titles;
+  for (const ReportDocument& report : ui_.reports_shown()) titles.push_back(report.title);
+  EXPECT_EQ(titles, (Rows{"Schedule D Elections", "Schedule D Attachment", "Basis Analysis Report",
+                          "Schedule D Elections", "Basis Analysis Report"}));
 }
 
 }  // namespace

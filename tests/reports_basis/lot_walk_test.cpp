@@ -157,6 +157,14 @@ INSTANTIATE_TEST_SUITE_P(
                  "11.4090909090909"},
                 {},
                 "IBM|IBM Corp|FIFO|11|125.5|11.4090909090909"},
+        // A file written before entries kept five decimals: the sale takes
+        // 0.167 x 1000 / 0.333333 = 501.0005 of the shares as stored, 501.00.
+        LotCase{"MoreDecimalsThanKept",
+                {{'B', "01/10/2024", 0.333333, "1000"}, {'S', "06/03/2025", 0.167, "600"}},
+                {"0 Buy 01/10/2024 01/10/2024 0.333333 0 1000 0.333333 1000 0 3000.003000003",
+                 "1 Sell 06/03/2025 01/10/2024 -0.167 600 -501 0.166333 499 0 3000.0060120361"},
+                {"01/10/2024 06/03/2025 0.167 IBM 600 501 99 LT"},
+                "IBM|IBM Corp|FIFO|0.166333|499|3000.0060120361"},
         // 1 x 0.025 is half a cent: to the even cent, 0.02.
         LotCase{"HalfCentToEven",
                 {{'B', "01/10/2024", 2, "0.05"}, {'S', "06/03/2025", 1, "1"}},

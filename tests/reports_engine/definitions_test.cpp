@@ -151,10 +151,10 @@ INSTANTIATE_TEST_SUITE_P(
             &ReportTest::FillTransList,
             {"Transaction Listing Report", "Jane Roe", "Taxpayer Code: ROE01",
              "Transactions from 01/01/2023 through 12/31/2023     Report On: Portfolio",
-             "Date Transaction Shares Cost Fee Sale Price", "Portfolio: Income",
+             "Date Transaction Shares Cost Fee Sale Price", "Portfolio: bonds", "Portfolio: Income",
              "ABC   Abc Growth Fund", "03/01/2023 Buy 25.5 255.00",
              "07/01/2023 Sell -10 0.00 5.00 150.00", "08/01/2023 Stock Split (1 to 2) 15.5 0.00",
-             "DEF   Def | Co \"Class A\"", "No transactions in this period.",
+             "abd   Abd Old Fund", "DEF   Def | Co \"Class A\"", "No transactions in this period.",
              "Usage: 7 Transaction Listing Report Page 1 of 1"},
             {"0.01"}},
         DefinitionCase{

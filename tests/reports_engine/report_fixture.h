@@ -124,8 +124,10 @@ class ReportTest : public AppTest {
     Sql(R"(INSERT INTO "TL Info" VALUES ('Jane Roe', 'ROE01', 'Jane Roe', '2023-01-01', '2023-12-31',
            'Portfolio'))");
     Sql(R"(INSERT INTO "TL Port" VALUES ('Income'))");
-    Sql(R"(INSERT INTO "TL Sec" VALUES ('Income', 'Abc Growth Fund', 'ABC', 41))");
+    Sql(R"(INSERT INTO "TL Port" VALUES ('bonds'))");
     Sql(R"(INSERT INTO "TL Sec" VALUES ('Income', 'Def | Co "Class A"', 'DEF', 42))");
+    Sql(R"(INSERT INTO "TL Sec" VALUES ('Income', 'Abd Old Fund', 'abd', 43))");
+    Sql(R"(INSERT INTO "TL Sec" VALUES ('Income', 'Abc Growth Fund', 'ABC', 41))");
     Sql(R"(INSERT INTO "TL Trans" VALUES (41, '2023-07-01', 'Sell', -10, 0, 50000, 1500000))");
     Sql(R"(INSERT INTO "TL Trans" VALUES (41, '2023-03-01', 'Buy', 25.5, 2550000, 0, NULL))");
     Sql(R"(INSERT INTO "TL Trans" VALUES (41, '2023-08-01', 'Stock Split (1 to 2)', 15.5, 0, 0,

@@ -24,7 +24,8 @@ std::string BadDate(const std::string& label, const std::string& text) {
 }
 
 // Portfolios Bonds (VBTLX), Growth (IBM, MSFT) and Income (empty). IBM's
-// two blocks carry a transaction of every kind, each on its own date.
+// two blocks carry a transaction of every kind; the sale and the
+// adjustment entered after it share a day.
 class TransListTest : public ReportTest {
  protected:
   void SetUp() override {
@@ -45,7 +46,7 @@ class TransListTest : public ReportTest {
     const int64_t b = Buy("IBM", kTypeReinvest, "03/01/2024", 10, "120", "0");
     ASSERT_TRUE(AddSell(*app_, a, D("06/03/2024"), Money("500"), Money("7"), -40, ""));
     ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("07/01/2024"), 1, 2, 60, ""));
-    ASSERT_TRUE(AddAdjust(*app_, a, D("09/03/2024"), 0, Money("-25.5"), ""));
+    ASSERT_TRUE(AddAdjust(*app_, a, D("06/03/2024"), 0, Money("-25.5"), ""));
     ASSERT_TRUE(AddSplit(*app_, b, kTypeDividend, D("08/01/2024"), 1, 10, 1, ""));
     Buy("MSFT", kTypeBuy, "12/31/2024", 5, "2000", "0");
     Buy("VBTLX", kTypeBuy, "01/01/2024", 50, "500", "0");
@@ -82,17 +83,21 @@ class TransListTest : public ReportTest {
 };
 
 const Rows kIbm = {
-    "IBM|01/02/2024|Buy|100|1000|5|-",       "IBM|03/01/2024|Reinvestment|10|120|0|-",
-    "IBM|06/03/2024|Sell|-40|0|7|500",       "IBM|07/01/2024|Stock Split 1 for 2|60|0|0|-",
-    "IBM|09/03/2024|Adjustment|0|-25.5|0|-", "IBM|08/01/2024|Stock Div. 1 per 10|1|0|0|-",
+    "IBM|01/02/2024|Buy|100|1000|5|-",
+    "IBM|03/01/2024|Reinvestment|10|120|0|-",
+    "IBM|06/03/2024|Adjustment|0|-25.5|0|-",
+    "IBM|06/03/2024|Sell|-40|0|7|500",
+    "IBM|07/01/2024|Stock Split 1 for 2|60|0|0|-",
+    "IBM|08/01/2024|Stock Div. 1 per 10|1|0|0|-",
 };
 const std::string kMsft = "MSFT|12/31/2024|Buy|5|2000|0|-";
 const Rows kAllPorts = {"Bonds", "Growth", "Income"};
 const Rows kAllSecs = {"Bonds|VBTLX Corp|VBTLX", "Growth|IBM Corp|IBM", "Growth|MSFT Corp|MSFT"};
 
 // Each scope and range lists its portfolios (even one without securities),
-// their securities, and the transactions with both bounds included: per
-// security the buys, then block by block sales, splits and adjustments.
+// their securities, and the transactions with both bounds included, per
+// security in the order the Basis Analysis applies them (a day's
+// adjustment before its sale).
 // Run twice, the tables hold one run.
 struct ScopeCase {
   const char *name, *port, *sec, *begin, *end;
@@ -134,7 +139,7 @@ const Rows kNone;
 const Rows kGrowthPort = {"Growth"};
 const Rows kGrowthSecs = {kAllSecs[1], kAllSecs[2]};
 const Rows kMsftSec = {kAllSecs[2]};
-const Rows kOnBounds = {kIbm[2], kIbm[3]};
+const Rows kOnBounds = {kIbm[2], kIbm[3], kIbm[4]};
 
 INSTANTIATE_TEST_SUITE_P(
     Scopes, TransListScopeTest,
