@@ -2,6 +2,7 @@
 
 #include "app/value_helpers.h"
 #include "data/database.h"
+#include "data/transaction_store.h"
 
 namespace lotwise {
 
@@ -27,6 +28,38 @@ void ForEachOpenBlock(Database& client, int64_t sec_id,
     if (shares <= 0) continue;
     if (!visit({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"), shares})) return;
   }
+}
+
+void ForEachBlockHeldOn(Database& client, int64_t sec_id, Date date,
+                        const std::function<bool(const BlockShares&)>& visit) {
+  ForEachOpenBlock(client, sec_id, [&](const BlockShares& block) {
+    if (date < block.date) return false;  // oldest first: no later block qualifies
+    // Walking back from today's shares through the rows after the sale
+    // gives what the block held at each of them.
+    Query later = client.Select(
+        R"(SELECT "Shares" FROM (SELECT "Shares", "Date", "Prec Sort" FROM "Buy" WHERE "Block No" = :n )"
+        R"(UNION ALL SELECT "Shares", "Date", "Prec Sort" FROM "Sell" WHERE "Block No" = :n )"
+        R"(UNION ALL SELECT "Shares", "Date", "Prec Sort" FROM "Split" WHERE "Block No" = :n )"
+        R"(UNION ALL SELECT "Shares", "Date", "Prec Sort" FROM "Adjust" WHERE "Block No" = :n) )"
+        R"(WHERE "Date" > :d OR ("Date" = :d AND "Prec Sort" > :sell) )"
+        R"(ORDER BY "Date" DESC, "Prec Sort" DESC)",
+        {{"n", block.block_no}, {"d", date}, {"sell", kPrecSell}});
+    BlockShares held = block;
+    double balance = block.shares;
+    while (later.Next()) {
+      balance = RoundDouble(balance - later.Double("Shares"), 5);
+      if (balance < held.shares) held.shares = balance;
+    }
+    if (held.shares <= 0) return true;
+    return visit(held);
+  });
+}
+
+bool HasBlockOnOrBefore(Database& client, int64_t sec_id, Date date) {
+  return client
+      .Select(R"(SELECT 1 AS found FROM "Blocks" WHERE "Sec ID" = :id AND "Date" <= :d LIMIT 1)",
+              {{"id", sec_id}, {"d", date}})
+      .Next();
 }
 
 std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date as_of) {

@@ -15,6 +15,7 @@
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
+#include "lots/rebook.h"
 #include "lots/sell_specific.h"
 
 namespace lotwise {
@@ -47,7 +48,6 @@ const char* MethodText(int16_t code) {
   }
   return nullptr;
 }
-
 
 void Tell(Application& app, const std::string& text, const char* title, Icon icon) {
   app.ui().MessageBox(text, title, icon, Buttons::kOk);
@@ -365,7 +365,10 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
       app.client->ExecuteSaved("Delete Entire Sell",
                                {{"lSecID", form.mod_sec_id}, {"dtDate", form.mod_date}});
     }
-    if (!UserSelectsShares(method) && !SelectSharesByFIFO(app, shares)) return;
+    if (UserSelectsShares(method) ? !SelectionPrecedesSale(app, date)
+                                  : !SelectSharesByFIFO(app, shares, date)) {
+      return;
+    }
     if (modify) {
       app.ui().ProcessEvents();
       DisplayBlock(app);
@@ -389,6 +392,7 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
       display.sell_method = method;
       AddSellMethod(app, app.current.sec_symbol, method, true);
     }
+    OfferRebookLaterSales(app, app.current.sec_id, date, kPrecSell);
     app.sale_lists.Clear();
     form.closed = true;
   });
@@ -399,12 +403,22 @@ void SellShares_Cancel(Application& app, SellSharesForm& form) {
   form.closed = true;
 }
 
-bool SelectSharesByFIFO(Application& app, double to_sell) {
+bool SelectSharesByFIFO(Application& app, double to_sell, Date date) {
   return Trap(app, "SelectSharesByFIFO", false, [&] {
     UiPort& ui = app.ui();
     ui.SetHelpBarText("Selecting shares for the sale");
     ShareList& selected = app.sale_lists.selected;
     app.sale_lists.Clear();
+    if (!HasBlockOnOrBefore(*app.client, app.current.sec_id, date)) {
+      Tell(app,
+           "This sale can't be made. There are no blocks in this Security acquired on or before "
+           "the sale date " +
+               date.ToString() +
+               ". A sale can only take shares from blocks acquired on or before its date. Please "
+               "correct the Date.",
+           "No Shares on that Date", Icon::kExclamation);
+      return false;
+    }
     double still_to_sell = to_sell;
     bool found_shares = false;
     {
@@ -414,7 +428,7 @@ bool SelectSharesByFIFO(Application& app, double to_sell) {
       // the blocks emptied by earlier sales and the lots that stay open are
       // never read. The gauge follows the shares found, the block count
       // being unknown until the end.
-      ForEachOpenBlock(*app.client, app.current.sec_id, [&](const BlockShares& block) {
+      ForEachBlockHeldOn(*app.client, app.current.sec_id, date, [&](const BlockShares& block) {
         double taken = still_to_sell;
         if (block.shares <= still_to_sell) {
           taken = block.shares;

@@ -96,10 +96,12 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify);
 void SellShares_Cancel(Application& app, SellSharesForm& form);
 
 // Fills app.sale_lists.selected from the current security's blocks, oldest
-// first, with `to_sell` shares. Returns true iff they cover the sale;
-// otherwise tells the user how many shares there are and leaves both lists
-// empty.
-bool SelectSharesByFIFO(Application& app, double to_sell);
+// first, with `to_sell` shares sold on `date`: only blocks acquired on or
+// before that date, each with what it may give a sale on that date
+// (ForEachBlockHeldOn). Returns true iff they cover the sale; otherwise
+// tells the user how many shares there are (or that no block is that old)
+// and leaves both lists empty.
+bool SelectSharesByFIFO(Application& app, double to_sell, Date date);
 
 // Writes one Sell row per entry of `selected`, apportioning the sale price
 // and fee by shares (each to the cent, the last row taking the rounding

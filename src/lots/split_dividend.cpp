@@ -1,5 +1,6 @@
 #include "lots/split_dividend.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "app/application.h"
@@ -10,6 +11,7 @@
 #include "data/block_shares.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 
 namespace lotwise {
 
@@ -45,7 +47,6 @@ bool CheckRatio(Application& app, SplitDivForm& form, double ratio, const char* 
   form.focus = control;
   return false;
 }
-
 
 // The gauge position after step `done` of `count`, within [from, from + span].
 int GaugeAt(int from, int span, size_t done, size_t count) {
@@ -191,6 +192,9 @@ void SplitDiv_OK(Application& app, SplitDivForm& form, bool modify_flag) {
     if (AddAllSplitDivs(app, type, date, form.pre_ratio, form.post_ratio, form.notes,
                         form.blocks)) {
       form.closed = true;
+      OfferRebookLaterSales(app, app.current.sec_id,
+                            modify_flag ? std::min(date, form.modify_date) : date,
+                            type == kTypeSplit ? kPrecSplit : kPrecDividend);
       UpdateSharesInSec(app);
       return;
     }
