@@ -331,17 +331,19 @@ class Replay {
 
   // Recomputes the split's rows of the blocks whose shares on its date the
   // replay changed; a row of a block holding what it held is kept as
-  // stored, with any correction made to it by hand. A split entered for
-  // every block (its rows covered every block then holding shares) reaches
-  // every block holding shares now; one entered for a single block keeps to
-  // it.
+  // stored, with any correction made to it by hand. A split reaches every
+  // block holding shares on its date, as a split of the company does,
+  // unless a block that held shares then, untouched by the replay, has no
+  // row of it: then it was entered for the blocks it names and keeps to
+  // them.
   void Split(const SplitEvent& event, Plan& plan) {
     std::set<int64_t> covered;
     for (const Row& row : event.rows) covered.insert(row.block_no);
     bool every_block = true;
     for (const Block& block : history_.blocks) {
-      if (!covered.contains(block.block_no) &&
-          HeldAt(history_.rows, block.block_no, event.key, false) > 0) {
+      const double held = HeldAt(before_, block.block_no, event.key);
+      if (!covered.contains(block.block_no) && held > 0 &&
+          held == HeldAt(state_, block.block_no, event.key)) {
         every_block = false;
       }
     }

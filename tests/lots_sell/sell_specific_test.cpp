@@ -67,6 +67,32 @@ TEST_F(SellSpecificTest, SellSpecific_AddTwiceFromOneBlock_OneEntry) {
   EXPECT_EQ(SellRows(), Rows{"03/01/2024-1 -50 500 0"});
 }
 
+// A sale may not take shares from a block acquired after its date: OK names
+// the block and both dates, writes nothing and keeps the dialog open.
+TEST_F(SellSpecificTest, SellShares_OK_BlockAfterSaleDate_Refused) {
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 0, "500");
+    form.date = "02/15/2024";
+    NumSharesSS_Click(*app_, form);
+    SellShares_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+    SellShares_Cancel(*app_, form);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    form.left_row = 1;
+    SellSpecific_Add(*app_, form);
+    SellSpecific_OK(*app_, form);
+  });
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 60.5)", 10);
+  ui_.Expect(
+      "Block 03/01/2024-1 was acquired on 03/01/2024, after the sale date 02/15/2024. A sale can "
+      "only take shares from blocks acquired on or before its date. Please remove this block from "
+      "the selection or correct the Date.",
+      "Block acquired after the sale");
+  ShowSellShares(*app_);
+  EXPECT_EQ(CountClientRows("Sell"), 0);
+}
+
 TEST_F(SellSpecificTest, SellSpecific_AllOfBlock_AddedThenRemoved) {
   OnSale([&](SellSharesForm& form) {
     ShowSellSpecific(*app_, form);
