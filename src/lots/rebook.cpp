@@ -312,9 +312,12 @@ class Replay {
       state_.insert(state_.end(), sale.rows.begin(), sale.rows.end());
       return true;
     }
-    SaleChange change{
-        sale.key.date,           sale.shares, sale.notes, {}, {}, PicksText(history_, was),
-        PicksText(history_, now)};
+    SaleChange change;
+    change.date = sale.key.date;
+    change.shares = sale.shares;
+    change.notes = sale.notes;
+    change.was = PicksText(history_, was);
+    change.now = PicksText(history_, now);
     for (const Row& row : sale.rows) change.old_ids.push_back(row.unique_id);
     change.rows = ApportionSale(picks, sale.shares, sale.price, sale.fee);
     for (const SaleRow& written : change.rows) {
@@ -528,8 +531,11 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
     Replay replay(history, date);
     UiPort& ui = app.ui();
 
+    // Without a method no sale was made through the sale dialog, which
+    // fixes it: there is no rule to hold the later sales to.
     const int16_t method = SellMethodOf(*app.client, sec_id);
-    if (UserSelectsShares(method) || method == kSellNotSelected) {
+    if (method == kSellNotSelected) return;
+    if (UserSelectsShares(method)) {
       // A sale chosen by hand takes only shares no later sale took, so
       // the later sales need no review on its account.
       if (prec == kPrecSell) return;

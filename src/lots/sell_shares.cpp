@@ -1,5 +1,6 @@
 #include "lots/sell_shares.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <optional>
@@ -392,7 +393,8 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
       display.sell_method = method;
       AddSellMethod(app, app.current.sec_symbol, method, true);
     }
-    OfferRebookLaterSales(app, app.current.sec_id, date, kPrecSell);
+    OfferRebookLaterSales(app, app.current.sec_id, modify ? std::min(date, form.mod_date) : date,
+                          kPrecSell);
     app.sale_lists.Clear();
     form.closed = true;
   });

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "lots/buy_reinvest.h"
 #include "lots_sell/sale_fixture.h"
 
 namespace lotwise::testing {
@@ -91,6 +92,24 @@ TEST_F(SellSpecificTest, SellShares_OK_BlockAfterSaleDate_Refused) {
       "Block acquired after the sale");
   ShowSellShares(*app_);
   EXPECT_EQ(CountClientRows("Sell"), 0);
+}
+
+// A buy dated before a sale whose blocks the user picked re-books nothing:
+// the later sales are listed for review and stay as they are.
+TEST_F(SellSpecificTest, BuyBeforeSale_LaterSalesListedForReview) {
+  ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("100"), Currency(), -10, ""));
+  ui_.Expect(
+      "This entry is dated before sales already entered for this security. Their blocks were "
+      "chosen by hand and are left as they are; please review these sales:\nthe sale of 10 "
+      "shares on 06/03/2024",
+      "Review later sales", Icon::kInformation, Buttons::kOk);
+  BuyReinvestForm form;
+  form.caption = BuyReinvestForm::kBuyCaption;
+  form.date = "02/01/2024";
+  form.num_shares = 5;
+  form.cost_of_shares = Money("50");
+  BuyReinvest_OK(*app_, form, false);
+  EXPECT_EQ(SellRows(), Rows{"03/01/2024-1 -10 100 0"});
 }
 
 TEST_F(SellSpecificTest, SellSpecific_AllOfBlock_AddedThenRemoved) {
