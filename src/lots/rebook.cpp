@@ -1,9 +1,5 @@
 #include "lots/rebook.h"
 
-#include <algorithm>
-#include <cmath>
-#include <map>
-#include <optional>
 #include <set>
 #include <string>
 
@@ -13,393 +9,19 @@
 #include "app/number_text.h"
 #include "app/security_display.h"
 #include "app/ui_port.h"
-#include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
+#include "lots/rebook_plan.h"
 #include "lots/sell_shares.h"
-#include "lots/split_dividend.h"
 
 namespace lotwise {
 
 namespace {
 
-// Where a row falls in its block's history: its date, then its same-date
-// rank, so that a day's buys count for that day's sales and its sales for
-// that day's splits.
-struct Key {
-  Date date;
-  int64_t prec = 0;
-  friend auto operator<=>(const Key&, const Key&) = default;
-};
-
-enum class Table { kBuy, kSell, kSplit, kAdjust };
-
-struct Row {
-  Table table = Table::kBuy;
-  int64_t unique_id = 0;  // 0 for a row the replay would write
-  int64_t block_no = 0;
-  Key key;
-  double shares = 0;
-  int64_t type = 0;
-  double pre = 0;
-  double post = 0;
-  Currency price;  // a sale's proceeds
-  Currency fee;
-  std::string notes;
-};
-
-struct Block {
-  int64_t block_no = 0;
-  std::string block_id;
-  Date date;
-};
-
-// The blocks of one security, oldest first, and every row filed under them.
-struct History {
-  std::vector<Block> blocks;
-  std::vector<Row> rows;
-
-  const std::string& BlockId(int64_t block_no) const {
-    static const std::string none;
-    for (const Block& block : blocks) {
-      if (block.block_no == block_no) return block.block_id;
-    }
-    return none;
-  }
-};
-
-History ReadHistory(Database& db, int64_t sec_id) {
-  History history;
-  Query blocks = db.Select(R"(SELECT "Block No", "Block ID", "Date" FROM "Blocks" )"
-                           R"(WHERE "Sec ID" = :sec ORDER BY "Date", "Block ID")",
-                           {{"sec", sec_id}});
-  while (blocks.Next()) {
-    history.blocks.push_back(
-        {blocks.Int("Block No"), blocks.Text("Block ID"), blocks.DateValue("Date")});
-  }
-  // One shape for the four tables; the columns a table lacks read as 0.
-  const std::string common =
-      R"(T."Unique ID" AS uid, T."Block No" AS block, T."Date" AS date, T."Prec Sort" AS prec, )"
-      R"(T."Shares" AS shares, T."Notes" AS notes)";
-  const std::string from =
-      R"( AS T JOIN "Blocks" AS B ON B."Block No" = T."Block No" WHERE B."Sec ID" = :sec)";
-  Query rows = db.Select(
-      "SELECT 0 AS tbl, " + common + R"(, T."Type" AS type, 0 AS pre, 0 AS post, 0 AS price, )" +
-          R"(0 AS fee FROM "Buy")" + from + " UNION ALL SELECT 1, " + common +
-          R"(, 0, 0, 0, T."Sale Price", T."Fee" FROM "Sell")" + from + " UNION ALL SELECT 2, " +
-          common + R"(, T."Type", T."Pre Ratio", T."Post Ratio", 0, 0 FROM "Split")" + from +
-          " UNION ALL SELECT 3, " + common + R"(, 0, 0, 0, 0, 0 FROM "Adjust")" + from +
-          " ORDER BY tbl, uid",
-      {{"sec", sec_id}});
-  while (rows.Next()) {
-    Row row;
-    row.table = static_cast<Table>(rows.Int("tbl"));
-    row.unique_id = rows.Int("uid");
-    row.block_no = rows.Int("block");
-    row.key = {rows.DateValue("date"), rows.Int("prec")};
-    row.shares = rows.Double("shares");
-    row.type = rows.Int("type");
-    row.pre = rows.Double("pre");
-    row.post = rows.Double("post");
-    row.price = rows.Money("price");
-    row.fee = rows.Money("fee");
-    row.notes = rows.Text("notes");
-    history.rows.push_back(std::move(row));
-  }
-  return history;
-}
-
-// The shares block `block_no` holds after every row up to `upto`.
-double HeldAt(const std::vector<Row>& rows, int64_t block_no, Key upto, bool inclusive = true) {
-  double total = 0;
-  for (const Row& row : rows) {
-    if (row.block_no != block_no) continue;
-    if (row.key < upto || (inclusive && row.key == upto)) total += row.shares;
-  }
-  return RoundDouble(total, 5);
-}
-
-// What a sale at `point` may take from the block: what it holds then,
-// bounded by what it holds at every later row, so that no later row is left
-// drawing on shares that are gone.
-double AvailableAt(const std::vector<Row>& rows, int64_t block_no, Key point) {
-  double available = HeldAt(rows, block_no, point);
-  std::vector<const Row*> later;
-  for (const Row& row : rows) {
-    if (row.block_no == block_no && point < row.key) later.push_back(&row);
-  }
-  std::stable_sort(later.begin(), later.end(),
-                   [](const Row* a, const Row* b) { return a->key < b->key; });
-  double running = available;
-  for (const Row* row : later) {
-    running = RoundDouble(running + row->shares, 5);
-    available = std::min(available, running);
-  }
-  return available;
-}
-
-// One sale as entered: the day's Sell rows that share their notes (the rows
-// AddAllSales wrote together).
-struct Sale {
-  Key key;
-  std::string notes;
-  std::vector<Row> rows;  // in the order they were written
-  double shares = 0;
-  Currency price;
-  Currency fee;
-};
-
-// One split or stock dividend as entered: its rows of one date and ratio.
-struct SplitEvent {
-  Key key;
-  int64_t type = 0;
-  double pre = 0;
-  double post = 0;
-  std::vector<Row> rows;
-};
-
-struct SaleChange {
-  Date date;
-  double shares = 0;
-  std::string notes;
-  std::vector<int64_t> old_ids;
-  std::vector<SaleRow> rows;
-  std::string was;  // "01/01/2024-1 (100), 02/01/2024-1 (20)"
-  std::string now;
-};
-
-struct SplitChange {
-  Row row;  // the row with its new shares; unique id 0 when it is new
-  double old_shares = 0;
-  bool remove = false;
-};
-
-struct Shortfall {
-  Date date;
-  double shares = 0;
-  double held = 0;
-};
-
-struct Plan {
-  std::vector<SaleChange> sales;
-  std::vector<SplitChange> splits;
-  std::optional<Shortfall> shortfall;
-
-  bool Empty() const { return sales.empty() && splits.empty(); }
-};
-
-std::vector<Sale> SalesFrom(const History& history, Date from) {
-  std::vector<Sale> sales;
-  for (const Row& row : history.rows) {
-    if (row.table != Table::kSell || row.key.date < from) continue;
-    auto same = std::find_if(sales.begin(), sales.end(), [&](const Sale& sale) {
-      return sale.key == row.key && sale.notes == row.notes;
-    });
-    if (same == sales.end()) {
-      sales.push_back({row.key, row.notes, {}, 0, Currency(), Currency()});
-      same = sales.end() - 1;
-    }
-    same->rows.push_back(row);
-    // Made positive before adding up, as the whole-sale modification does.
-    same->shares = RoundDouble(same->shares + std::fabs(row.shares), 5);
-    same->price += row.price;
-    same->fee += row.fee;
-  }
-  // Rows come in the order they were written, so a day's sales keep theirs.
-  std::stable_sort(sales.begin(), sales.end(),
-                   [](const Sale& a, const Sale& b) { return a.key < b.key; });
-  return sales;
-}
-
-std::vector<SplitEvent> SplitsAfter(const History& history, Key after) {
-  std::vector<SplitEvent> events;
-  for (const Row& row : history.rows) {
-    if (row.table != Table::kSplit || !(after < row.key)) continue;
-    auto same = std::find_if(events.begin(), events.end(), [&](const SplitEvent& e) {
-      return e.key == row.key && e.type == row.type && e.pre == row.pre && e.post == row.post;
-    });
-    if (same == events.end()) {
-      events.push_back({row.key, row.type, row.pre, row.post, {}});
-      same = events.end() - 1;
-    }
-    same->rows.push_back(row);
-  }
-  std::stable_sort(events.begin(), events.end(),
-                   [](const SplitEvent& a, const SplitEvent& b) { return a.key < b.key; });
-  return events;
-}
-
-std::string PicksText(const History& history,
-                      const std::vector<std::pair<int64_t, double>>& picks) {
-  std::string text;
-  for (const auto& [block_no, shares] : picks) {
-    if (!text.empty()) text += ", ";
-    text += history.BlockId(block_no) + " (" + NumberText(shares) + ")";
-  }
-  return text;
-}
-
-class Replay {
- public:
-  Replay(const History& history, Date from) : history_(history) {
-    sales_ = SalesFrom(history, from);
-    if (sales_.empty()) return;
-    const Key first = sales_.front().key;
-    splits_ = SplitsAfter(history, first);
-    // What stays as it is: everything before the first later sale, and the
-    // buys, reinvestments and adjustments after it.
-    for (const Row& row : history.rows) {
-      const bool replayed = (row.table == Table::kSell && !(row.key < first)) ||
-                            (row.table == Table::kSplit && first < row.key);
-      if (!replayed) state_.push_back(row);
-      if (!replayed || row.table == Table::kSell) before_.push_back(row);
-    }
-  }
-
-  const std::vector<Sale>& sales() const { return sales_; }
-
-  Plan Run() {
-    Plan plan;
-    size_t s = 0;
-    size_t e = 0;
-    while (s < sales_.size() || e < splits_.size()) {
-      if (e == splits_.size() || (s < sales_.size() && sales_[s].key < splits_[e].key)) {
-        if (!Sell(sales_[s++], plan)) return plan;
-      } else {
-        Split(splits_[e++], plan);
-      }
-    }
-    return plan;
-  }
-
- private:
-  // Re-selects the sale first in, first out among the blocks acquired on or
-  // before its date. Returns false when they cannot cover it.
-  bool Sell(const Sale& sale, Plan& plan) {
-    std::vector<ShareEntry> picks;
-    double still = sale.shares;
-    for (const Block& block : history_.blocks) {
-      if (still <= 0 || sale.key.date < block.date) break;
-      const double available = AvailableAt(state_, block.block_no, sale.key);
-      if (available <= 0) continue;
-      double taken = still;
-      if (available <= still) {
-        taken = available;
-        still = RoundDouble(still - available, 5);
-      } else {
-        still = 0;
-      }
-      picks.push_back({block.block_id, block.block_no, taken});
-    }
-    if (still > 0) {
-      plan.shortfall = Shortfall{sale.key.date, sale.shares, RoundDouble(sale.shares - still, 5)};
-      return false;
-    }
-    std::map<int64_t, double> before;
-    std::vector<std::pair<int64_t, double>> was;
-    for (const Row& row : sale.rows) {
-      before[row.block_no] = RoundDouble(before[row.block_no] - row.shares, 5);
-      was.emplace_back(row.block_no, -row.shares);
-    }
-    std::map<int64_t, double> after;
-    std::vector<std::pair<int64_t, double>> now;
-    for (const ShareEntry& pick : picks) {
-      after[pick.block_no] = pick.shares;
-      now.emplace_back(pick.block_no, pick.shares);
-    }
-    if (before == after) {
-      state_.insert(state_.end(), sale.rows.begin(), sale.rows.end());
-      return true;
-    }
-    SaleChange change;
-    change.date = sale.key.date;
-    change.shares = sale.shares;
-    change.notes = sale.notes;
-    change.was = PicksText(history_, was);
-    change.now = PicksText(history_, now);
-    for (const Row& row : sale.rows) change.old_ids.push_back(row.unique_id);
-    change.rows = ApportionSale(picks, sale.shares, sale.price, sale.fee);
-    for (const SaleRow& written : change.rows) {
-      Row row;
-      row.table = Table::kSell;
-      row.block_no = written.block_no;
-      row.key = sale.key;
-      row.shares = -written.shares;
-      state_.push_back(row);
-    }
-    plan.sales.push_back(std::move(change));
-    return true;
-  }
-
-  // Recomputes the split's rows of the blocks whose shares on its date the
-  // replay changed; a row of a block holding what it held is kept as
-  // stored, with any correction made to it by hand. A split reaches every
-  // block holding shares on its date, as a split of the company does,
-  // unless a block that held shares then, untouched by the replay, has no
-  // row of it: then it was entered for the blocks it names and keeps to
-  // them.
-  void Split(const SplitEvent& event, Plan& plan) {
-    std::set<int64_t> covered;
-    for (const Row& row : event.rows) covered.insert(row.block_no);
-    bool every_block = true;
-    for (const Block& block : history_.blocks) {
-      const double held = HeldAt(before_, block.block_no, event.key);
-      if (!covered.contains(block.block_no) && held > 0 &&
-          held == HeldAt(state_, block.block_no, event.key)) {
-        every_block = false;
-      }
-    }
-    for (const Block& block : history_.blocks) {
-      if (!covered.contains(block.block_no) && !(every_block && block.date <= event.key.date)) {
-        continue;
-      }
-      std::vector<Row> rows;
-      for (const Row& row : event.rows) {
-        if (row.block_no == block.block_no) rows.push_back(row);
-      }
-      if (rows.empty()) {
-        Row row = event.rows.front();
-        row.unique_id = 0;
-        row.block_no = block.block_no;
-        row.shares = 0;
-        rows.push_back(row);
-      }
-      for (Row row : rows) {
-        const double held = HeldAt(state_, block.block_no, event.key);
-        const bool same = held == HeldAt(before_, block.block_no, event.key);
-        if (row.unique_id != 0) before_.push_back(row);
-        if (row.unique_id != 0 && same) {
-          state_.push_back(row);
-          continue;
-        }
-        const double old_shares = row.shares;
-        if (held <= 0) {
-          if (row.unique_id != 0) plan.splits.push_back({row, old_shares, true});
-          continue;
-        }
-        row.shares =
-            SplitSharesAdded(static_cast<int16_t>(event.type), event.pre, event.post, held);
-        if (row.unique_id == 0 || row.shares != old_shares) {
-          plan.splits.push_back({row, old_shares, false});
-        }
-        state_.push_back(row);
-      }
-    }
-  }
-
-  const History& history_;
-  std::vector<Sale> sales_;
-  std::vector<SplitEvent> splits_;
-  std::vector<Row> state_;
-  // The history as stored, its rows added in the replay's order, so that
-  // what a block held before the replay is read at the same point.
-  std::vector<Row> before_;
-};
-
-// True iff the security has a sale after `entry` in its blocks' history,
-// found by the index without reading the history.
-bool HasSaleAfter(Database& db, int64_t sec_id, Key entry) {
+// True iff the security has a sale after `entry` in its blocks' history:
+// one query, so that an entry made in date order reads no history.
+bool HasSaleAfter(Database& db, int64_t sec_id, HistoryKey entry) {
   return db
       .Select(
           R"(SELECT 1 AS found FROM "Sell" AS S JOIN "Blocks" AS B ON B."Block No" = S."Block No" )"
@@ -425,23 +47,22 @@ Date Today(Application& app) {
   return Date::FromYmd(now.year, now.month, now.day);
 }
 
-std::string ChangeLine(const History& history, const SplitChange& change) {
-  const Row& row = change.row;
-  if (change.remove) {
+std::string ChangeLine(const SplitChange& row) {
+  if (row.remove) {
     return "Removed Split (Unique ID = " + std::to_string(row.unique_id) + ") of block " +
-           history.BlockId(row.block_no) + ": it held no shares on " + row.key.date.ToString();
+           row.block_id + ": it held no shares on " + row.key.date.ToString();
   }
   if (row.unique_id == 0) {
     return "Added Split of " + NumberText(row.shares) + " shares on " + row.key.date.ToString() +
-           " to block " + history.BlockId(row.block_no);
+           " to block " + row.block_id;
   }
   return "Changed Split (Unique ID = " + std::to_string(row.unique_id) + "), field 'Shares' from " +
-         NumberText(change.old_shares) + " to " + NumberText(row.shares);
+         NumberText(row.old_shares) + " to " + NumberText(row.shares);
 }
 
 // Writes the plan and its change-log lines in one unit. Returns false when
 // the log could not be written (the program is then ending).
-bool Apply(Application& app, const History& history, int64_t sec_id, const Plan& plan) {
+bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
   Database& db = *app.client;
   const Date today = Today(app);
   Database::Transaction unit(db);
@@ -466,9 +87,8 @@ bool Apply(Application& app, const History& history, int64_t sec_id, const Plan&
                   sale.date.ToString() + " from blocks " + sale.was + " to " + sale.now);
     if (app.ended) return false;
   }
-  for (const SplitChange& change : plan.splits) {
-    const Row& row = change.row;
-    if (change.remove) {
+  for (const SplitChange& row : plan.splits) {
+    if (row.remove) {
       db.Execute(R"(DELETE FROM "Split" WHERE "Unique ID" = :id)", {{"id", row.unique_id}});
     } else if (row.unique_id == 0) {
       db.Execute(
@@ -486,7 +106,7 @@ bool Apply(Application& app, const History& history, int64_t sec_id, const Plan&
       db.Execute(R"(UPDATE "Split" SET "Shares" = :shares WHERE "Unique ID" = :id)",
                  {{"shares", row.shares}, {"id", row.unique_id}});
     }
-    LogChange(app, app.current.port_name, sec_id, today, ChangeLine(history, change));
+    LogChange(app, app.current.port_name, sec_id, today, ChangeLine(row));
     if (app.ended) return false;
   }
   unit.Commit();
@@ -525,10 +145,9 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
   app.rebooked_sales.clear();
   TrapVoid(app, "OfferRebookLaterSales", [&] {
     if (!app.client || !HasSaleAfter(*app.client, sec_id, {date, prec})) return;
-    const History history = ReadHistory(*app.client, sec_id);
     // The replay starts with the day's first sale: one the entry does not
     // reach comes out as it was and is left alone.
-    Replay replay(history, date);
+    const RebookPlan plan = PlanRebook(*app.client, sec_id, date);
     UiPort& ui = app.ui();
 
     // Without a method no sale was made through the sale dialog, which
@@ -542,14 +161,15 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
       std::string text =
           "This entry is dated before sales already entered for this security. Their blocks were "
           "chosen by hand and are left as they are; please review these sales:";
-      for (const Sale& sale : replay.sales()) {
-        if (Key{date, prec} < sale.key) text += "\n" + SaleLine(sale.key.date, sale.shares);
+      for (const LaterSale& sale : plan.later) {
+        if (HistoryKey{date, prec} < sale.key) {
+          text += "\n" + SaleLine(sale.key.date, sale.shares);
+        }
       }
       ui.MessageBox(text, "Review later sales", Icon::kInformation, Buttons::kOk);
       return;
     }
 
-    const Plan plan = replay.Run();
     if (plan.shortfall) {
       ui.MessageBox("The sale of " + NumberText(plan.shortfall->shares) + " shares on " +
                         plan.shortfall->date.ToString() +
@@ -567,16 +187,16 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
         "first in, first out as the blocks now stand changes:";
     for (const SaleChange& sale : plan.sales) text += "\n" + SaleLine(sale.date, sale.shares);
     std::set<Date> split_dates;
-    for (const SplitChange& change : plan.splits) split_dates.insert(change.row.key.date);
-    for (Date date : split_dates) {
-      text += "\nthe stock split (or dividend) on " + date.ToString();
+    for (const SplitChange& change : plan.splits) split_dates.insert(change.key.date);
+    for (Date split_date : split_dates) {
+      text += "\nthe stock split (or dividend) on " + split_date.ToString();
     }
     text += "\nDo you want to re-book these sales now? Each change is recorded in the change log.";
     if (ui.MessageBox(text, "Re-book later sales?", Icon::kQuestion, Buttons::kYesNo) !=
         Answer::kYes) {
       return;
     }
-    if (!Apply(app, history, sec_id, plan)) return;
+    if (!Apply(app, sec_id, plan)) return;
     for (const SaleChange& sale : plan.sales)
       app.rebooked_sales.push_back({sale.date, sale.shares});
     if (app.window.display.visible && app.current.sec_id == sec_id) {
