@@ -89,7 +89,7 @@ class Fixture {
   // One FIFO sale of `shares` as the OK button writes it; returns false when
   // it was not written whole.
   bool Sell(Date date, double shares, Currency price, Currency fee) {
-    if (!SelectSharesByFIFO(*app_, shares)) return false;
+    if (!SelectSharesByFIFO(*app_, shares, date)) return false;
     const bool added =
         AddAllSales(*app_, app_->sale_lists.selected, date, shares, price, fee, "bench");
     app_->sale_lists.Clear();
@@ -136,7 +136,7 @@ void BM_SaleOverManyLots(benchmark::State& state) {
   for (auto _ : state) {
     auto start = Clock::now();
     double cpu = CpuMs();
-    const bool selected = SelectSharesByFIFO(app, 1000);
+    const bool selected = SelectSharesByFIFO(app, 1000, kSaleDay);
     const double select = Elapsed(start);
     select_user_ms += CpuMs() - cpu;
     start = Clock::now();

@@ -387,6 +387,12 @@ bool ImportLedger(Session& session, const std::string& taxpayer_code, std::istre
         Report(ui, at(record.line), line.text);
         if (line.icon == Icon::kCritical) ok = false;
       }
+      // The entry's own procedure re-booked these, having asked first.
+      for (const RebookedSale& sale : app.rebooked_sales) {
+        ui.Note(at(record.line) + "re-booked sale of " + NumberText(sale.shares) + " shares on " +
+                sale.date.ToString());
+      }
+      app.rebooked_sales.clear();
       if (ok && !app.ended) {
         ++imported;
       } else {

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "app/app_state.h"
 #include "app/current_context.h"
@@ -77,6 +78,8 @@ class Application {
   CurrentContext current;
   // The shares lists of the sale being entered.
   SaleLists sale_lists;
+  // The sales the last offer to re-book later sales re-booked.
+  std::vector<RebookedSale> rebooked_sales;
 
   // The Security Symbols File, open for the whole run.
   std::unique_ptr<Database> central;

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/date.h"
+
 namespace lotwise {
 
 // One entry of the shares lists of a sale: a block and a number of shares.
@@ -35,6 +37,13 @@ struct SaleLists {
     selected.Clear();
     left.Clear();
   }
+};
+
+// A sale whose blocks were chosen again because of an entry dated before
+// it.
+struct RebookedSale {
+  Date date;
+  double shares = 0;
 };
 
 }  // namespace lotwise

@@ -32,13 +32,20 @@ std::vector<BlockShares> OpenBlocks(Database& client, int64_t sec_id);
 void ForEachOpenBlock(Database& client, int64_t sec_id,
                       const std::function<bool(const BlockShares&)>& visit);
 
+// As ForEachOpenBlock, for a sale dated `date`: only the blocks acquired on
+// or before that date, each with what a sale then may take from it: what it
+// held that day (the day's acquisitions, adjustments and sales counted),
+// bounded by what it holds after each later transaction, so that a
+// back-dated sale never takes shares a later sale already took. A block
+// empty today thus gives nothing, and only open blocks are read.
+void ForEachBlockHeldOn(Database& client, int64_t sec_id, Date date,
+                        const std::function<bool(const BlockShares&)>& visit);
+// Returns true iff security `sec_id` has a block acquired on or before `date`.
+bool HasBlockOnOrBefore(Database& client, int64_t sec_id, Date date);
+
 // Returns every block of security `sec_id`, oldest first, with the shares
 // of its transactions dated on or before `as_of` summed and rounded to five
 // decimals (0 for a block without any). One query serves the security.
 std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date as_of);
-
-// Returns block `block_no` with the shares it holds now (rounded to five
-// decimals, possibly 0), or a block numbered 0 when there is no such block.
-BlockShares BlockSharesNow(Database& client, int64_t block_no);
 
 }  // namespace lotwise

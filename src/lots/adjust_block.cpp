@@ -11,6 +11,7 @@
 #include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 
 namespace lotwise {
 
@@ -91,6 +92,7 @@ void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
       return;
     }
     form.accepted = true;
+    OfferRebookLaterSales(app, app.current.sec_id, date, kPrecAdjust);
     form.closed = true;
     UpdateTransInBlock(app, app.window.display.trans_filter);
     UpdateSharesInSec(app);

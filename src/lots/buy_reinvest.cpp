@@ -10,6 +10,7 @@
 #include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 
 namespace lotwise {
 
@@ -166,6 +167,7 @@ void BuyReinvest_OK(Application& app, BuyReinvestForm& form, bool next_flag) {
           "Error!", Icon::kCritical, Buttons::kOk);
       return;
     }
+    OfferRebookLaterSales(app, sec_id, date, type == kTypeReinvest ? kPrecReinvest : kPrecBuy);
     // The entry is stored: from here on the form must not invite the user to
     // enter it again, whatever the refresh of the display does.
     form.accepted = true;

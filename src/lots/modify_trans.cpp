@@ -1,5 +1,6 @@
 #include "lots/modify_trans.h"
 
+#include <algorithm>
 #include <optional>
 
 #include "app/application.h"
@@ -10,6 +11,7 @@
 #include "data/database.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 #include "lots/rollback.h"
 
 namespace lotwise {
@@ -130,6 +132,7 @@ void ShowModifyTrans(Application& app) {
     form.block = app.current.block_id;
     form.security = FixAmpersand(app.window.display.sec_name);
     form.unique_id = row->unique_id;
+    form.original_date = row->date;
     app.ui().RunModal(form);
   });
 }
@@ -242,6 +245,7 @@ void ModifyTrans_OK(Application& app, ModifyTransForm& form) {
     }
     // The change is stored: the dialog closes even if the display cannot follow.
     form.closed = true;
+    OfferRebookLaterSales(app, app.current.sec_id, std::min(date, form.original_date), kPrecBuy);
     if (IsAcquisition(kind)) {
       // A re-dated buy renames its block, which the blocks grid must show.
       DisplayBlock(app, app.current.block_id);
@@ -287,6 +291,7 @@ void DeleteTransaction(Application& app) {
       app.current.block_no = 0;
       app.current.block_id.clear();
     }
+    OfferRebookLaterSales(app, app.current.sec_id, row->date, kPrecBuy);
     SecurityDisplay& display = app.window.display;
     display.trans_filter = 0;
     if (block_removed) {

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "app/currency.h"
+#include "app/date.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
@@ -35,6 +36,7 @@ struct ModifyTransForm : DialogForm {
   std::string block;         // lblBlock: the block id
   std::string security;      // lblSecurity: the security's name
   int64_t unique_id = 0;     // lblUniqueID (hidden): the row being modified
+  Date original_date;        // the row's date when the dialog opened
   bool closed = false;
   std::string focus;
 

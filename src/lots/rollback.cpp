@@ -8,6 +8,7 @@
 #include "data/database.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 
 namespace lotwise {
 
@@ -48,7 +49,6 @@ bool SecurityHasTransactions(Application& app, int64_t sec_id) {
       {{"sec", sec_id}});
   return q.Next();
 }
-
 
 }  // namespace
 
@@ -136,6 +136,7 @@ void RollBack_OK(Application& app, RollbackForm& form) {
       return;
     }
     form.closed = true;
+    OfferRebookLaterSales(app, app.current.sec_id, date, kPrecSplit);
     UpdateSharesInSec(app);
   });
 }

@@ -16,6 +16,8 @@
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
+#include "lots/rebook.h"
+#include "lots/sale_apportion.h"
 #include "lots/sell_specific.h"
 
 namespace lotwise {
@@ -219,7 +221,6 @@ void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
       }
     }
     selected.empty = selected.entries.empty();
-    form.replaced = selected.entries;
     BuildSharesLeftList(app);
     ComputeSharesLeft(app);
     ComputeSharesSold(app);
@@ -360,11 +361,15 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
                   "Sale Price is zero")) {
       return;
     }
-    if (!UserSelectsShares(method) && !SelectSharesByFIFO(app, shares, form.replaced)) return;
     const ReplacedEntry replaced{form.mod_sec_id, form.mod_date};
+    const ReplacedEntry* replacing = modify ? &replaced : nullptr;
+    if (UserSelectsShares(method) ? !SelectionPrecedesSale(app, date)
+                                  : !SelectSharesByFIFO(app, shares, date, replacing)) {
+      return;
+    }
     bool committed = false;
     const bool added = AddAllSales(app, app.sale_lists.selected, date, shares, sale_price, fee,
-                                   form.notes, modify ? &replaced : nullptr, &committed);
+                                   form.notes, replacing, &committed);
     if (app.ended) return;
     if (modify && !committed) {
       // The old rows are deleted only in the unit that stores the new ones.
@@ -399,6 +404,8 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
       display.sell_method = method;
       AddSellMethod(app, app.current.sec_symbol, method, true);
     }
+    OfferRebookLaterSales(app, app.current.sec_id, modify ? std::min(date, form.mod_date) : date,
+                          kPrecSell);
     app.sale_lists.Clear();
     form.closed = true;
   });
@@ -409,71 +416,63 @@ void SellShares_Cancel(Application& app, SellSharesForm& form) {
   form.closed = true;
 }
 
-bool SelectSharesByFIFO(Application& app, double to_sell,
-                        const std::vector<ShareEntry>& given_back) {
+bool SelectSharesByFIFO(Application& app, double to_sell, Date date,
+                        const ReplacedEntry* replaced) {
   return Trap(app, "SelectSharesByFIFO", false, [&] {
     UiPort& ui = app.ui();
     ui.SetHelpBarText("Selecting shares for the sale");
     ShareList& selected = app.sale_lists.selected;
     app.sale_lists.Clear();
-    // The blocks of a replaced sale, with the shares it took added back.
-    // Those it emptied are not open blocks and are merged into the walk in
-    // block order.
-    std::vector<BlockShares> returned;
-    for (const ShareEntry& entry : given_back) {
-      BlockShares block = BlockSharesNow(*app.client, entry.block_no);
-      if (block.block_no == 0) continue;
-      block.shares = RoundDouble(block.shares + entry.shares, 5);
-      returned.push_back(block);
-    }
-    const auto before = [](const BlockShares& a, const BlockShares& b) {
-      return a.date != b.date ? a.date < b.date : a.block_id < b.block_id;
-    };
-    std::sort(returned.begin(), returned.end(), before);
-    size_t next_returned = 0;
-
+    bool has_block = false;
     double still_to_sell = to_sell;
     bool found_shares = false;
-    const auto take = [&](const BlockShares& block) {
-      if (block.shares <= 0) return true;
-      double taken = still_to_sell;
-      if (block.shares <= still_to_sell) {
-        taken = block.shares;
-        still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
-      } else {
-        still_to_sell = 0;
-      }
-      selected.entries.push_back({"", block.block_no, taken});
-      selected.empty = false;
-      found_shares = true;
-      if (still_to_sell <= 0) {
-        ui.SetGauge(100);
-        return false;
-      }
-      ui.SetGauge(static_cast<int>((to_sell - still_to_sell) * 100 / to_sell));
-      return true;
-    };
     {
+      // A sale being replaced must not count against its successor: the
+      // selection looks at the file without it, in a trial unit that is
+      // always rolled back. No question is asked inside it.
+      std::optional<Database::Transaction> trial;
+      if (replaced != nullptr) {
+        trial.emplace(*app.client);
+        app.client->ExecuteSaved("Delete Entire Sell",
+                                 {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}});
+      }
+      has_block = HasBlockOnOrBefore(*app.client, app.current.sec_id, date);
       GaugeGuard gauge(ui);
       // Only blocks that still hold shares come back (already rounded to
       // five decimals), oldest first, and none after the sale is covered:
       // the blocks emptied by earlier sales and the lots that stay open are
       // never read. The gauge follows the shares found, the block count
       // being unknown until the end.
-      bool go_on = true;
-      ForEachOpenBlock(*app.client, app.current.sec_id, [&](const BlockShares& block) {
-        while (go_on && next_returned < returned.size() && before(returned[next_returned], block)) {
-          go_on = take(returned[next_returned++]);
-        }
-        if (!go_on) return false;
-        if (next_returned < returned.size() && returned[next_returned].block_no == block.block_no) {
-          go_on = take(returned[next_returned++]);
-        } else {
-          go_on = take(block);
-        }
-        return go_on;
-      });
-      while (go_on && next_returned < returned.size()) go_on = take(returned[next_returned++]);
+      if (has_block) {
+        ForEachBlockHeldOn(*app.client, app.current.sec_id, date, [&](const BlockShares& block) {
+          double taken = still_to_sell;
+          if (block.shares <= still_to_sell) {
+            taken = block.shares;
+            still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
+          } else {
+            still_to_sell = 0;
+          }
+          selected.entries.push_back({"", block.block_no, taken});
+          selected.empty = false;
+          found_shares = true;
+          if (still_to_sell <= 0) {
+            ui.SetGauge(100);
+            return false;
+          }
+          ui.SetGauge(static_cast<int>((to_sell - still_to_sell) * 100 / to_sell));
+          return true;
+        });
+      }
+    }
+    if (!has_block) {
+      Tell(app,
+           "This sale can't be made. There are no blocks in this Security acquired on or before "
+           "the sale date " +
+               date.ToString() +
+               ". A sale can only take shares from blocks acquired on or before its date. Please "
+               "correct the Date.",
+           "No Shares on that Date", Icon::kExclamation);
+      return false;
     }
     if (still_to_sell > 0) {
       // A selection that cannot cover the sale must not linger for a later
@@ -514,12 +513,7 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
         if (!ConfirmSellOn(app, entry.block_no, date)) return !app.ended;
       }
     }
-    double price_per_share = 0;
-    double fee_per_share = 0;
-    if (shares != 0) {
-      price_per_share = sale_price.ToDouble() / shares;
-      fee_per_share = fee.ToDouble() / shares;
-    }
+    const std::vector<SaleRow> rows = ApportionSale(entries, shares, sale_price, fee);
     {
       Database::Transaction unit(*app.client);
       if (replaced != nullptr) {
@@ -527,28 +521,14 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
                                  {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}});
       }
       GaugeGuard gauge(ui);
-      Currency price_total;
-      Currency fee_total;
       bool all_written = true;
-      for (size_t i = 0; i < entries.size(); ++i) {
-        const ShareEntry& entry = entries[i];
-        // Each amount is taken to the currency first, then to the cent.
-        Currency price = Currency::FromDouble(price_per_share * entry.shares).RoundedToCent();
-        Currency entry_fee = Currency::FromDouble(fee_per_share * entry.shares).RoundedToCent();
-        price_total += price;
-        fee_total += entry_fee;
-        const bool last = i + 1 == entries.size();
-        if (last) {
-          // The last block carries the rounding, so that the rows add up
-          // exactly to what was entered.
-          price += sale_price - price_total;
-          entry_fee += fee - fee_total;
-        }
-        if (!AddSell(app, entry.block_no, date, price, entry_fee, -entry.shares, notes)) {
+      for (size_t i = 0; i < rows.size(); ++i) {
+        const SaleRow& row = rows[i];
+        if (!AddSell(app, row.block_no, date, row.price, row.fee, -row.shares, notes)) {
           all_written = false;
           break;
         }
-        if (entries.size() > 1) ui.SetGauge(static_cast<int>(i * 100 / (entries.size() - 1)));
+        if (rows.size() > 1) ui.SetGauge(static_cast<int>(i * 100 / (rows.size() - 1)));
       }
       // An error that ends the program has closed the file, which undid the
       // unit; nothing more can be shown of it.

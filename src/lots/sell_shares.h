@@ -49,12 +49,10 @@ struct SellSharesForm : DialogForm {
   bool num_shares_locked = false;  // DblNumShares read-only: filled by the selection
   std::string notes;               // txtNotes
   std::string security;            // lblSecurity, ampersands doubled
-  // Modify Entire Sell: the sale being replaced (every Sell row of the
-  // security on that date) and its shares per block, which count as
-  // available again to the new sale's selection.
+  // Modify Entire Sell: the sale being replaced, every Sell row of the
+  // security on that date.
   int64_t mod_sec_id = 0;
   Date mod_date;
-  std::vector<ShareEntry> replaced;
   bool closed = false;
   // Set only when OK stored the sale: its unit of work committed.
   bool accepted = false;
@@ -104,12 +102,14 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify);
 void SellShares_Cancel(Application& app, SellSharesForm& form);
 
 // Fills app.sale_lists.selected from the current security's blocks, oldest
-// first, with `to_sell` shares. The shares of `given_back` (those of a sale
-// being replaced) count as held by their blocks. Returns true iff they cover
-// the sale; otherwise tells the user how many shares there are and leaves
-// both lists empty.
-bool SelectSharesByFIFO(Application& app, double to_sell,
-                        const std::vector<ShareEntry>& given_back = {});
+// first, with `to_sell` shares sold on `date`: only blocks acquired on or
+// before that date, each with what it may give a sale on that date
+// (ForEachBlockHeldOn), as the file stands without the rows of `replaced`
+// (a sale being replaced). Returns true iff they cover the sale; otherwise
+// tells the user how many shares there are (or that no block is that old)
+// and leaves both lists empty.
+bool SelectSharesByFIFO(Application& app, double to_sell, Date date,
+                        const ReplacedEntry* replaced = nullptr);
 
 // Writes one Sell row per entry of `selected`, apportioning the sale price
 // and fee by shares (each to the cent, the last row taking the rounding

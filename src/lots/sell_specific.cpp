@@ -5,12 +5,12 @@
 #include "app/number_text.h"
 #include "app/value_helpers.h"
 #include "data/block_shares.h"
+#include "data/database.h"
 #include "lots/sell_shares.h"
 
 namespace lotwise {
 
 namespace {
-
 
 void Tell(Application& app, const std::string& text, const char* title) {
   app.ui().MessageBox(text, title, Icon::kInformation, Buttons::kOk);
@@ -223,6 +223,28 @@ void SellSpecific_Remove(Application& app, SellSpecificForm& form) {
     }
     form.sold_row = row;
     ShowListsAndTotals(app, form);
+  });
+}
+
+bool SelectionPrecedesSale(Application& app, Date date) {
+  return Trap(app, "SelectionPrecedesSale", false, [&] {
+    const ShareList& selected = app.sale_lists.selected;
+    if (selected.empty) return true;
+    for (const ShareEntry& entry : selected.entries) {
+      Query block =
+          app.client->Select(R"(SELECT "Block ID", "Date" FROM "Blocks" WHERE "Block No" = :n)",
+                             {{"n", entry.block_no}});
+      if (!block.Next() || !(date < block.DateValue("Date"))) continue;
+      app.ui().MessageBox("Block " + block.Text("Block ID") + " was acquired on " +
+                              block.DateValue("Date").ToString() + ", after the sale date " +
+                              date.ToString() +
+                              ". A sale can only take shares from blocks acquired on or before "
+                              "its date. Please remove this block from the selection or correct "
+                              "the Date.",
+                          "Block acquired after the sale", Icon::kExclamation, Buttons::kOk);
+      return false;
+    }
+    return true;
   });
 }
 

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/date.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
@@ -71,6 +72,10 @@ double ComputeSharesSold(Application& app, SellSpecificForm* form = nullptr);
 // asks for the number through dlgNumShares.
 void SellSpecific_Add(Application& app, SellSpecificForm& form);
 void SellSpecific_Remove(Application& app, SellSpecificForm& form);
+// Returns true iff every block of the selection was acquired on or before
+// `date`, the sale's date; otherwise tells the user which block is younger
+// than the sale, leaving the selection to be corrected.
+bool SelectionPrecedesSale(Application& app, Date date);
 // Puts the selected total into the sale dialog's shares and closes; asks
 // first when nothing is selected.
 void SellSpecific_OK(Application& app, SellSpecificForm& form);

@@ -1,5 +1,6 @@
 #include "lots/split_dividend.h"
 
+#include <algorithm>
 #include <optional>
 #include <set>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "data/block_shares.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "lots/rebook.h"
 
 namespace lotwise {
 
@@ -194,6 +196,9 @@ void SplitDiv_OK(Application& app, SplitDivForm& form, bool modify_flag) {
                         modify_flag ? &replaced : nullptr, &added)) {
       form.accepted = added > 0;
       form.closed = true;
+      OfferRebookLaterSales(app, app.current.sec_id,
+                            modify_flag ? std::min(date, form.modify_date) : date,
+                            type == kTypeSplit ? kPrecSplit : kPrecDividend);
       UpdateSharesInSec(app);
       return;
     }

@@ -281,13 +281,15 @@ TEST_F(ModifyTransTest, ModifyAndDelete_UnknownListedKind_ErrorNothingChanged) {
 }
 
 // A delete removes exactly the confirmed row from its kind's table and lists
-// the block again with all kinds; the block stays while it holds any row.
+// the block again with all kinds; the block stays while it holds any row. A
+// buy deleted under a later sale leaves that sale short, which is said.
 struct DeleteCase {
   const char* name;
   const char* listed;
   const char* question;
   const char* table;
   int64_t unique_id;
+  const char* shortfall = nullptr;
 };
 
 class DeleteKindTest : public ModifyTransTest, public ::testing::WithParamInterface<DeleteCase> {};
@@ -297,6 +299,7 @@ TEST_P(DeleteKindTest, DeleteTransaction_Yes_OnlyThatRowGone) {
   Open(c.listed);
   app_->window.display.trans_filter = 6;
   ui_.Expect(c.question, "Delete Transaction?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  if (c.shortfall != nullptr) ui_.Expect(c.shortfall, "Sales not re-booked");
   DeleteTransaction(*app_);
   EXPECT_EQ(CountOnDisk(c.table, "\"Unique ID\" = " + std::to_string(c.unique_id)), 0);
   EXPECT_EQ(CountOnDisk("Buy") + CountOnDisk("Sell") + CountOnDisk("Split") + CountOnDisk("Adjust"),
@@ -320,7 +323,11 @@ INSTANTIATE_TEST_SUITE_P(
                       DeleteCase{"BuyWithLaterRows", "Buy",
                                  "You are about to delete the Buy on 01/02/2024 from Block "
                                  "01/02/2024-1. Are you sure you want to do this? ",
-                                 "Buy", 1}),
+                                 "Buy", 1,
+                                 "The sale of 50 shares on 03/01/2024 can not be re-booked: the "
+                                 "blocks held only 2 shares on that date. The later sales are "
+                                 "left as they were entered; please review the transactions of "
+                                 "this security."}),
     [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ModifyTransTest, DeleteTransaction_OnlyRowOfBlock_BlockRemoved) {

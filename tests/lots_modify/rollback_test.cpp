@@ -24,21 +24,20 @@ const char* const kAreYouSure =
     "You are about to Rollback transactions in all blocks in this security! Are you sure you "
     "want to do this?";
 
-// Four blocks with rows of every kind before, on and after 05/01/2024:
-// A 01/02/2024 (buy, sells, adjustments, splits, dividends), B 02/01/2024
-// (reinvestment, sell), C 07/01/2024 (buy only), D 08/01/2024
-// (reinvestment only).
+// Four blocks with rows of every kind before, on and after 05/01/2024, the
+// sales taken first in, first out: A 01/02/2024 (buy, sells, adjustments,
+// splits, dividends), B 02/01/2024 (reinvestment only), C 07/01/2024 (buy
+// only), D 08/01/2024 (reinvestment only).
 class RollbackTest : public LotsModifyTest {
  protected:
   void SetUp() override {
     LotsModifyTest::SetUp();
     const int64_t a = BlockNo(Buy("01/02/2024", 100, "1000"));
-    const int64_t b = BlockNo(Buy("02/01/2024", 2, "50", kTypeReinvest));
+    Buy("02/01/2024", 2, "50", kTypeReinvest);
     Buy("07/01/2024", 5, "60");
     Buy("08/01/2024", 1, "12", kTypeReinvest);
     ASSERT_TRUE(AddSell(*app_, a, D("03/01/2024"), Money("70"), Money("1"), -10, ""));
-    ASSERT_TRUE(AddSell(*app_, a, D("06/01/2024"), Money("80"), Money("1"), -10, ""));
-    ASSERT_TRUE(AddSell(*app_, b, D("06/01/2024"), Money("30"), Money("1"), -1, ""));
+    ASSERT_TRUE(AddSell(*app_, a, D("06/01/2024"), Money("110"), Money("2"), -11, ""));
     ASSERT_TRUE(AddAdjust(*app_, a, D("04/01/2024"), 1, Money("10"), ""));
     ASSERT_TRUE(AddAdjust(*app_, a, D("06/02/2024"), 2, Money("10"), ""));
     ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("05/01/2024"), 1, 2, 80, ""));
@@ -168,7 +167,7 @@ TEST_P(RollbackPurchaseTest, RollBack_OK_AroundPurchaseDate_BlocksListedAndPrint
   EXPECT_EQ(ui_.printed(), printed);
 }
 
-// Block A holds 331 shares, B 1, C 5 and D 1.
+// Block A holds 330 shares, B 2, C 5 and D 1.
 INSTANTIATE_TEST_SUITE_P(
     Dates, RollbackPurchaseTest,
     ::testing::Values(
@@ -268,7 +267,8 @@ TEST_F(RollbackTest, RollBackTrans_SecondBlockWriteFails_NoRowDeleted) {
     form.date = "01/01/2024";
     form.sells = form.adjusts = true;
     form.blocks = kRollbackAllBlocks;
-    // Block A's sells and adjustments, then block B's sells: the third write.
+    // Block A's sells and adjustments, then block B's (empty) sells: the
+    // third write.
     faults.FailWriteNumber(3);
     RollBack_OK(*app_, form);
     EXPECT_FALSE(form.closed);

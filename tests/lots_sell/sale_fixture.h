@@ -98,6 +98,17 @@ class SaleTest : public AppTest {
     return rows;
   }
 
+  // The Split rows dated `date`, oldest block first: "block id shares".
+  Rows SplitRows(const char* date) {
+    Rows rows;
+    Query q = app_->client->Select(
+        R"(SELECT B."Block ID", S."Shares" FROM "Split" AS S JOIN "Blocks" AS B )"
+        R"(ON B."Block No" = S."Block No" WHERE S."Date" = :d ORDER BY B."Date", B."Block ID")",
+        {{"d", D(date)}});
+    while (q.Next()) rows.push_back(q.Text("Block ID") + " " + NumberText(q.Double("Shares")));
+    return rows;
+  }
+
   int StoredMethod() {
     Query q = app_->client->Select(R"(SELECT "Sell Method" FROM "Sell Method")");
     return q.Next() ? static_cast<int>(q.Int("Sell Method")) : -1;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "lots/buy_reinvest.h"
+#include "lots/split_dividend.h"
 #include "lots_sell/sale_fixture.h"
 
 namespace lotwise::testing {
@@ -111,6 +113,24 @@ INSTANTIATE_TEST_SUITE_P(
                  {},
                  "Not enough shares",
                  "There are 200.25" + kNotEnough},
+        FifoCase{"LaterBlockPassedOver",
+                 {{"01/01/2024", 100}, {"07/01/2024", 100}},
+                 150,
+                 "150",
+                 "0",
+                 {},
+                 "Not enough shares",
+                 "There are 100" + kNotEnough},
+        FifoCase{"NoBlockBeforeSale",
+                 {{"07/01/2024", 100}},
+                 50,
+                 "50",
+                 "0",
+                 {},
+                 "No Shares on that Date",
+                 "This sale can't be made. There are no blocks in this Security acquired on or "
+                 "before the sale date 06/03/2024. A sale can only take shares from blocks "
+                 "acquired on or before its date. Please correct the Date."},
         FifoCase{"NoSharesLeft",
                  {{"01/01/2024", 100, -100}},
                  10,
@@ -119,6 +139,95 @@ INSTANTIATE_TEST_SUITE_P(
                  {},
                  "No Shares",
                  "This sale can't be made. There are no shares in this Security." + kReviewAdvice}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+// An entry dated before a FIFO sale already stored offers to re-book it: Yes
+// takes the sale again first in, first out from the blocks as they now
+// stand, in one unit, logged, and recomputes the later split on what its
+// blocks then hold; No keeps the rows. The stored sale of 120 took 100 from
+// January and 20 from February; a 2:1 split on 07/01 then doubled
+// February's 80 shares.
+struct RebookCase {
+  const char* name;
+  bool split;  // a 2:1 split of every block on `date`, else a buy of 50 shares
+  const char* date;
+  Answer answer;
+  Rows sale;
+  Rows splits;  // of 07/01/2024
+  Rows changes;
+};
+
+class RebookTest : public SaleTest, public ::testing::WithParamInterface<RebookCase> {};
+
+TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
+  const RebookCase& c = GetParam();
+  const int64_t jan = Block("01/01/2024", 100);
+  const int64_t feb = Block("02/01/2024", 100);
+  ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
+  ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
+  ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
+  OpenSecurity(kSellFifo);
+  ui_.Expect(
+      "This entry is dated before sales already entered for this security. Taking their shares "
+      "first in, first out as the blocks now stand changes:\nthe sale of 120 shares on "
+      "06/03/2024\nthe stock split (or dividend) on 07/01/2024\nDo you want to re-book these "
+      "sales now? Each change is recorded in the change log.",
+      "Re-book later sales?", Icon::kQuestion, Buttons::kYesNo, c.answer);
+  if (c.split) {
+    SplitDivForm form;
+    form.caption = SplitDivForm::kSplitCaption;
+    form.date = c.date;
+    form.pre_ratio = 2;
+    form.post_ratio = 1;
+    SplitDiv_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  } else {
+    BuyReinvestForm form;
+    form.caption = BuyReinvestForm::kBuyCaption;
+    form.date = c.date;
+    form.num_shares = 50;
+    form.cost_of_shares = Money("400");
+    BuyReinvest_OK(*app_, form, false);
+    EXPECT_TRUE(form.closed);
+  }
+  EXPECT_EQ(SellRows(), c.sale);
+  EXPECT_EQ(SplitRows("07/01/2024"), c.splits);
+  EXPECT_EQ(Changes(), c.changes);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+}
+
+const Rows kStoredSale = {"01/01/2024-1 -100 1000 10", "02/01/2024-1 -20 200 2"};
+const std::string kRebooked =
+    "Re-booked Sell of 120 shares on 06/03/2024 from blocks 01/01/2024-1 (100), 02/01/2024-1 "
+    "(20) to ";
+
+INSTANTIATE_TEST_SUITE_P(
+    Entries, RebookTest,
+    ::testing::Values(RebookCase{"SplitBeforeSale_SplitBlockAlone",
+                                 true,
+                                 "04/01/2024",
+                                 Answer::kYes,
+                                 {"01/01/2024-1 -120 1200 12"},
+                                 {"01/01/2024-1 80", "02/01/2024-1 200"},
+                                 {kRebooked + "01/01/2024-1 (120)",
+                                  "Added Split of 80 shares on 07/01/2024 to block 01/01/2024-1",
+                                  "Changed Split (Unique ID = 1), field 'Shares' from 80 to 200"}},
+                      RebookCase{"ForgottenEarlierLot_TakenSecond",
+                                 false,
+                                 "01/15/2024",
+                                 Answer::kYes,
+                                 {"01/01/2024-1 -100 1000 10", "01/15/2024-1 -20 200 2"},
+                                 {"01/15/2024-1 30", "02/01/2024-1 100"},
+                                 {kRebooked + "01/01/2024-1 (100), 01/15/2024-1 (20)",
+                                  "Added Split of 30 shares on 07/01/2024 to block 01/15/2024-1",
+                                  "Changed Split (Unique ID = 1), field 'Shares' from 80 to 100"}},
+                      RebookCase{"Declined_RowsKept",
+                                 true,
+                                 "04/01/2024",
+                                 Answer::kNo,
+                                 kStoredSale,
+                                 {"02/01/2024-1 80"},
+                                 {}}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // OK refuses a sale without a method or without shares (pointing to the
@@ -327,7 +436,6 @@ TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
     ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
   } else if (c.busy) {
     ui_.Expect(kFileBusy, "Warning");
-    ui_.Expect(kept, "Sale not changed", Icon::kCritical, Buttons::kOk);
   } else {
     ui_.Expect(
         "There is already a Purchase of Shares in this Security on 06/04/2024.\nDo you "

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "lots/buy_reinvest.h"
 #include "lots_sell/sale_fixture.h"
 
 namespace lotwise::testing {
@@ -65,6 +66,50 @@ TEST_F(SellSpecificTest, SellSpecific_AddTwiceFromOneBlock_OneEntry) {
   AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 30.5)", 20);
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), Rows{"03/01/2024-1 -50 500 0"});
+}
+
+// A sale may not take shares from a block acquired after its date: OK names
+// the block and both dates, writes nothing and keeps the dialog open.
+TEST_F(SellSpecificTest, SellShares_OK_BlockAfterSaleDate_Refused) {
+  OnSale([&](SellSharesForm& form) {
+    Fill(form, 0, "500");
+    form.date = "02/15/2024";
+    NumSharesSS_Click(*app_, form);
+    SellShares_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+    SellShares_Cancel(*app_, form);
+  });
+  OnDialog<SellSpecificForm>("dlgSellSpecific", [&](SellSpecificForm& form) {
+    form.left_row = 1;
+    SellSpecific_Add(*app_, form);
+    SellSpecific_OK(*app_, form);
+  });
+  AnswerPrompt("Add Shares", "Enter the number of shares you want to Add\n(0 - 60.5)", 10);
+  ui_.Expect(
+      "Block 03/01/2024-1 was acquired on 03/01/2024, after the sale date 02/15/2024. A sale can "
+      "only take shares from blocks acquired on or before its date. Please remove this block from "
+      "the selection or correct the Date.",
+      "Block acquired after the sale");
+  ShowSellShares(*app_);
+  EXPECT_EQ(CountClientRows("Sell"), 0);
+}
+
+// A buy dated before a sale whose blocks the user picked re-books nothing:
+// the later sales are listed for review and stay as they are.
+TEST_F(SellSpecificTest, BuyBeforeSale_LaterSalesListedForReview) {
+  ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("100"), Currency(), -10, ""));
+  ui_.Expect(
+      "This entry is dated before sales already entered for this security. Their blocks were "
+      "chosen by hand and are left as they are; please review these sales:\nthe sale of 10 "
+      "shares on 06/03/2024",
+      "Review later sales", Icon::kInformation, Buttons::kOk);
+  BuyReinvestForm form;
+  form.caption = BuyReinvestForm::kBuyCaption;
+  form.date = "02/01/2024";
+  form.num_shares = 5;
+  form.cost_of_shares = Money("50");
+  BuyReinvest_OK(*app_, form, false);
+  EXPECT_EQ(SellRows(), Rows{"03/01/2024-1 -10 100 0"});
 }
 
 TEST_F(SellSpecificTest, SellSpecific_AllOfBlock_AddedThenRemoved) {

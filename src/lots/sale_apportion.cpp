@@ -1,0 +1,31 @@
+#include "lots/sale_apportion.h"
+
+namespace lotwise {
+
+std::vector<SaleRow> ApportionSale(const std::vector<ShareEntry>& entries, double shares,
+                                   Currency sale_price, Currency fee) {
+  double price_per_share = 0;
+  double fee_per_share = 0;
+  if (shares != 0) {
+    price_per_share = sale_price.ToDouble() / shares;
+    fee_per_share = fee.ToDouble() / shares;
+  }
+  std::vector<SaleRow> rows;
+  Currency price_total;
+  Currency fee_total;
+  for (size_t i = 0; i < entries.size(); ++i) {
+    SaleRow row{entries[i].block_no, entries[i].shares,
+                Currency::FromDouble(price_per_share * entries[i].shares).RoundedToCent(),
+                Currency::FromDouble(fee_per_share * entries[i].shares).RoundedToCent()};
+    price_total += row.price;
+    fee_total += row.fee;
+    if (i + 1 == entries.size()) {
+      row.price += sale_price - price_total;
+      row.fee += fee - fee_total;
+    }
+    rows.push_back(row);
+  }
+  return rows;
+}
+
+}  // namespace lotwise

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "app/currency.h"
+#include "app/sale_lists.h"
+
+namespace lotwise {
+
+// One Sell row of a sale spread over its blocks.
+struct SaleRow {
+  int64_t block_no = 0;
+  double shares = 0;  // positive: the shares taken from the block
+  Currency price;
+  Currency fee;
+};
+
+// Spreads a sale's price and fee over the blocks of `entries` by shares:
+// each amount to the currency, then to the cent, the last row taking the
+// rounding so that the rows add up exactly to what was entered.
+std::vector<SaleRow> ApportionSale(const std::vector<ShareEntry>& entries, double shares,
+                                   Currency sale_price, Currency fee);
+
+}  // namespace lotwise
