@@ -9,8 +9,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QRegularExpressionValidator>
 #include <QTextEdit>
+#include <QValidator>
 
 #include "app/application.h"
 #include "app/date.h"
@@ -111,11 +111,43 @@ class HelpFilter : public QObject {
   UiPort& ui_;
 };
 
-// Digits may carry "," thousands separators, as ParseNumber reads them.
-QValidator* AmountValidator(int decimals, QObject* parent) {
-  const QString pattern = QStringLiteral("-?(\\d[\\d,]*)?(\\.\\d{0,%1})?").arg(decimals);
-  return new QRegularExpressionValidator(QRegularExpression(pattern), parent);
-}
+// Takes what is, or can still become, a number of the field's kind as it
+// is typed: "1,23" may become "1,234", "0," and a twelfth whole digit of a
+// number field never can.
+class AmountValidator : public QValidator {
+ public:
+  AmountValidator(int decimals, bool money, QObject* parent)
+      : QValidator(parent),
+        money_(money),
+        shape_(QRegularExpression::anchoredPattern(
+            QStringLiteral("-?(?:(?:[1-9]\\d{0,2}(?:,\\d{3})+|\\d+)(?:\\.\\d{0,%1})?"
+                           "|[1-9]\\d{0,2}(?:,\\d{3})*,\\d{0,2}|\\.\\d{0,%1})?")
+                .arg(decimals))) {}
+
+  State validate(QString& input, int&) const override {
+    if (!shape_.match(input).hasMatch()) return Invalid;
+    const std::string text = FromQ(input);
+    const NumberFault fault = money_ ? Currency::ParseFault(text) : ParseNumberFault(text);
+    if (fault == NumberFault::kTooLarge) return Invalid;
+    return fault == NumberFault::kNone ? Acceptable : Intermediate;
+  }
+
+ private:
+  bool money_;
+  QRegularExpression shape_;
+};
+
+class CharacterLimit : public QValidator {
+ public:
+  CharacterLimit(int max_characters, QObject* parent) : QValidator(parent), max_(max_characters) {}
+
+  State validate(QString& input, int&) const override {
+    return input.toUcs4().size() <= max_ ? Acceptable : Invalid;
+  }
+
+ private:
+  qsizetype max_;
+};
 
 }  // namespace
 
@@ -155,7 +187,7 @@ void SetDateEditText(QLineEdit* edit, std::string_view text) {
   edit->setText(ToQ(text));
 }
 
-void MakeMoneyEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(4, edit)); }
+void MakeMoneyEdit(QLineEdit* edit) { edit->setValidator(new AmountValidator(4, true, edit)); }
 
 Currency MoneyEditValue(const QLineEdit* edit) {
   return Currency::Parse(FromQ(edit->text())).value_or(Currency());
@@ -163,13 +195,27 @@ Currency MoneyEditValue(const QLineEdit* edit) {
 
 void SetMoneyEditValue(QLineEdit* edit, Currency amount) { edit->setText(ToQ(amount.ToString())); }
 
-void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(5, edit)); }
+void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(new AmountValidator(5, false, edit)); }
+
+bool IsHalfTypedAmount(const QLineEdit* edit) {
+  const QString text = edit->text();
+  return text.contains(QRegularExpression(QStringLiteral("\\d"))) && !edit->hasAcceptableInput();
+}
+
+void LimitCharacters(QLineEdit* edit, int max_characters) {
+  edit->setMaxLength(32767);  // Qt's own default: no cut of text set by the program
+  edit->setValidator(new CharacterLimit(max_characters, edit));
+  edit->setProperty("lw_max_characters", max_characters);
+}
 
 double NumberEditValue(const QLineEdit* edit) {
   return ParseNumber(FromQ(edit->text())).value_or(0.0);
 }
 
-void SetNumberEditValue(QLineEdit* edit, double value) { edit->setText(ToQ(NumberText(value))); }
+void SetNumberEditValue(QLineEdit* edit, double value) {
+  // Fixed notation: the field reads no exponent ("1E-05" would be no number).
+  edit->setText(ToQ(PlainNumberText(value)));
+}
 
 void OnLeave(QWidget* field, std::function<void()> check) {
   field->installEventFilter(new LeaveFilter(field, std::move(check)));
