@@ -90,7 +90,7 @@ QLineEdit* LotFormWindow::AddNumber(const char* name, const char* label, double&
   MakeNumberEdit(edit);
   edit->setAlignment(Qt::AlignRight);
   AddRow(label, edit);
-  amount_fields_.emplace_back(edit, label);
+  amount_fields_.emplace_back(edit, label != nullptr ? label : "");
   Bind([edit, &field] { field = NumberEditValue(edit); },
        [edit, &field] {
          // "1,000" and "1000" are the same number: leave what was typed.
@@ -107,7 +107,7 @@ QLineEdit* LotFormWindow::AddMoney(const char* name, const char* label, Currency
   MakeMoneyEdit(edit);
   edit->setAlignment(Qt::AlignRight);
   AddRow(label, edit);
-  amount_fields_.emplace_back(edit, label);
+  amount_fields_.emplace_back(edit, label != nullptr ? label : "");
   Bind([edit, &field] { field = MoneyEditValue(edit); },
        [edit, &field] {
          if (MoneyEditValue(edit) != field || edit->text().isEmpty()) {
@@ -263,15 +263,12 @@ void LotFormWindow::Run(const std::function<void()>& procedure, bool any_text) {
   // The form holds numbers, not text: a text that is no number would reach
   // it as 0, so it is refused here, where the text is.
   for (const auto& [edit, label] : amount_fields_) {
-    if (any_text || !IsHalfTypedAmount(edit)) continue;
+    if (any_text) break;
     std::string field = label;
     if (!field.empty() && field.back() == ':') field.pop_back();
-    app_.ui().MessageBox("The " + field + " entered as " + FromQ(edit->text()) +
-                             " is not a number. A \",\" may only separate groups of three "
-                             "digits before the decimal point, as in 1,234.50. Please re-enter "
-                             "the " +
-                             field + ".",
-                         "Invalid Number", Icon::kExclamation, Buttons::kOk);
+    const std::string complaint = AmountFieldComplaint(edit, field);
+    if (complaint.empty()) continue;
+    app_.ui().MessageBox(complaint, "Invalid Number", Icon::kExclamation, Buttons::kOk);
     edit->setFocus(Qt::OtherFocusReason);
     return;
   }

@@ -87,8 +87,9 @@ class LotFormWindow : public QDialog {
   // Runs `check` when `field` loses the focus to another control.
   void OnLeaveField(QWidget* field, std::function<void()> check);
   // Runs a procedure of the form as described above. Unless `any_text` (a
-  // cancel), a number or amount field holding text that is no number (a
-  // half-typed "1,23") is refused first, the field named and focused.
+  // cancel), a number or amount field whose text is no number of its kind
+  // (a half-typed "1,23", too many digits) is refused first, the field
+  // named and focused.
   void Run(const std::function<void()>& procedure, bool any_text = false);
 
   // Completes the window: caption, help-bar texts of every named control

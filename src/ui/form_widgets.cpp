@@ -111,9 +111,9 @@ class HelpFilter : public QObject {
   UiPort& ui_;
 };
 
-// Takes what is, or can still become, a number of the field's kind as it
-// is typed: "1,23" may become "1,234", "0," and a twelfth whole digit of a
-// number field never can.
+// Takes what is, or can still become, a number as it is typed: "1,23" may
+// become "1,234", "0," never can. A number too large for the field is
+// taken, to be refused with the limit named (AmountFieldComplaint).
 class AmountValidator : public QValidator {
  public:
   AmountValidator(int decimals, bool money, QObject* parent)
@@ -126,10 +126,13 @@ class AmountValidator : public QValidator {
 
   State validate(QString& input, int&) const override {
     if (!shape_.match(input).hasMatch()) return Invalid;
-    const std::string text = FromQ(input);
-    const NumberFault fault = money_ ? Currency::ParseFault(text) : ParseNumberFault(text);
-    if (fault == NumberFault::kTooLarge) return Invalid;
-    return fault == NumberFault::kNone ? Acceptable : Intermediate;
+    return Fault(input) == NumberFault::kNone ? Acceptable : Intermediate;
+  }
+
+  bool money() const { return money_; }
+  // What the core says about `text` as a number of the field's kind.
+  NumberFault Fault(const QString& text) const {
+    return money_ ? Currency::ParseFault(FromQ(text)) : ParseNumberFault(FromQ(text));
   }
 
  private:
@@ -197,9 +200,29 @@ void SetMoneyEditValue(QLineEdit* edit, Currency amount) { edit->setText(ToQ(amo
 
 void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(new AmountValidator(5, false, edit)); }
 
-bool IsHalfTypedAmount(const QLineEdit* edit) {
+std::string AmountFieldComplaint(const QLineEdit* edit, std::string_view label) {
+  const auto* validator = dynamic_cast<const AmountValidator*>(edit->validator());
   const QString text = edit->text();
-  return text.contains(QRegularExpression(QStringLiteral("\\d"))) && !edit->hasAcceptableInput();
+  // A lone "-" or "." is a field left at 0. A value the program showed with
+  // more decimals than can be typed (from an older file) is still a number:
+  // the core judges its decimals.
+  if (validator == nullptr || !text.contains(QRegularExpression(QStringLiteral("\\d")))) return {};
+  const NumberFault fault = validator->Fault(text);
+  if (fault == NumberFault::kNone) return {};
+  const std::string field(label);
+  std::string complaint = "The " + field + " entered as " + FromQ(text);
+  if (fault == NumberFault::kNotANumber) {
+    complaint +=
+        " is not a number. A \",\" may only separate groups of three digits before the decimal "
+        "point, as in 1,234.50.";
+  } else if (validator->money()) {
+    complaint +=
+        std::string(" is too large. An amount must be less than ") + Currency::kLimitText + ".";
+  } else {
+    complaint += " is too large. It can have at most " + std::to_string(kMaxWholeDigits) +
+                 " digits before the decimal point.";
+  }
+  return complaint + " Please re-enter the " + field + ".";
 }
 
 void LimitCharacters(QLineEdit* edit, int max_characters) {

@@ -48,8 +48,8 @@ void SetDateEditText(QLineEdit* edit, std::string_view text);
 
 // Money fields take what Currency::Parse reads: an optional minus, digits
 // with optional "," thousands separators between groups of three, up to
-// four decimals, within the Currency range. Keys that cannot lead to such
-// a number are not taken; a half-typed one ("1,23") is (IsHalfTypedAmount).
+// four decimals. Keys that cannot lead to such a number are not taken; a
+// half-typed one ("1,23") or one beyond the range is (AmountFieldComplaint).
 void MakeMoneyEdit(QLineEdit* edit);
 // Returns the amount typed, 0 when the field is empty or holds no amount
 // (a lone "-" or ".").
@@ -57,13 +57,15 @@ Currency MoneyEditValue(const QLineEdit* edit);
 // Shows `amount` in its default text form ("1234.5").
 void SetMoneyEditValue(QLineEdit* edit, Currency amount);
 
-// Number fields (shares): as money fields with up to five decimals and at
-// most kMaxWholeDigits digits before the point, as ParseNumber reads them.
+// Number fields (shares): as money fields with up to five decimals, read as
+// ParseNumber reads them (at most kMaxWholeDigits digits before the point).
 void MakeNumberEdit(QLineEdit* edit);
-// True iff a money or number field holds digits that are not yet a number
-// ("1,23", "1,"): read as they are they would give 0. An empty field, a
-// lone "-" or "." are a field left at 0.
-bool IsHalfTypedAmount(const QLineEdit* edit);
+// Returns what is wrong with the text of a money or number field, naming
+// it by `label` ("Number of Shares"), or empty text when it reads as a
+// number: digits that are not yet one ("1,23") or one too large for the
+// field, which read as they are would give 0. An empty field, a lone "-"
+// or "." are a field left at 0.
+std::string AmountFieldComplaint(const QLineEdit* edit, std::string_view label);
 // Limits typing into `edit` to `max_characters` characters (code points,
 // as the core counts them). Text set by the program is shown whole, so
 // that the core can refuse it rather than the field cutting it.
