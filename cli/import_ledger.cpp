@@ -90,6 +90,24 @@ std::string Trimmed(std::string_view text) {
 
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
+// Why a number or amount column was refused, and what it takes.
+std::string NumberComplaint(std::string_view column, const std::string& text, NumberFault fault) {
+  const std::string field = std::string(column) + " " + Quoted(text);
+  const bool money = column != "Shares";
+  if (fault == NumberFault::kTooLarge) {
+    if (money) return field + " is too large: an amount must be less than " + Currency::kLimitText;
+    return field + " is too large: at most " + std::to_string(kMaxWholeDigits) +
+           " digits before the decimal point";
+  }
+  std::string complaint = field + (money ? " is not an amount of money" : " is not a number");
+  if (text.find(',') != std::string::npos) {
+    complaint +=
+        ": a \",\" may only separate groups of three digits before the decimal point, "
+        "as in 1,234.50";
+  }
+  return complaint;
+}
+
 // Where each column sits in the records.
 using ColumnMap = std::array<int, kColumnCount>;
 
@@ -169,7 +187,8 @@ class LineReader {
     // An empty amount or number is a field left at 0, as in the dialog.
     if (!Field(kShares).empty()) {
       std::optional<double> shares = ParseNumber(Field(kShares));
-      if (!shares) return "Shares " + Quoted(Field(kShares)) + " is not a number";
+      if (!shares)
+        return NumberComplaint("Shares", Field(kShares), ParseNumberFault(Field(kShares)));
       entry.shares = *shares;
       entry.shares_given = true;
     }
@@ -177,8 +196,8 @@ class LineReader {
       if (Field(column).empty()) continue;
       std::optional<Currency> amount = Currency::Parse(Field(column));
       if (!amount) {
-        return std::string(kColumnNames[column]) + " " + Quoted(Field(column)) +
-               " is not an amount of money";
+        return NumberComplaint(kColumnNames[column], Field(column),
+                               Currency::ParseFault(Field(column)));
       }
       *target = *amount;
     }

@@ -24,6 +24,9 @@ int64_t DivideHalfEven(int64_t a, int64_t b) {
 
 namespace {
 
+// The largest whole part of an amount, one below Currency::kLimitText.
+constexpr int64_t kMaxWholeUnits = 922337203685476;
+
 // Rounds a plain decimal text ("-12.345678") half to even at four decimals.
 std::optional<int64_t> DecimalTextToUnits(std::string_view text) {
   bool negative = false;
@@ -36,8 +39,10 @@ std::optional<int64_t> DecimalTextToUnits(std::string_view text) {
   bool any = false;
   for (; i < text.size() && text[i] != '.'; ++i) {
     if (text[i] < '0' || text[i] > '9') return std::nullopt;
-    if (whole > 922337203685476) return std::nullopt;  // beyond the currency range
     whole = whole * 10 + (text[i] - '0');
+    // Checked at each digit, before the next could overflow: a larger whole
+    // part leaves no room for the four decimals in 64 bits.
+    if (whole > kMaxWholeUnits) return std::nullopt;
     any = true;
   }
   int64_t frac = 0;
@@ -84,18 +89,32 @@ Currency Currency::FromDouble(double value) {
   return Currency(*units);
 }
 
-std::optional<Currency> Currency::Parse(std::string_view text) {
+namespace {
+
+NumberFault ParseUnits(std::string_view text, int64_t& units) {
   while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
   if (!text.empty() && text.front() == '$') text.remove_prefix(1);
-  std::string clean;
-  for (char c : text) {
-    if (c != ',') clean += c;
-  }
-  if (clean.empty() || !ParseNumber(text)) return std::nullopt;
-  auto units = DecimalTextToUnits(clean);
-  if (!units) return std::nullopt;
-  return Currency(*units);
+  std::string plain;
+  const NumberFault fault = ReadNumberText(text, plain);
+  if (fault != NumberFault::kNone) return fault;
+  // The text is a number now: only its size can make it no amount.
+  std::optional<int64_t> read = DecimalTextToUnits(plain);
+  if (!read) return NumberFault::kTooLarge;
+  units = *read;
+  return NumberFault::kNone;
+}
+
+}  // namespace
+
+std::optional<Currency> Currency::Parse(std::string_view text) {
+  int64_t units = 0;
+  if (ParseUnits(text, units) != NumberFault::kNone) return std::nullopt;
+  return Currency(units);
+}
+
+NumberFault Currency::ParseFault(std::string_view text) {
+  int64_t units = 0;
+  return ParseUnits(text, units);
 }
 
 Currency Currency::RoundedToCent() const { return Currency(DivideHalfEven(units_, 100) * 100); }

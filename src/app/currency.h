@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "app/number_text.h"
+
 namespace lotwise {
 
 // A money amount: 64-bit fixed point with four decimals (ten-thousandths).
@@ -20,8 +22,14 @@ class Currency {
   // 15-significant-digit decimal text, so 1.00005 is the half it looks like
   // and goes to 1.0000, not up as its binary value would.
   static Currency FromDouble(double value);
-  // Parses "1234.5", "-1,234.56"; more than four decimals round half to even.
+  // Parses "1234.5", "-1,234.56", "$12.5" (the number as ReadNumberText
+  // reads it, "," only between groups of three); more than four decimals
+  // round half to even. Nullopt for no number or one beyond the range.
   static std::optional<Currency> Parse(std::string_view text);
+  // Why Parse refuses `text`: kNone when it does not, kTooLarge beyond the
+  // range (an amount must be less than kLimitText).
+  static NumberFault ParseFault(std::string_view text);
+  static constexpr const char* kLimitText = "922,337,203,685,477";
 
   constexpr int64_t units() const { return units_; }
   double ToDouble() const { return static_cast<double>(units_) / 10000.0; }
@@ -37,8 +45,14 @@ class Currency {
   constexpr Currency operator-() const { return Currency(-units_); }
   constexpr Currency operator+(Currency o) const { return Currency(units_ + o.units_); }
   constexpr Currency operator-(Currency o) const { return Currency(units_ - o.units_); }
-  Currency& operator+=(Currency o) { units_ += o.units_; return *this; }
-  Currency& operator-=(Currency o) { units_ -= o.units_; return *this; }
+  Currency& operator+=(Currency o) {
+    units_ += o.units_;
+    return *this;
+  }
+  Currency& operator-=(Currency o) {
+    units_ -= o.units_;
+    return *this;
+  }
   friend constexpr auto operator<=>(Currency, Currency) = default;
 
  private:

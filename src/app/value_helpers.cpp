@@ -1,10 +1,12 @@
 #include "app/value_helpers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 
 #include "app/lw_error.h"
+#include "app/number_text.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
@@ -71,6 +73,39 @@ double RoundDouble(double value, int16_t digits) {
     x = (text.empty() || text == "-") ? 0 : std::strtod(text.c_str(), nullptr);
   }
   return x / factor;
+}
+
+size_t CharacterCount(std::string_view text) {
+  // Every byte but a continuation byte (10xxxxxx) starts a character.
+  return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) {
+    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
+  }));
+}
+
+bool SymbolLengthValid(UiPort& ui, std::string_view symbol) {
+  if (CharacterCount(symbol) <= static_cast<size_t>(kMaxSymbolCharacters)) return true;
+  ui.MessageBox("The Symbol " + std::string(symbol) + " is too long. A Symbol can be at most " +
+                    std::to_string(kMaxSymbolCharacters) +
+                    " characters long. Please enter a shorter Symbol.",
+                "Symbol too long", Icon::kExclamation, Buttons::kOk);
+  return false;
+}
+
+int DecimalPlaces(double value) {
+  const std::string text = PlainNumberText(value);
+  const size_t point = text.find('.');
+  return point == std::string::npos ? 0 : static_cast<int>(text.size() - point - 1);
+}
+
+bool ShareDecimalsValid(UiPort& ui, double shares, std::string_view label) {
+  if (DecimalPlaces(shares) <= kShareDecimals) return true;
+  const std::string field(label);
+  const std::string most = std::to_string(kShareDecimals);
+  ui.MessageBox("The " + field + " entered as " + NumberText(shares) + " has more than " + most +
+                    " decimal places. Please re-enter the " + field + " with at most " + most +
+                    " decimal places.",
+                "Too many decimal places", Icon::kExclamation, Buttons::kOk);
+  return false;
 }
 
 }  // namespace lotwise

@@ -37,4 +37,28 @@ std::string GetFileNameFromPath(std::string_view path);
 // Throws LwError 6 (overflow) when 10^digits exceeds a 32-bit integer.
 double RoundDouble(double value, int16_t digits);
 
+// The number of characters (UTF-8 code points) of `text`.
+size_t CharacterCount(std::string_view text);
+
+// The most characters a security symbol may have: the key it is stored
+// under holds no more, and a key is never cut.
+inline constexpr int kMaxSymbolCharacters = 10;
+
+// Returns true iff `symbol` has at most kMaxSymbolCharacters characters;
+// otherwise tells the user the limit and returns false.
+bool SymbolLengthValid(UiPort& ui, std::string_view symbol);
+
+// The most decimals a number of shares may have: the book keeps no more.
+inline constexpr int kShareDecimals = 5;
+
+// Returns the number of decimals of `value` as its 15-significant-digit
+// decimal text shows them, so that a double read from "0.33333" has 5
+// whatever its binary noise (1e-5 -> 5, 100 -> 0, 0.333333 -> 6).
+int DecimalPlaces(double value);
+
+// Returns true iff `shares` has at most kShareDecimals decimals; otherwise
+// tells the user, naming the field by `label` ("Number of Shares"), and
+// returns false.
+bool ShareDecimalsValid(UiPort& ui, double shares, std::string_view label);
+
 }  // namespace lotwise

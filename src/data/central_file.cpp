@@ -4,6 +4,7 @@
 #include "app/error_handler.h"
 #include "app/lw_error.h"
 #include "app/ui_port.h"
+#include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/upgrades.h"
 
@@ -82,6 +83,7 @@ bool AddSecToCDB(Application& app, const std::string& symbol, const std::string&
                  std::string& cusip) {
   HourglassGuard hourglass(app.ui());
   return Trap(app, "AddSecToCDB", false, [&] {
+    if (!SymbolLengthValid(app.ui(), symbol)) return false;
     Database& central = *app.central;
     // A security without a known CUSIP carries the placeholder, which never
     // counts as a duplicate.

@@ -20,7 +20,7 @@ void CreateTemplate(FileKind kind, const std::string& path);
 
 // Returns the defined size of a text field, or 0 when the field is not a
 // sized text field. SQLite does not enforce sizes; the program does where
-// it must (the change log's Description, the sell-method symbol).
+// it must (the change log's Description).
 int DefinedTextSize(std::string_view table, std::string_view field);
 
 // The SQL of the saved queries the upgrade steps write, shared with the

@@ -610,6 +610,7 @@ bool VerifyNewModPort(Application& app, const std::string& name) {
 bool AddSec(Application& app, const std::string& symbol, const std::string& name,
             std::string& cusip, const std::string& second_line, const std::string& port_name) {
   return Trap(app, "AddSec", false, [&] {
+    if (!SymbolLengthValid(app.ui(), symbol)) return false;
     // The portfolio may hold a symbol the central file lacks: the outcome of
     // the central add (the user may decline it) does not stop the portfolio's.
     if (!SymbolInCentral(*app.central, symbol)) AddSecToCDB(app, symbol, name, cusip);

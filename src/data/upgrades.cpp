@@ -258,9 +258,9 @@ bool AllowZeroLenField(Application& app, Database& db) {
 bool AddSellMethod(Application& app, const std::string& symbol, int method, bool update_existing) {
   return Trap(app, "AddSellMethod", false, [&] {
     Database& db = *app.client;
-    // The field holds at most 10 characters; a longer symbol cannot be keyed.
-    std::string key =
-        symbol.substr(0, static_cast<size_t>(DefinedTextSize("Sell Method", "Sec Symbol")));
+    // The whole symbol is the key: the securities join on it. Symbols too
+    // long for the field are refused where they enter, never cut here.
+    const std::string& key = symbol;
     Query found =
         db.Select(R"(SELECT "Sell Method" FROM "Sell Method" WHERE "Sec Symbol" = :symbol)",
                   {{"symbol", key}});

@@ -130,6 +130,11 @@ bool VerifyAddModSec(Application& app, AddModSecForm& form) {
       form.focus = "txtSymbol";
       return false;
     }
+    // Refused before the question below: a Yes must not lead to a refusal.
+    if (!SymbolLengthValid(app.ui(), Trimmed(form.symbol))) {
+      form.focus = "txtSymbol";
+      return false;
+    }
     if (Trimmed(form.sec_name).empty() || Trimmed(form.cusip).empty()) {
       return app.ui().MessageBox(
                  "It is a good idea to enter both a Security Name and a CUSIP; however, these are "

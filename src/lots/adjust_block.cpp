@@ -72,6 +72,10 @@ void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
   TrapVoid(app, "AdjustBlock_OK", [&] {
     Date date;
     if (!DateValid(app.ui(), form.date, "date", date)) return;
+    if (!ShareDecimalsValid(app.ui(), form.num_shares, "Number of Shares")) {
+      form.focus = "DblNumShares";
+      return;
+    }
     const int64_t block_no = app.current.block_no;
     std::optional<Date> purchase = FirstTransactionDate(ClientFile(app), block_no);
     if (purchase && date < *purchase) {

@@ -133,6 +133,10 @@ void BuyReinvest_OK(Application& app, BuyReinvestForm& form, bool next_flag) {
   TrapVoid(app, "BuyReinvest_OK", [&] {
     Date date;
     if (!DateValid(app.ui(), form.date, "date", date)) return;
+    if (!ShareDecimalsValid(app.ui(), form.num_shares, "Number of Shares")) {
+      form.focus = "DblNumShares";
+      return;
+    }
     HourglassGuard hourglass(app.ui());
     app.ui().SetHelpBarText("Verifying Information");
     const int64_t sec_id = app.current.sec_id;

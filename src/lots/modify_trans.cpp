@@ -163,6 +163,10 @@ bool CheckNumSharesMT(Application& app, ModifyTransForm& form) {
                     "sold then enter -100.) Please correct this.",
                     "Invalid Number of Shares");
     }
+    if (!ShareDecimalsValid(app.ui(), form.num_shares, "Number of Shares")) {
+      form.focus = "DblNumShares";
+      return false;
+    }
     return true;
   });
 }

@@ -344,6 +344,10 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
         ResetNegativeFee(app, form)) {
       return;
     }
+    if (!ShareDecimalsValid(app.ui(), form.num_shares, "Number of Shares")) {
+      form.focus = "DblNumShares";
+      return;
+    }
     const double shares = form.num_shares;
     const Currency sale_price = form.sale_price;
     const Currency fee = form.fee;

@@ -279,6 +279,10 @@ void NumShares_OK(Application& app, NumSharesForm& form) {
            "Invalid number of shares");
       return;
     }
+    if (!ShareDecimalsValid(app.ui(), form.num_shares, "Number of Shares")) {
+      form.focus = "DblNumShares";
+      return;
+    }
     // The maximum itself is allowed, whatever the message says.
     if (form.num_shares <= form.max_shares) {
       form.accepted = true;

@@ -66,7 +66,7 @@ LotFormWindow::LotFormWindow(Application& app, std::string& focus, const bool& c
 
 void LotFormWindow::reject() {
   if (cancel_) {
-    Run(cancel_);
+    Run(cancel_, true);
   } else {
     done(Rejected);
   }
@@ -90,6 +90,7 @@ QLineEdit* LotFormWindow::AddNumber(const char* name, const char* label, double&
   MakeNumberEdit(edit);
   edit->setAlignment(Qt::AlignRight);
   AddRow(label, edit);
+  amount_fields_.emplace_back(edit, label != nullptr ? label : "");
   Bind([edit, &field] { field = NumberEditValue(edit); },
        [edit, &field] {
          // "1,000" and "1000" are the same number: leave what was typed.
@@ -106,6 +107,7 @@ QLineEdit* LotFormWindow::AddMoney(const char* name, const char* label, Currency
   MakeMoneyEdit(edit);
   edit->setAlignment(Qt::AlignRight);
   AddRow(label, edit);
+  amount_fields_.emplace_back(edit, label != nullptr ? label : "");
   Bind([edit, &field] { field = MoneyEditValue(edit); },
        [edit, &field] {
          if (MoneyEditValue(edit) != field || edit->text().isEmpty()) {
@@ -225,7 +227,13 @@ QPushButton* LotFormWindow::AddButton(const char* name, const char* caption,
 QPushButton* LotFormWindow::AddCancelButton(const char* name, const char* caption,
                                             std::function<void()> procedure) {
   cancel_ = procedure;
-  cancel_button_ = AddButton(name, caption, std::move(procedure));
+  cancel_button_ = new QPushButton(QString::fromUtf8(caption), this);
+  cancel_button_->setObjectName(name);
+  cancel_button_->setAutoDefault(false);
+  buttons_->addWidget(cancel_button_);
+  // Throwing an entry away needs no number typed right.
+  connect(cancel_button_, &QPushButton::clicked, this,
+          [this, procedure = std::move(procedure)] { Run(procedure, true); });
   OnLeave(cancel_button_, [this] {
     if (!pending_check_ || closed_) return;
     std::function<void()> check = std::move(pending_check_);
@@ -251,7 +259,19 @@ void LotFormWindow::OnLeaveField(QWidget* field, std::function<void()> check) {
   });
 }
 
-void LotFormWindow::Run(const std::function<void()>& procedure) {
+void LotFormWindow::Run(const std::function<void()>& procedure, bool any_text) {
+  // The form holds numbers, not text: a text that is no number would reach
+  // it as 0, so it is refused here, where the text is.
+  for (const auto& [edit, label] : amount_fields_) {
+    if (any_text) break;
+    std::string field = label;
+    if (!field.empty() && field.back() == ':') field.pop_back();
+    const std::string complaint = AmountFieldComplaint(edit, field);
+    if (complaint.empty()) continue;
+    app_.ui().MessageBox(complaint, "Invalid Number", Icon::kExclamation, Buttons::kOk);
+    edit->setFocus(Qt::OtherFocusReason);
+    return;
+  }
   Store();
   procedure();
   if (closed_) {

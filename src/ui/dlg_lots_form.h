@@ -86,8 +86,11 @@ class LotFormWindow : public QDialog {
   void Bind(std::function<void()> store, std::function<void()> load);
   // Runs `check` when `field` loses the focus to another control.
   void OnLeaveField(QWidget* field, std::function<void()> check);
-  // Runs a procedure of the form as described above.
-  void Run(const std::function<void()>& procedure);
+  // Runs a procedure of the form as described above. Unless `any_text` (a
+  // cancel), a number or amount field whose text is no number of its kind
+  // (a half-typed "1,23", too many digits) is refused first, the field
+  // named and focused.
+  void Run(const std::function<void()>& procedure, bool any_text = false);
 
   // Completes the window: caption, help-bar texts of every named control
   // (through `help`, keyed by object name or by the "lw_help" property),
@@ -112,6 +115,8 @@ class LotFormWindow : public QDialog {
   std::function<void()> pending_check_;
   std::vector<std::function<void()>> stores_;
   std::vector<std::function<void()>> loads_;
+  // The number and amount fields with their labels, for Run's refusal.
+  std::vector<std::pair<QLineEdit*, std::string>> amount_fields_;
   QFormLayout* rows_ = nullptr;
   QBoxLayout* buttons_ = nullptr;
 };

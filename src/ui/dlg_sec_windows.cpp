@@ -3,6 +3,7 @@
 #include <QPushButton>
 #include <QTableWidget>
 
+#include "app/value_helpers.h"
 #include "data/schema.h"
 #include "lots/add_mod_sec.h"
 #include "lots/sec_symbol.h"
@@ -15,8 +16,9 @@ void RunAddModSecWindow(Application& app, DialogForm& base, QWidget* parent) {
   auto& form = static_cast<AddModSecForm&>(base);
   FormWindow window(app, form, parent, form.closed, &form.focus);
   window.setWindowTitle(ToQ(form.caption));
-  QLineEdit* symbol = window.AddText("lblSymbol", QStringLiteral("Symbol:"), "txtSymbol",
-                                     form.symbol, DefinedTextSize("Securities", "Sec Symbol"));
+  QLineEdit* symbol =
+      window.AddText("lblSymbol", QStringLiteral("Symbol:"), "txtSymbol", form.symbol, 0);
+  LimitCharacters(symbol, kMaxSymbolCharacters);
   window.AddFieldButton("btnFind", QStringLiteral("&Find..."), [&] { AddModSec_Find(app, form); });
   window.AddText("lblSecName", QStringLiteral("Security Name:"), "txtSecName", form.sec_name,
                  DefinedTextSize("Securities", "Sec Name"));

@@ -9,8 +9,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
-#include <QRegularExpressionValidator>
 #include <QTextEdit>
+#include <QValidator>
 
 #include "app/application.h"
 #include "app/date.h"
@@ -111,11 +111,46 @@ class HelpFilter : public QObject {
   UiPort& ui_;
 };
 
-// Digits may carry "," thousands separators, as ParseNumber reads them.
-QValidator* AmountValidator(int decimals, QObject* parent) {
-  const QString pattern = QStringLiteral("-?(\\d[\\d,]*)?(\\.\\d{0,%1})?").arg(decimals);
-  return new QRegularExpressionValidator(QRegularExpression(pattern), parent);
-}
+// Takes what is, or can still become, a number as it is typed: "1,23" may
+// become "1,234", "0," never can. A number too large for the field is
+// taken, to be refused with the limit named (AmountFieldComplaint).
+class AmountValidator : public QValidator {
+ public:
+  AmountValidator(int decimals, bool money, QObject* parent)
+      : QValidator(parent),
+        money_(money),
+        shape_(QRegularExpression::anchoredPattern(
+            QStringLiteral("-?(?:(?:[1-9]\\d{0,2}(?:,\\d{3})+|\\d+)(?:\\.\\d{0,%1})?"
+                           "|[1-9]\\d{0,2}(?:,\\d{3})*,\\d{0,2}|\\.\\d{0,%1})?")
+                .arg(decimals))) {}
+
+  State validate(QString& input, int&) const override {
+    if (!shape_.match(input).hasMatch()) return Invalid;
+    return Fault(input) == NumberFault::kNone ? Acceptable : Intermediate;
+  }
+
+  bool money() const { return money_; }
+  // What the core says about `text` as a number of the field's kind.
+  NumberFault Fault(const QString& text) const {
+    return money_ ? Currency::ParseFault(FromQ(text)) : ParseNumberFault(FromQ(text));
+  }
+
+ private:
+  bool money_;
+  QRegularExpression shape_;
+};
+
+class CharacterLimit : public QValidator {
+ public:
+  CharacterLimit(int max_characters, QObject* parent) : QValidator(parent), max_(max_characters) {}
+
+  State validate(QString& input, int&) const override {
+    return input.toUcs4().size() <= max_ ? Acceptable : Invalid;
+  }
+
+ private:
+  qsizetype max_;
+};
 
 }  // namespace
 
@@ -155,7 +190,7 @@ void SetDateEditText(QLineEdit* edit, std::string_view text) {
   edit->setText(ToQ(text));
 }
 
-void MakeMoneyEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(4, edit)); }
+void MakeMoneyEdit(QLineEdit* edit) { edit->setValidator(new AmountValidator(4, true, edit)); }
 
 Currency MoneyEditValue(const QLineEdit* edit) {
   return Currency::Parse(FromQ(edit->text())).value_or(Currency());
@@ -163,13 +198,47 @@ Currency MoneyEditValue(const QLineEdit* edit) {
 
 void SetMoneyEditValue(QLineEdit* edit, Currency amount) { edit->setText(ToQ(amount.ToString())); }
 
-void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(AmountValidator(5, edit)); }
+void MakeNumberEdit(QLineEdit* edit) { edit->setValidator(new AmountValidator(5, false, edit)); }
+
+std::string AmountFieldComplaint(const QLineEdit* edit, std::string_view label) {
+  const auto* validator = dynamic_cast<const AmountValidator*>(edit->validator());
+  const QString text = edit->text();
+  // A lone "-" or "." is a field left at 0. A value the program showed with
+  // more decimals than can be typed (from an older file) is still a number:
+  // the core judges its decimals.
+  if (validator == nullptr || !text.contains(QRegularExpression(QStringLiteral("\\d")))) return {};
+  const NumberFault fault = validator->Fault(text);
+  if (fault == NumberFault::kNone) return {};
+  const std::string field(label);
+  std::string complaint = "The " + field + " entered as " + FromQ(text);
+  if (fault == NumberFault::kNotANumber) {
+    complaint +=
+        " is not a number. A \",\" may only separate groups of three digits before the decimal "
+        "point, as in 1,234.50.";
+  } else if (validator->money()) {
+    complaint +=
+        std::string(" is too large. An amount must be less than ") + Currency::kLimitText + ".";
+  } else {
+    complaint += " is too large. It can have at most " + std::to_string(kMaxWholeDigits) +
+                 " digits before the decimal point.";
+  }
+  return complaint + " Please re-enter the " + field + ".";
+}
+
+void LimitCharacters(QLineEdit* edit, int max_characters) {
+  edit->setMaxLength(32767);  // Qt's own default: no cut of text set by the program
+  edit->setValidator(new CharacterLimit(max_characters, edit));
+  edit->setProperty("lw_max_characters", max_characters);
+}
 
 double NumberEditValue(const QLineEdit* edit) {
   return ParseNumber(FromQ(edit->text())).value_or(0.0);
 }
 
-void SetNumberEditValue(QLineEdit* edit, double value) { edit->setText(ToQ(NumberText(value))); }
+void SetNumberEditValue(QLineEdit* edit, double value) {
+  // Fixed notation: the field reads no exponent ("1E-05" would be no number).
+  edit->setText(ToQ(PlainNumberText(value)));
+}
 
 void OnLeave(QWidget* field, std::function<void()> check) {
   field->installEventFilter(new LeaveFilter(field, std::move(check)));

@@ -47,7 +47,9 @@ std::string DateEditMaskText(const QLineEdit* edit);
 void SetDateEditText(QLineEdit* edit, std::string_view text);
 
 // Money fields take what Currency::Parse reads: an optional minus, digits
-// with optional "," thousands separators, up to four decimals.
+// with optional "," thousands separators between groups of three, up to
+// four decimals. Keys that cannot lead to such a number are not taken; a
+// half-typed one ("1,23") or one beyond the range is (AmountFieldComplaint).
 void MakeMoneyEdit(QLineEdit* edit);
 // Returns the amount typed, 0 when the field is empty or holds no amount
 // (a lone "-" or ".").
@@ -55,12 +57,22 @@ Currency MoneyEditValue(const QLineEdit* edit);
 // Shows `amount` in its default text form ("1234.5").
 void SetMoneyEditValue(QLineEdit* edit, Currency amount);
 
-// Number fields (shares): an optional minus, digits with optional ","
-// thousands separators, up to five decimals.
+// Number fields (shares): as money fields with up to five decimals, read as
+// ParseNumber reads them (at most kMaxWholeDigits digits before the point).
 void MakeNumberEdit(QLineEdit* edit);
+// Returns what is wrong with the text of a money or number field, naming
+// it by `label` ("Number of Shares"), or empty text when it reads as a
+// number: digits that are not yet one ("1,23") or one too large for the
+// field, which read as they are would give 0. An empty field, a lone "-"
+// or "." are a field left at 0.
+std::string AmountFieldComplaint(const QLineEdit* edit, std::string_view label);
+// Limits typing into `edit` to `max_characters` characters (code points,
+// as the core counts them). Text set by the program is shown whole, so
+// that the core can refuse it rather than the field cutting it.
+void LimitCharacters(QLineEdit* edit, int max_characters);
 // Returns the number typed, 0 when the field holds none.
 double NumberEditValue(const QLineEdit* edit);
-// Shows `value` in its default text form ("12.5").
+// Shows `value` as PlainNumberText writes it ("12.5", "0.00001").
 void SetNumberEditValue(QLineEdit* edit, double value);
 
 // Runs `check` when `field` loses the focus to another control of its

@@ -49,6 +49,11 @@ const Message kModInUse{
     "exits.",
     "Symbol in use!"};
 
+const Message kTooLong{
+    "The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. Please "
+    "enter a shorter Symbol.",
+    "Symbol too long", Icon::kExclamation};
+
 const std::string kNocRow = "Fund|NO CUSIP";
 
 // A central file holding IBM, with a CUSIP, and NOC, without one.
@@ -74,8 +79,9 @@ class CentralFileTest : public AppTest {
 // AddSecToCDB refuses an existing symbol (in any letter case); both add and
 // modify need the user's OK for a name or CUSIP of another security, never
 // for the security's own nor for "NO CUSIP"; an empty CUSIP is stored as
-// "NO CUSIP". The database's own refusal of a duplicate (another user was
-// quicker, here through a unique CUSIP index) arrives as "Symbol in use!".
+// "NO CUSIP"; a symbol longer than its key is refused whole. The database's
+// own refusal of a duplicate (another user was quicker, here through a
+// unique CUSIP index) arrives as "Symbol in use!".
 struct SecCase {
   const char* label;
   bool modify;
@@ -94,6 +100,7 @@ const SecCase kSecCases[] = {
     {"AddSharedCusipDeclined", false, "IBX", "Other", "459200101", {kCusipNo}, false, "-"},
     {"AddNoCusipNeverShared", false, "NC2", "Second", kNoCusip, {}, true, "Second|NO CUSIP"},
     {"AddEmptyCusipBecomesNoCusip", false, "NC3", "Third", "", {}, true, "Third|NO CUSIP"},
+    {"AddSymbolTooLong", false, "US0378331005", "Apple", "037833100", {kTooLong}, false, "-"},
     {"AddKeyInUse", false, "DUP", "Dup", "459200101", {kCusipOk, kAddInUse}, false, "-", true},
     {"ModOwnNameAndCusip", true, "IBM", "Big Blue", "459200101", {}, true, "Big Blue|459200101"},
     {"ModOtherNameDeclined", true, "NOC", "Big Blue", kNoCusip, {kNameNo}, false, kNocRow},

@@ -158,6 +158,10 @@ INSTANTIATE_TEST_SUITE_P(
                     kSharesTitle, "DblNumShares"},
         RefusalCase{"BuyZeroShares", "Buy", 0, nullptr, nullptr, nullptr, kNotPositive,
                     kSharesTitle, "DblNumShares"},
+        RefusalCase{"SellSixDecimals", "Sell", -0.333333, nullptr, nullptr, nullptr,
+                    "The Number of Shares entered as -0.333333 has more than 5 decimal places. "
+                    "Please re-enter the Number of Shares with at most 5 decimal places.",
+                    "Too many decimal places", "DblNumShares"},
         RefusalCase{"SellNegativePrice", "Sell", std::nullopt, "-0.01", nullptr, nullptr,
                     "The Sale Price can not be less than zero. Please correct this.",
                     "Invalid Sale Price", "CurrCostOfShares"},

@@ -67,7 +67,10 @@ TEST_P(OpenTest, Window_OpensWithFormValues) {
       auto* control = Get<QWidget>(window, name.c_str());
       QString text;
       if (auto* edit = qobject_cast<QLineEdit*>(control)) {
-        text = limit ? QString::number(edit->maxLength()) : edit->displayText();
+        // A limit in characters (not UTF-16 units) is the field's own property.
+        const QVariant chars = edit->property("lw_max_characters");
+        const int max = chars.isValid() ? chars.toInt() : edit->maxLength();
+        text = limit ? QString::number(max) : edit->displayText();
       }
       if (auto* button = qobject_cast<QPushButton*>(control)) text = button->text();
       if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();

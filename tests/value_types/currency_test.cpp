@@ -68,8 +68,15 @@ TEST(Currency, ParseTypedAmounts) {
   EXPECT_EQ(Currency::Parse("-0.01")->units(), -100);
   EXPECT_EQ(Currency::Parse("0.00005")->units(), 0);
   EXPECT_EQ(Currency::Parse("0.00015")->units(), 2);
-  for (const char* bad : {"", "abc", "1.2.3", "12,34x"}) {
+  EXPECT_EQ(Currency::Parse("12,345,678.9")->units(), 123456789000);
+  EXPECT_EQ(Currency::Parse("922,337,203,685,476.9999")->units(), 9223372036854769999);
+  for (const char* bad : {"", "abc", "1.2.3", "12,34x", "0,5", "1,2", "1234,567", "1.234,50"}) {
+    EXPECT_EQ(Currency::ParseFault(bad), NumberFault::kNotANumber) << bad;
     EXPECT_FALSE(Currency::Parse(bad).has_value()) << bad;
+  }
+  // Beyond the range: refused, not wrapped round or read as 0.
+  for (const char* big : {"922337203685477", "922337203685479", "99999999999999999999"}) {
+    EXPECT_EQ(Currency::ParseFault(big), NumberFault::kTooLarge) << big;
   }
 }
 

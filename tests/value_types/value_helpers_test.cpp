@@ -97,13 +97,52 @@ TEST(NumberText, Table) {
   for (const Case& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
 }
 
+// A comma separates thousands only; a number field keeps ten whole digits.
 TEST(ParseNumber, AcceptsTypedFormsOnly) {
   EXPECT_DOUBLE_EQ(*ParseNumber("1,234.5"), 1234.5);
+  EXPECT_DOUBLE_EQ(*ParseNumber("12,345,678"), 12345678);
   EXPECT_DOUBLE_EQ(*ParseNumber(" -3 "), -3);
   EXPECT_DOUBLE_EQ(*ParseNumber(".5"), 0.5);
-  for (const char* bad : {"", "-", "1.2.3", "12a", "1e5", "--1", ",1"}) {
+  EXPECT_DOUBLE_EQ(*ParseNumber("9,999,999,999.99999"), 9999999999.99999);
+  for (const char* bad : {"", "-", "1.2.3", "12a", "1e5", "--1", ",1", "0,5", "1,2", "1,23",
+                          "1,2345", "1234,567", "1,,234", "1,234,56", "1.234,5", "1,"}) {
+    EXPECT_EQ(ParseNumberFault(bad), NumberFault::kNotANumber) << bad;
     EXPECT_FALSE(ParseNumber(bad).has_value()) << bad;
   }
+  for (const char* big : {"12345678901", "12,345,678,901", "99999999999999999999"}) {
+    EXPECT_EQ(ParseNumberFault(big), NumberFault::kTooLarge) << big;
+    EXPECT_FALSE(ParseNumber(big).has_value()) << big;
+  }
+}
+
+// Decimals are counted on the text a double was read from, not its binary
+// value; more than five refuse a number of shares, naming the field.
+TEST(ShareDecimalsValid, FiveDecimalsAtMost) {
+  for (double ok : {0.33333, 1e-5, 100.0, 123456.12345, -2.5, 0.1 + 0.2}) {
+    EXPECT_LE(DecimalPlaces(ok), kShareDecimals) << ok;
+  }
+  for (double bad : {0.333333, 1e-6, 1234567.333333}) {
+    EXPECT_GT(DecimalPlaces(bad), kShareDecimals) << bad;
+  }
+  testing::ScriptedUi ui;
+  ui.Expect("The Number of Shares entered as 0.333333 has more than 5 decimal places. Please "
+            "re-enter the Number of Shares with at most 5 decimal places.",
+            "Too many decimal places", Icon::kExclamation, Buttons::kOk);
+  EXPECT_FALSE(ShareDecimalsValid(ui, 0.333333, "Number of Shares"));
+  EXPECT_TRUE(ShareDecimalsValid(ui, 0.33333, "Number of Shares"));
+  ui.VerifyDone();
+}
+
+// Symbols are counted in characters: "\xC3\x89" is one character, "É".
+TEST(SymbolLengthValid, TenCharactersAtMost) {
+  EXPECT_EQ(CharacterCount("\xC3\x89TOILE2024"), 10u);
+  testing::ScriptedUi ui;
+  EXPECT_TRUE(SymbolLengthValid(ui, "\xC3\x89TOILE2024"));
+  ui.Expect("The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. "
+            "Please enter a shorter Symbol.",
+            "Symbol too long", Icon::kExclamation, Buttons::kOk);
+  EXPECT_FALSE(SymbolLengthValid(ui, "US0378331005"));
+  ui.VerifyDone();
 }
 
 // DateValid names the field in its message and empties the date.
