@@ -228,6 +228,19 @@ bool HeldInScope(BasisRun& run, const std::string& symbol) {
       .Next();
 }
 
+// True iff the security has a sale in the run's scope. A security without a
+// method normally has none: its first sale would have fixed the method.
+// Sales without one come from a file whose method row was kept under a
+// shortened symbol, and must not drop out of a report unseen.
+bool SoldInScope(BasisRun& run, const std::string& symbol) {
+  return run.client
+      .Select(R"(SELECT 1 AS found FROM "Sell" AS T JOIN "Blocks" AS B USING ("Block No") )"
+              R"(JOIN "Security" AS S USING ("Sec ID") WHERE S."Sec Symbol" = :sym AND )"
+              R"((:port = '*' OR S."Port Name" = :port) LIMIT 1)",
+              {{"sym", symbol}, {"port", run.port_filter}})
+      .Next();
+}
+
 // Reads the security's blocks and transactions in one portfolio, all at
 // once: the walk passes over what is dated after the year end anyway.
 void ReadBlockRows(BasisRun& run, int64_t sec_id) {
@@ -346,7 +359,7 @@ bool CalcSecurities(BasisRun& run) {
       int16_t method = candidate.method;
       if (method == kSellNotSelected) {
         // A security never sold has nothing for a Schedule D.
-        if (run.kind == BasisKind::kScheduleD) continue;
+        if (run.kind == BasisKind::kScheduleD && !SoldInScope(run, candidate.symbol)) continue;
         if (run.method_for_all != kSellNotSelected) {
           method = run.method_for_all;
         } else {

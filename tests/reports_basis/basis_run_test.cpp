@@ -36,12 +36,17 @@ void AnswerMethod(ScriptedUi& ui, Application& app, std::string symbol, int16_t 
 
 // Securities never sold (no method): a Schedule D run passes them over; a
 // Basis run asks for each one unless "Use for all" was ticked, and skips
-// one whose question was cancelled.
+// one whose question was cancelled. Sales whose method was kept under a
+// shortened symbol by an older version are asked about, not dropped.
 TEST_F(BasisTest, CalcSecurities_NoMethod_ScheduleDSkipsIt) {
   Buy(AddSecurity("AAA", -1), "01/05/2024", 10, "100");
   Buy(AddSecurity("BBB", kSellFifo), "01/05/2024", 10, "100");
+  AddSecurity("US03783310", kSellFifo);
+  Sell(Buy(AddSecurity("US0378331005", -1), "01/05/2024", 10, "100"), "03/05/2025", 4, "60");
+  AnswerMethod(ui_, *app_, "US0378331005", kSellFifo);
   ASSERT_TRUE(Run(BasisKind::kScheduleD));
-  EXPECT_EQ(SecsRows(), Rows{"BBB|BBB Corp|FIFO|10|100|10"});
+  EXPECT_EQ(SecsRows(),
+            (Rows{"BBB|BBB Corp|FIFO|10|100|10", "US0378331005|US0378331005 Corp|FIFO|6|60|10"}));
 }
 
 TEST_F(BasisTest, CalcSecurities_NoMethod_AskedPerSecurity) {
