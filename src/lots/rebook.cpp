@@ -8,12 +8,12 @@
 #include "app/error_handler.h"
 #include "app/number_text.h"
 #include "app/security_display.h"
+#include "app/sell_method_codes.h"
 #include "app/ui_port.h"
 #include "data/database.h"
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
 #include "lots/rebook_plan.h"
-#include "lots/sell_shares.h"
 
 namespace lotwise {
 

@@ -6,7 +6,7 @@
 #include "app/currency.h"
 #include "app/date.h"
 #include "app/sale_lists.h"
-#include "lots/sale_apportion.h"
+#include "lots/share_rules.h"
 
 namespace lotwise {
 

@@ -9,7 +9,7 @@
 #include "app/number_text.h"
 #include "app/value_helpers.h"
 #include "data/database.h"
-#include "lots/split_dividend.h"
+#include "lots/share_rules.h"
 
 namespace lotwise {
 

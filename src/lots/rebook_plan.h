@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/date.h"
-#include "lots/rebook.h"
+#include "lots/share_rules.h"
 
 namespace lotwise {
 

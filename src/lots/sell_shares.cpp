@@ -17,7 +17,7 @@
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
 #include "lots/rebook.h"
-#include "lots/sale_apportion.h"
+#include "lots/share_rules.h"
 #include "lots/sell_specific.h"
 
 namespace lotwise {

@@ -8,6 +8,7 @@
 #include "app/currency.h"
 #include "app/date.h"
 #include "app/sale_lists.h"
+#include "app/sell_method_codes.h"
 #include "app/ui_port.h"
 #include "data/transaction_store.h"
 
@@ -15,22 +16,9 @@ namespace lotwise {
 
 class Application;
 
-// Sell method codes, as stored per symbol in the "Sell Method" table.
-inline constexpr int16_t kSellSpecificId = 0;
-inline constexpr int16_t kSellFifo = 1;
-inline constexpr int16_t kSellAvgSingle = 2;
-inline constexpr int16_t kSellAvgDouble = 3;
-inline constexpr int16_t kSellNotSelected = 255;
-
 // The captions that switch the sale dialog's mode.
 inline constexpr const char* kSellSharesCaption = "Sell Shares";
 inline constexpr const char* kModEntireSellCaption = "Modify Entire Sell";
-
-// Returns true iff under method `code` the user picks the blocks (codes 0
-// and 3); the other methods take them oldest first.
-constexpr bool UserSelectsShares(int16_t code) {
-  return code == kSellSpecificId || code == kSellAvgDouble;
-}
 
 // The sale dialog dlgSellShares. Its caption is its mode: "Sell Shares" or
 // "Modify Entire Sell".

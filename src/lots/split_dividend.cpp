@@ -68,15 +68,6 @@ bool IsModifyEntireCaption(std::string_view caption) {
          caption == SplitDivForm::kModifyDividendCaption;
 }
 
-double SplitSharesAdded(int16_t type, double pre, double post, double shares) {
-  if (post == 0) return 0;
-  const double added = type == kTypeSplit ? pre / post * shares - shares : pre / post * shares;
-  // RoundDouble moves every negative amount toward zero, even an exact one
-  // (-50 would become -49.99999): a reverse split must take away exactly
-  // what it says, so the decrease is rounded by its size.
-  return added < 0 ? -RoundDouble(-added, 5) : RoundDouble(added, 5);
-}
-
 void ShowSplit(Application& app, const std::string& caption) {
   TrapVoid(app, "ShowSplit", [&] {
     if (app.window.display.blocks.empty()) {

@@ -7,6 +7,7 @@
 #include "app/date.h"
 #include "app/ui_port.h"
 #include "data/transaction_store.h"
+#include "lots/share_rules.h"
 
 namespace lotwise {
 
@@ -94,9 +95,6 @@ void SplitDiv_Cancel(Application& app, SplitDivForm& form);
 bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, double post,
                      const std::string& notes, int blocks, const ReplacedEntry* replaced = nullptr,
                      int* rows_added = nullptr);
-// The shares a split (11) or dividend (21) of pre:post adds to a block of
-// `shares`, rounded to five decimals; 0 when `post` is 0.
-double SplitSharesAdded(int16_t type, double pre, double post, double shares);
 
 // Returns the help-bar text of `control` in the form's mode, empty for a
 // control without one.

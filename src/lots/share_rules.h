@@ -22,4 +22,8 @@ struct SaleRow {
 std::vector<SaleRow> ApportionSale(const std::vector<ShareEntry>& entries, double shares,
                                    Currency sale_price, Currency fee);
 
+// The shares a split (11) or dividend (21) of pre:post adds to a block of
+// `shares`, rounded to five decimals; 0 when `post` is 0.
+double SplitSharesAdded(int16_t type, double pre, double post, double shares);
+
 }  // namespace lotwise

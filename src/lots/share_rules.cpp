@@ -1,4 +1,7 @@
-#include "lots/sale_apportion.h"
+#include "lots/share_rules.h"
+
+#include "app/value_helpers.h"
+#include "data/transaction_store.h"
 
 namespace lotwise {
 
@@ -26,6 +29,15 @@ std::vector<SaleRow> ApportionSale(const std::vector<ShareEntry>& entries, doubl
     rows.push_back(row);
   }
   return rows;
+}
+
+double SplitSharesAdded(int16_t type, double pre, double post, double shares) {
+  if (post == 0) return 0;
+  const double added = type == kTypeSplit ? pre / post * shares - shares : pre / post * shares;
+  // RoundDouble moves every negative amount toward zero, even an exact one
+  // (-50 would become -49.99999): a reverse split must take away exactly
+  // what it says, so the decrease is rounded by its size.
+  return added < 0 ? -RoundDouble(-added, 5) : RoundDouble(added, 5);
 }
 
 }  // namespace lotwise

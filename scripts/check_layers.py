@@ -1,0 +1,120 @@
+#!/usr/bin/env python3
+"""Checks that the code's includes point one way.
+
+Each module (a .h/.cpp pair of src/ or cli/) belongs to a layer; a module
+may include modules of its own layer or of the layers below it, never of a
+layer above, and no set of modules may include each other in a cycle.
+
+    python3 scripts/check_layers.py            # the verdict and the offences
+    python3 scripts/check_layers.py --counts   # also the counts, for notes
+
+Exits 1 when an include points up or modules form a cycle, 0 otherwise.
+"""
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+# The layers from the ground up. A module of src/app is ground unless it
+# is named in APPLICATION_MODULES: that folder still holds both ends of the stack.
+GROUND, DATA, LOTS, REPORTS, APPLICATION, FRONT = range(6)
+LAYER_NAMES = ["ground", "data", "lots", "reports", "application", "front"]
+FOLDER_LAYER = {"src/data": DATA, "src/lots": LOTS, "src/reports": REPORTS,
+                "src/ui": FRONT, "cli": FRONT}
+APPLICATION_MODULES = {"app_state", "application", "current_context", "main_window_commands",
+               "security_display", "startup", "file_location_dialog"}
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+
+
+def module_of(path: pathlib.Path) -> str:
+    rel = path.relative_to(ROOT).with_suffix("")
+    return rel.as_posix()
+
+
+def layer_of(module: str) -> int:
+    folder, _, name = module.rpartition("/")
+    if folder == "src/app":
+        return APPLICATION if name in APPLICATION_MODULES else GROUND
+    return FOLDER_LAYER[folder]
+
+
+def resolve(including: pathlib.Path, target: str):
+    for base in (ROOT / "src", including.parent, ROOT / "cli"):
+        candidate = (base / target).resolve()
+        if candidate.exists() and ROOT in candidate.parents:
+            return module_of(candidate)
+    return None
+
+
+def graph():
+    edges = {}
+    for folder in list(FOLDER_LAYER) + ["src/app"]:
+        for path in sorted((ROOT / folder).glob("*.[ch]*")):
+            if path.suffix not in (".h", ".cpp"):
+                continue
+            module = module_of(path)
+            edges.setdefault(module, set())
+            for target in INCLUDE.findall(path.read_text(encoding="utf-8")):
+                other = resolve(path, target)
+                if other and other != module:
+                    edges[module].add(other)
+    for targets in list(edges.values()):
+        for target in targets:
+            edges.setdefault(target, set())
+    return edges
+
+
+def cycles(edges):
+    """Strongly connected components of more than one module (Tarjan)."""
+    index, low, stack, on_stack, found = {}, {}, [], set(), []
+    counter = [0]
+
+    def visit(node):
+        index[node] = low[node] = counter[0]
+        counter[0] += 1
+        stack.append(node)
+        on_stack.add(node)
+        for nxt in sorted(edges[node]):
+            if nxt not in index:
+                visit(nxt)
+                low[node] = min(low[node], low[nxt])
+            elif nxt in on_stack:
+                low[node] = min(low[node], index[nxt])
+        if low[node] == index[node]:
+            component = []
+            while True:
+                top = stack.pop()
+                on_stack.discard(top)
+                component.append(top)
+                if top == node:
+                    break
+            if len(component) > 1:
+                found.append(sorted(component))
+
+    sys.setrecursionlimit(10000)
+    for node in sorted(edges):
+        if node not in index:
+            visit(node)
+    return found
+
+
+def main():
+    edges = graph()
+    upward = sorted((a, b) for a, targets in edges.items() for b in targets
+                    if layer_of(b) > layer_of(a))
+    found = cycles(edges)
+    for a, b in upward:
+        print(f"up: {a} ({LAYER_NAMES[layer_of(a)]}) includes {b} ({LAYER_NAMES[layer_of(b)]})")
+    for component in found:
+        print(f"cycle of {len(component)} modules: " + " ".join(component))
+    if "--counts" in sys.argv:
+        largest = max((len(c) for c in found), default=0)
+        print(f"{len(edges)} modules, {len(upward)} upward includes, "
+              f"{len(found)} cycles, largest {largest} modules")
+    return 1 if upward or found else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
