@@ -14,13 +14,17 @@ namespace {
 
 constexpr const char* kProgramName = "TWS - Lotwise";
 
+// What the handler does about one error number: the advice shown after
+// (or, with `advice_only`, instead of) the error header, under `title`;
+// whether anything is shown at all; and whether the program may go on
+// (false: the error is logged and the program ends).
 struct ErrorMessage {
   std::string advice;
-  bool alone = false;  // the advice is shown without the header
+  bool advice_only = false;
   std::string title;
   Icon icon = Icon::kCritical;
-  bool show = true;
-  bool result = false;
+  bool shown = true;
+  bool goes_on = false;
 };
 
 const char* const kPathAdvice =
@@ -32,76 +36,126 @@ ErrorMessage ChooseMessage(int number, std::string_view text) {
   switch (number) {
     case err::kOutOfMemory:
       // The answer decides the result; see HandleError.
-      return {"There is not enough memory for this program to operate properly. Please close some "
+      return {
+          .advice =
+              "There is not enough memory for this program to operate properly. Please close some "
               "other programs to free up memory and try the operation you attempted again. ",
-              false, "Out of Memory", Icon::kInformation, true, true};
+          .title = "Out of Memory",
+          .icon = Icon::kInformation,
+          .goes_on = true};
     case err::kDeviceUnavailable:
-      return {" The device you are trying to access is currently unavailable.  If you are are "
-              "trying to access a floppy disk drive, make sure there is a disk in the drive.",
-              false, "Error!", Icon::kCritical, true, true};
+      return {.advice =
+                  " The device you are trying to access is currently unavailable.  If you are are "
+                  "trying to access a floppy disk drive, make sure there is a disk in the drive.",
+              .title = "Error!",
+              .icon = Icon::kCritical,
+              .goes_on = true};
     case err::kPathFileAccess:
-      return {" This error usually occurs when a file, needed by Lotwise has been opened by another "
-              "program, or is missing. Please make sure you have not opened any Lotwise files "
-              "before starting this program again.",
-              false, "Error!", Icon::kCritical, true, false};
+      return {.advice =
+                  " This error usually occurs when a file, needed by Lotwise has been opened by "
+                  "another "
+                  "program, or is missing. Please make sure you have not opened any Lotwise files "
+                  "before starting this program again.",
+              .title = "Error!",
+              .icon = Icon::kCritical};
     case err::kPathNotFound:
     case err::kInvalidPath:
-      return {kPathAdvice, false, "Error!", Icon::kCritical, true, false};
+      return {.advice = kPathAdvice, .title = "Error!", .icon = Icon::kCritical};
     case err::kReserved:
       if (text.find("-8194") != std::string_view::npos) {
-        return {"the file being accessed is currently unavailable. This is probably because either "
+        return {
+            .advice =
+                "the file being accessed is currently unavailable. This is probably because either "
                 "another user is is working with it, or a Taxpayer File needed by the TWS - "
                 "Lotwise has been opened by another program. \nIf this is the case, you will need "
                 "to close the file in any other applications before this operation can be "
                 "performed successfully.",
-                true, "Warning", Icon::kInformation, true, true};
+            .advice_only = true,
+            .title = "Warning",
+            .icon = Icon::kInformation,
+            .goes_on = true};
       }
       if (text.find("-1209") != std::string_view::npos) {
-        return {"the file being accessed has been damaged. You will need to Repair and Compress the "
+        return {
+            .advice =
+                "the file being accessed has been damaged. You will need to Repair and Compress "
+                "the "
                 "file before using it. These options are available under the File menu.\nIf you "
-                "are running reports, please follow the instructions above, AND restart the Lotwise "
+                "are running reports, please follow the instructions above, AND restart the "
+                "Lotwise "
                 "before trying to run reports again.",
-                true, "Warning!", Icon::kInformation, true, true};
+            .advice_only = true,
+            .title = "Warning!",
+            .icon = Icon::kInformation,
+            .goes_on = true};
       }
-      return {"", false, "", Icon::kNone, false, false};
+      return {.advice = "", .title = "", .icon = Icon::kNone, .shown = false};
     case err::kCannotLock:
-      return {"\n The file SHARE.EXE needs to be loaded for Lotwise to work. You need to add the "
+      return {
+          .advice =
+              "\n The file SHARE.EXE needs to be loaded for Lotwise to work. You need to add the "
               "following line to your AUTOEXEC.BAT file, \n\nC:\\DOS\\SHARE.EXE /L:500. You must "
               "reboot your machine after making this change for it to take effect!\n\nIf you are "
               "unfamiliar with editing your AUTOEXEC.BAT file please contact our technical support "
               "department and we will assist you.",
-              false, "Error!", Icon::kCritical, true, false};
+          .title = "Error!",
+          .icon = Icon::kCritical};
     case err::kTooManyLocks:
-      return {"\n Lotwise needs to have 500 file locks available. You will need to increase the file "
+      return {
+          .advice =
+              "\n Lotwise needs to have 500 file locks available. You will need to increase the "
+              "file "
               "locks in your AUTOEXEC.BAT file. To do this add the parameter \n\n/L:500\n\nto the "
               "SHARE.EXE call. It should then look similar to the following:\n\nC:\\DOS\\SHARE.EXE "
               "/L:500\n\nIf you are unfamiliar with editing your AUTOEXEC.BAT file please contact "
               "our technical support department and we will assist you.",
-              false, "Error!", Icon::kCritical, true, false};
+          .title = "Error!",
+          .icon = Icon::kCritical};
     case err::kNotADatabase:
-      return {"\r\n\r\nThe database file has been damaged. This is very serious. The best solution is "
+      return {
+          .advice =
+              "\r\n\r\nThe database file has been damaged. This is very serious. The best solution "
+              "is "
               "to restore from the last good backup that was created before the file was damaged. "
               "Sometimes data corruption can be fixed. From the File menu use the Repair routine "
               "followed by the Compress routine.",
-              false, "Possible Error!", Icon::kInformation, true, false};
+          .title = "Possible Error!",
+          .icon = Icon::kInformation};
     case err::kReportFileMissing:
-      return {" Report File not located in default directory. This error indicates that a report "
+      return {
+          .advice =
+              " Report File not located in default directory. This error indicates that a report "
               "file that Lotwise needs is missing. Please contact technical support.",
-              false, "Report File Missing", Icon::kInformation, true, true};
+          .title = "Report File Missing",
+          .icon = Icon::kInformation,
+          .goes_on = true};
     case err::kPrintCancelled:
-      return {" This error can sometimes be generated by clicking the Cancel button on the Printing "
+      return {
+          .advice =
+              " This error can sometimes be generated by clicking the Cancel button on the "
+              "Printing "
               "screen. If this is the case you can continue your work. If you did not click the "
               "Cancel button on a Printing screen, then you should contact Tarnwick Software. "
               "(Please note what you were doing when this error occurred.)",
-              false, "Possible Error!", Icon::kInformation, true, true};
+          .title = "Possible Error!",
+          .icon = Icon::kInformation,
+          .goes_on = true};
     case err::kNoDefaultPrinter:
-      return {" You have not setup a default printer in Windows. This must be done before you can "
-              "generate reports, even if the computer is not connected to a printer. Please setup a "
+      return {
+          .advice =
+              " You have not setup a default printer in Windows. This must be done before you can "
+              "generate reports, even if the computer is not connected to a printer. Please setup "
+              "a "
               "default printer and try again.",
-              false, "No Default Printer", Icon::kInformation, true, true};
+          .title = "No Default Printer",
+          .icon = Icon::kInformation,
+          .goes_on = true};
     default:
-      return {" The program will now shut down to prevent errors in your data and calculations.",
-              false, "Warning!", Icon::kCritical, true, false};
+      return {
+          .advice =
+              " The program will now shut down to prevent errors in your data and calculations.",
+          .title = "Warning!",
+          .icon = Icon::kCritical};
   }
 }
 
@@ -134,9 +188,9 @@ bool HandleError(Application& app, int number, std::string_view text, std::strin
   try {
     std::string header = ErrorHeader(number, text, location);
     ErrorMessage message = ChooseMessage(number, text);
-    bool result = message.result;
-    if (message.show) {
-      std::string shown = message.alone ? message.advice : header + message.advice;
+    bool result = message.goes_on;
+    if (message.shown) {
+      std::string shown = message.advice_only ? message.advice : header + message.advice;
       if (number == err::kOutOfMemory) {
         Answer answer = app.ui().MessageBox(shown, message.title, message.icon, Buttons::kOkCancel);
         result = answer == Answer::kOk;
