@@ -158,7 +158,7 @@ class SalePlay {
     }
     NumSharesSS_Click(app(), form);
     if (!selection_made_ || app().ended) return false;
-    if (entry_.shares_given && RoundDouble(entry_.shares, 5) != form.num_shares) {
+    if (entry_.shares_given && RoundShares(entry_.shares) != form.num_shares) {
       session_.ui.Note("Shares " + NumberText(entry_.shares) + " differ from the " +
                        NumberText(form.num_shares) + " shares picked in Block");
       return false;
@@ -196,7 +196,7 @@ class SalePlay {
     SellSpecific_Add(app(), form);
     // The dialog may have refused without asking (a block already empty).
     return !picks_refused_ && !app().ended &&
-           RoundDouble(ComputeSharesSold(app()) - before, 5) == RoundDouble(pick.shares, 5);
+           RoundShares(ComputeSharesSold(app()) - before) == RoundShares(pick.shares);
   }
 
   Session& session_;

@@ -100,7 +100,7 @@ void ComputeTotalShares(Application& app) {
   while (q.Next()) {
     if (!q.IsNull("Total Shares")) total += q.Double("Total Shares");
   }
-  app.window.display.total_shares = NumberText(RoundDouble(total, 5));
+  app.window.display.total_shares = NumberText(RoundShares(total));
 }
 
 }  // namespace

@@ -51,6 +51,9 @@ bool SymbolLengthValid(UiPort& ui, std::string_view symbol);
 // The most decimals a number of shares may have: the book keeps no more.
 inline constexpr int kShareDecimals = 5;
 
+// A number of shares as the book keeps them: RoundDouble to kShareDecimals.
+inline double RoundShares(double shares) { return RoundDouble(shares, kShareDecimals); }
+
 // Returns the number of decimals of `value` as its 15-significant-digit
 // decimal text shows them, so that a double read from "0.33333" has 5
 // whatever its binary noise (1e-5 -> 5, 100 -> 0, 0.333333 -> 6).

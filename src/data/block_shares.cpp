@@ -28,7 +28,7 @@ void ForEachOpenBlock(Database& client, int64_t sec_id,
       R"(WHERE "Sec ID" = :id AND "Shares Left" >= 0.000005 ORDER BY "Date", "Block ID")",
       {{"id", sec_id}});
   while (q.Next()) {
-    double shares = RoundDouble(q.Double("Shares Left"), 5);
+    double shares = RoundShares(q.Double("Shares Left"));
     if (shares <= 0) continue;
     if (!visit({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"), shares})) return;
   }
@@ -64,7 +64,7 @@ void CapByLaterRows(Database& client, std::vector<BlockShares>& batch, Date date
   while (later.Next()) {
     BlockShares& block = batch[index[later.Int("Block No")]];
     auto [it, first] = balance.emplace(block.block_no, block.shares);
-    it->second = RoundDouble(it->second - later.Double("Shares"), 5);
+    it->second = RoundShares(it->second - later.Double("Shares"));
     if (it->second < block.shares) block.shares = it->second;
   }
 }
@@ -119,7 +119,7 @@ std::vector<BlockShares> BlockSharesAsOf(Database& client, int64_t sec_id, Date 
       {{"id", sec_id}, {"as_of", as_of}});
   while (q.Next()) {
     blocks.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date"),
-                      RoundDouble(q.Double("Shares"), 5)});
+                      RoundShares(q.Double("Shares"))});
   }
   return blocks;
 }

@@ -101,7 +101,7 @@ double HeldAt(const std::vector<Row>& rows, int64_t block_no, Key upto, bool inc
     if (row.block_no != block_no) continue;
     if (row.key < upto || (inclusive && row.key == upto)) total += row.shares;
   }
-  return RoundDouble(total, 5);
+  return RoundShares(total);
 }
 
 // What a sale at `point` may take from the block: what it holds then,
@@ -117,7 +117,7 @@ double AvailableAt(const std::vector<Row>& rows, int64_t block_no, Key point) {
                    [](const Row* a, const Row* b) { return a->key < b->key; });
   double running = available;
   for (const Row* row : later) {
-    running = RoundDouble(running + row->shares, 5);
+    running = RoundShares(running + row->shares);
     available = std::min(available, running);
   }
   return available;
@@ -156,7 +156,7 @@ std::vector<Sale> SalesFrom(const History& history, Date from) {
     }
     same->rows.push_back(row);
     // Made positive before adding up, as the whole-sale modification does.
-    same->shares = RoundDouble(same->shares + std::fabs(row.shares), 5);
+    same->shares = RoundShares(same->shares + std::fabs(row.shares));
     same->price += row.price;
     same->fee += row.fee;
   }
@@ -240,20 +240,20 @@ class Replay {
       double taken = still;
       if (available <= still) {
         taken = available;
-        still = RoundDouble(still - available, 5);
+        still = RoundShares(still - available);
       } else {
         still = 0;
       }
       picks.push_back({block.block_id, block.block_no, taken});
     }
     if (still > 0) {
-      plan.shortfall = Shortfall{sale.key.date, sale.shares, RoundDouble(sale.shares - still, 5)};
+      plan.shortfall = Shortfall{sale.key.date, sale.shares, RoundShares(sale.shares - still)};
       return false;
     }
     std::map<int64_t, double> before;
     std::vector<std::pair<int64_t, double>> was;
     for (const Row& row : sale.rows) {
-      before[row.block_no] = RoundDouble(before[row.block_no] - row.shares, 5);
+      before[row.block_no] = RoundShares(before[row.block_no] - row.shares);
       was.emplace_back(row.block_no, -row.shares);
     }
     std::map<int64_t, double> after;

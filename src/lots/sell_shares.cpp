@@ -17,8 +17,8 @@
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
 #include "lots/rebook.h"
-#include "lots/share_rules.h"
 #include "lots/sell_specific.h"
+#include "lots/share_rules.h"
 
 namespace lotwise {
 
@@ -210,7 +210,7 @@ void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
         bool merged = false;
         for (ShareEntry& entry : selected.entries) {
           if (entry.block_no == block_no) {
-            entry.shares = RoundDouble(entry.shares + shares, 5);
+            entry.shares = RoundShares(entry.shares + shares);
             merged = true;
             break;
           }
@@ -227,7 +227,7 @@ void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
 
     PrepareSaleForm(app, form);
     form.date = date.ToString();
-    form.num_shares = RoundDouble(shares_total, 5);
+    form.num_shares = RoundShares(shares_total);
     form.sale_price = price_total;
     form.fee = fee_total;
     form.total_sale = price_total - fee_total;
@@ -452,7 +452,7 @@ bool SelectSharesByFIFO(Application& app, double to_sell, Date date,
           double taken = still_to_sell;
           if (block.shares <= still_to_sell) {
             taken = block.shares;
-            still_to_sell = RoundDouble(still_to_sell - block.shares, 5);
+            still_to_sell = RoundShares(still_to_sell - block.shares);
           } else {
             still_to_sell = 0;
           }
@@ -484,7 +484,7 @@ bool SelectSharesByFIFO(Application& app, double to_sell, Date date,
       app.sale_lists.Clear();
       if (found_shares) {
         Tell(app,
-             "There are " + NumberText(RoundDouble(to_sell - still_to_sell, 5)) +
+             "There are " + NumberText(RoundShares(to_sell - still_to_sell)) +
                  " shares in this security. There are not enough shares to make the sale. If you "
                  "think this is incorrect, please review your security for any incorrect, or "
                  "missing transactions.",

@@ -57,7 +57,7 @@ double ListTotal(const ShareList& list) {
   if (list.empty) return 0;
   double total = 0;
   for (const ShareEntry& entry : list.entries) total += entry.shares;
-  return RoundDouble(total, 5);
+  return RoundShares(total);
 }
 
 // Asks for a number of shares between 0 and `max` through dlgNumShares,
@@ -175,12 +175,12 @@ void SellSpecific_Add(Application& app, SellSpecificForm& form) {
         AskShares(app, "Add Shares", "Enter the number of shares you want to Add", chosen.shares);
     if (n == 0) return;
     HourglassGuard hourglass(app.ui());
-    left.entries[static_cast<size_t>(row)].shares = RoundDouble(chosen.shares - n, 5);
+    left.entries[static_cast<size_t>(row)].shares = RoundShares(chosen.shares - n);
     int sold_row = -1;
     if (ShareEntry* entry = FindBlock(selected, chosen.block_no, &sold_row)) {
-      entry->shares = RoundDouble(entry->shares + n, 5);
+      entry->shares = RoundShares(entry->shares + n);
     } else {
-      selected.entries.push_back({chosen.block_id, chosen.block_no, RoundDouble(n, 5)});
+      selected.entries.push_back({chosen.block_id, chosen.block_no, RoundShares(n)});
       selected.empty = false;
       sold_row = static_cast<int>(selected.entries.size()) - 1;
     }
@@ -207,7 +207,7 @@ void SellSpecific_Remove(Application& app, SellSpecificForm& form) {
         AskShares(app, "Remove Shares", "Enter the number of shares to remove", chosen.shares);
     if (n == 0) return;
     HourglassGuard hourglass(app.ui());
-    const double rest = RoundDouble(chosen.shares - n, 5);
+    const double rest = RoundShares(chosen.shares - n);
     if (rest <= 0) {
       selected.entries.erase(selected.entries.begin() + row);
       if (selected.entries.empty()) selected.Clear();
@@ -216,9 +216,9 @@ void SellSpecific_Remove(Application& app, SellSpecificForm& form) {
     }
     // A block that the sale being modified had emptied has no left entry.
     if (ShareEntry* entry = FindBlock(left, chosen.block_no)) {
-      entry->shares = RoundDouble(entry->shares + n, 5);
+      entry->shares = RoundShares(entry->shares + n);
     } else {
-      left.entries.push_back({chosen.block_id, chosen.block_no, RoundDouble(n, 5)});
+      left.entries.push_back({chosen.block_id, chosen.block_no, RoundShares(n)});
       left.empty = false;
     }
     form.sold_row = row;

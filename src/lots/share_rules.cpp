@@ -37,7 +37,7 @@ double SplitSharesAdded(int16_t type, double pre, double post, double shares) {
   // RoundDouble moves every negative amount toward zero, even an exact one
   // (-50 would become -49.99999): a reverse split must take away exactly
   // what it says, so the decrease is rounded by its size.
-  return added < 0 ? -RoundDouble(-added, 5) : RoundDouble(added, 5);
+  return added < 0 ? -RoundShares(-added) : RoundShares(added);
 }
 
 }  // namespace lotwise

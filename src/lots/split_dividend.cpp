@@ -240,7 +240,7 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
       while (old_rows.Next()) {
         for (BlockShares& block : work) {
           if (block.block_no != old_rows.Int("Block No")) continue;
-          block.shares = RoundDouble(block.shares - old_rows.Double("Shares"), 5);
+          block.shares = RoundShares(block.shares - old_rows.Double("Shares"));
         }
       }
     }

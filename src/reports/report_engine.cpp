@@ -437,7 +437,7 @@ std::string Grouped(const std::string& number) {
 std::string DecimalText(double value, size_t min_decimals) {
   // The program's rounding moves negative values toward zero at the last
   // digit (-40 would print as -39.99999), so the magnitude is rounded.
-  double rounded = RoundDouble(std::abs(value), 5);
+  double rounded = RoundShares(std::abs(value));
   // Fixed notation: a tiny count must not print as "1E-05".
   std::string text = fmt::format("{:.5f}", rounded);
   text.erase(text.find_last_not_of('0') + 1);
