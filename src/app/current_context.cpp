@@ -2,20 +2,12 @@
 
 #include "app/application.h"
 #include "app/error_handler.h"
+#include "app/text.h"
 #include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/query_builders.h"
 
 namespace lotwise {
-
-namespace {
-
-std::string TrimRight(std::string text) {
-  while (!text.empty() && text.back() == ' ') text.pop_back();
-  return text;
-}
-
-}  // namespace
 
 void CurrentContext::ClearClient() {
   client_db_path.clear();
@@ -65,7 +57,7 @@ void UpdateCurrPort(Application& app, std::string_view port_name) {
     Query q = Select(*app.client, Query_GetPort(port_name));
     if (q.Next()) {
       c.port_name = q.Text("Port Name");
-      c.port_2nd_line = TrimRight(q.Text("2nd Line"));
+      c.port_2nd_line = std::string(TrimEnd(q.Text("2nd Line")));
     }
     app.window.portfolio_panel = FixAmpersand(c.port_name);
   });

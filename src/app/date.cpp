@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdio>
 
+#include "app/text.h"
+
 namespace lotwise {
 
 namespace {
@@ -14,9 +16,7 @@ using chr::year_month_day;
 // Serial 0 is 12/30/1899.
 const sys_days kEpoch = sys_days(year_month_day(chr::year(1899), chr::month(12), chr::day(30)));
 
-year_month_day ToYmd(int32_t serial) {
-  return year_month_day(kEpoch + std::chrono::days(serial));
-}
+year_month_day ToYmd(int32_t serial) { return year_month_day(kEpoch + std::chrono::days(serial)); }
 
 // Reads 1..max_digits decimal digits at text[pos]; advances pos.
 std::optional<int> ReadNumber(std::string_view text, size_t& pos, size_t max_digits) {
@@ -30,23 +30,18 @@ std::optional<int> ReadNumber(std::string_view text, size_t& pos, size_t max_dig
   return value;
 }
 
-std::string_view Trim(std::string_view text) {
-  while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == ' ' || text.back() == '\t')) text.remove_suffix(1);
-  return text;
-}
-
 }  // namespace
 
 bool Date::IsValidYmd(int y, int m, int d) {
   if (y < 100 || y > 9999 || m < 1 || m > 12 || d < 1) return false;
-  return year_month_day(chr::year(y), chr::month(static_cast<unsigned>(m)), chr::day(static_cast<unsigned>(d)))
+  return year_month_day(chr::year(y), chr::month(static_cast<unsigned>(m)),
+                        chr::day(static_cast<unsigned>(d)))
       .ok();
 }
 
 Date Date::FromYmd(int y, int m, int d) {
-  sys_days days =
-      sys_days(year_month_day(chr::year(y), chr::month(static_cast<unsigned>(m)), chr::day(static_cast<unsigned>(d))));
+  sys_days days = sys_days(year_month_day(chr::year(y), chr::month(static_cast<unsigned>(m)),
+                                          chr::day(static_cast<unsigned>(d))));
   return Date(static_cast<int32_t>((days - kEpoch).count()));
 }
 
@@ -103,10 +98,12 @@ std::string Date::ToDashed() const {
 
 Date Date::AddMonths(int months) const {
   year_month_day ymd = ToYmd(serial_);
-  int total = static_cast<int>(ymd.year()) * 12 + static_cast<int>(static_cast<unsigned>(ymd.month())) - 1 + months;
+  int total = static_cast<int>(ymd.year()) * 12 +
+              static_cast<int>(static_cast<unsigned>(ymd.month())) - 1 + months;
   int y = total / 12;
   int m = total % 12 + 1;
-  auto last = chr::year_month_day_last(chr::year(y), chr::month_day_last(chr::month(static_cast<unsigned>(m))));
+  auto last = chr::year_month_day_last(chr::year(y),
+                                       chr::month_day_last(chr::month(static_cast<unsigned>(m))));
   unsigned d = std::min(static_cast<unsigned>(ymd.day()), static_cast<unsigned>(last.day()));
   return FromYmd(y, m, static_cast<int>(d));
 }

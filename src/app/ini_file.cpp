@@ -23,21 +23,13 @@
 
 #include "app/lw_error.h"
 #include "app/paths.h"
+#include "app/text.h"
 
 namespace lotwise {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kBlanks = " \t";
-
-std::string_view Trim(std::string_view text) {
-  size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  size_t last = text.find_last_not_of(kBlanks);
-  return text.substr(first, last - first + 1);
-}
 
 bool SameName(std::string_view a, std::string_view b) { return ToUpperAscii(a) == ToUpperAscii(b); }
 
@@ -105,8 +97,7 @@ std::string Unquoted(std::string_view value) {
 
 std::string Encoded(std::string_view value) {
   if (value.empty()) return {};
-  bool edge_blank = kBlanks.find(value.front()) != std::string_view::npos ||
-                    kBlanks.find(value.back()) != std::string_view::npos;
+  bool edge_blank = Trim(value).size() != value.size();
   bool looks_quoted = value.size() >= 2 && (value.front() == '"' || value.front() == '\'') &&
                       value.back() == value.front();
   if (edge_blank || looks_quoted) return "\"" + std::string(value) + "\"";

@@ -5,6 +5,7 @@
 #include "app/current_context.h"
 #include "app/error_handler.h"
 #include "app/security_display.h"
+#include "app/text.h"
 #include "app/ui_port.h"
 #include "app/value_helpers.h"
 #include "data/central_file.h"
@@ -20,13 +21,7 @@ constexpr const char* kInfoChangedText =
     "in all Taxpayer Files.\nIf you want to do this click YES, otherwise click NO and the Name "
     "and CUSIP will be left as they were.";
 
-// Blanks around a symbol, name or CUSIP are never meant: " IBM" would be a
-// second symbol that looks like the first.
-std::string Trimmed(const std::string& text) {
-  const size_t first = text.find_first_not_of(' ');
-  if (first == std::string::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
+std::string Trimmed(const std::string& text) { return std::string(Trim(text)); }
 
 bool SymbolIsFixed(const AddModSecForm& form) {
   return form.caption == kModSecInCdbCaption || form.caption == kReplaceSecInCdbCaption;
