@@ -10,6 +10,7 @@
 #include "app/security_display.h"
 #include "app/value_helpers.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "data/transaction_store.h"
 #include "lots/rebook.h"
 
@@ -22,20 +23,6 @@ namespace {
 Database& ClientFile(Application& app) {
   if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
   return *app.client;
-}
-
-// The date of the block's first transaction (its purchase), read from the
-// file rather than from the transactions grid: the grid may be filtered to
-// a type that hides the purchase.
-std::optional<Date> FirstTransactionDate(Database& client, int64_t block_no) {
-  Query first = client.Select(
-      R"(SELECT min("Date") AS "First" FROM (SELECT "Date" FROM "Buy" WHERE "Block No" = :n )"
-      R"(UNION ALL SELECT "Date" FROM "Sell" WHERE "Block No" = :n )"
-      R"(UNION ALL SELECT "Date" FROM "Split" WHERE "Block No" = :n )"
-      R"(UNION ALL SELECT "Date" FROM "Adjust" WHERE "Block No" = :n))",
-      {{"n", block_no}});
-  if (!first.Next() || first.IsNull("First")) return std::nullopt;
-  return first.DateValue("First");
 }
 
 }  // namespace
@@ -77,6 +64,8 @@ void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
       return;
     }
     const int64_t block_no = app.current.block_no;
+    // The purchase is read from the file rather than from the transactions
+    // grid: the grid may be filtered to a type that hides it.
     std::optional<Date> purchase = FirstTransactionDate(ClientFile(app), block_no);
     if (purchase && date < *purchase) {
       app.ui().MessageBox(

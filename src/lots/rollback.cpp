@@ -6,6 +6,7 @@
 #include "app/security_display.h"
 #include "app/value_helpers.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
 #include "lots/rebook.h"
@@ -39,32 +40,15 @@ constexpr int kGaugeStart = 6;
 constexpr int kGaugeDeleted = 70;
 constexpr int kGaugeDone = 100;
 
-bool SecurityHasTransactions(Application& app, int64_t sec_id) {
-  Query q = app.client->Select(
-      R"(SELECT 1 AS found FROM "Blocks" AS b WHERE b."Sec ID" = :sec AND ()"
-      R"(EXISTS (SELECT 1 FROM "Buy" AS t WHERE t."Block No" = b."Block No") OR )"
-      R"(EXISTS (SELECT 1 FROM "Sell" AS t WHERE t."Block No" = b."Block No") OR )"
-      R"(EXISTS (SELECT 1 FROM "Split" AS t WHERE t."Block No" = b."Block No") OR )"
-      R"(EXISTS (SELECT 1 FROM "Adjust" AS t WHERE t."Block No" = b."Block No")) LIMIT 1)",
-      {{"sec", sec_id}});
-  return q.Next();
-}
-
 }  // namespace
 
 bool BlockIsEmpty(Application& app, int64_t block_no) {
-  Query q = app.client->Select(R"(SELECT EXISTS (SELECT 1 FROM "Buy" WHERE "Block No" = :n) OR )"
-                               R"(EXISTS (SELECT 1 FROM "Sell" WHERE "Block No" = :n) OR )"
-                               R"(EXISTS (SELECT 1 FROM "Split" WHERE "Block No" = :n) OR )"
-                               R"(EXISTS (SELECT 1 FROM "Adjust" WHERE "Block No" = :n) AS used)",
-                               {{"n", block_no}});
-  q.Next();
-  return q.Int("used") == 0;
+  return BlockHasNoTransactions(*app.client, block_no);
 }
 
 void ShowRollBack(Application& app) {
   TrapVoid(app, "ShowRollBack", [&] {
-    if (!SecurityHasTransactions(app, app.current.sec_id)) {
+    if (!SecurityHasTransactions(*app.client, app.current.sec_id)) {
       app.ui().MessageBox(
           "There are no transactions to rollback. To buy shares click on the 'Buy' button.",
           "No transactions", Icon::kInformation, Buttons::kOk);

@@ -13,6 +13,7 @@
 #include "app/value_helpers.h"
 #include "data/block_shares.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
@@ -62,12 +63,6 @@ bool AskYesNo(Application& app, const std::string& text, const char* title) {
 Date Today(Application& app) {
   LocalTime now = app.env().Now();
   return Date::FromYmd(now.year, now.month, now.day);
-}
-
-bool SecurityHasBlocks(Application& app, int64_t sec_id) {
-  return app.client
-      ->Select(R"(SELECT 1 AS found FROM "Blocks" WHERE "Sec ID" = :id LIMIT 1)", {{"id", sec_id}})
-      .Next();
 }
 
 // Under methods 0 and 3 the shares come only from the selection, so the
@@ -144,7 +139,7 @@ std::string GetSellName(Application& app, int16_t code) {
 
 void ShowSellShares(Application& app) {
   TrapVoid(app, "ShowSellShares", [&] {
-    if (!SecurityHasBlocks(app, app.current.sec_id)) {
+    if (!SecurityHasBlocks(*app.client, app.current.sec_id)) {
       Tell(app,
            "There are no Blocks to Sell shares from. To enter a purchase of Shares click on the "
            "Buy button.",
@@ -164,7 +159,7 @@ void ShowSellShares(Application& app) {
 
 void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
   TrapVoid(app, "ShowModEntireSell", [&] {
-    if (!SecurityHasBlocks(app, sec_id)) {
+    if (!SecurityHasBlocks(*app.client, sec_id)) {
       Tell(app,
            "There are no Blocks in this Security. To enter a purchase of Shares click on the Buy "
            "button.",
@@ -191,34 +186,27 @@ void ShowModEntireSell(Application& app, int64_t sec_id, Date date) {
     Currency price_total;
     Currency fee_total;
     double shares_total = 0;
-    {
-      // Read to the end and closed before the dialog opens: a reading
-      // statement left open would keep other users from writing the file.
-      Query rows =
-          app.client->SelectSaved("Get Entire Sell", {{"lSecID", sec_id}, {"dtDate", date}});
-      while (rows.Next()) {
-        price_total += rows.Money("Sale Price");
-        fee_total += rows.Money("Fee");
-        // Made positive before adding up: rounding moves a negative total
-        // toward zero, which would lose a share fraction.
-        const double shares = std::fabs(rows.Double("Shares"));
-        shares_total += shares;
-        form.notes = rows.Text("Notes");
-        // Two rows of one block on that day become one entry: the selection
-        // works per block, and the new sale writes one row per block.
-        const int64_t block_no = rows.Int("Block No");
-        bool merged = false;
-        for (ShareEntry& entry : selected.entries) {
-          if (entry.block_no == block_no) {
-            entry.shares = RoundShares(entry.shares + shares);
-            merged = true;
-            break;
-          }
-        }
-        if (!merged) {
-          selected.entries.push_back({rows.Text("Block ID"), block_no, shares});
+    // Read whole before the dialog opens: a reading statement left open
+    // would keep other users from writing the file.
+    for (const SaleRowOnFile& row : EntireSell(*app.client, sec_id, date)) {
+      price_total += row.sale_price;
+      fee_total += row.fee;
+      // Made positive before adding up: rounding moves a negative total
+      // toward zero, which would lose a share fraction.
+      const double shares = std::fabs(row.shares);
+      shares_total += shares;
+      form.notes = row.notes;
+      // Two rows of one block on that day become one entry: the selection
+      // works per block, and the new sale writes one row per block.
+      bool merged = false;
+      for (ShareEntry& entry : selected.entries) {
+        if (entry.block_no == row.block_no) {
+          entry.shares = RoundShares(entry.shares + shares);
+          merged = true;
+          break;
         }
       }
+      if (!merged) selected.entries.push_back({row.block_id, row.block_no, shares});
     }
     selected.empty = selected.entries.empty();
     BuildSharesLeftList(app);
@@ -437,8 +425,7 @@ bool SelectSharesByFIFO(Application& app, double to_sell, Date date,
       std::optional<Database::Transaction> trial;
       if (replaced != nullptr) {
         trial.emplace(*app.client);
-        app.client->ExecuteSaved("Delete Entire Sell",
-                                 {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}});
+        DeleteEntireSell(*app.client, *replaced);
       }
       has_block = HasBlockOnOrBefore(*app.client, app.current.sec_id, date);
       GaugeGuard gauge(ui);
@@ -521,8 +508,7 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
     {
       Database::Transaction unit(*app.client);
       if (replaced != nullptr) {
-        app.client->ExecuteSaved("Delete Entire Sell",
-                                 {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}});
+        DeleteEntireSell(*app.client, *replaced);
       }
       GaugeGuard gauge(ui);
       bool all_written = true;

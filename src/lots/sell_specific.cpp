@@ -6,6 +6,7 @@
 #include "app/value_helpers.h"
 #include "data/block_shares.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "lots/sell_shares.h"
 
 namespace lotwise {
@@ -231,13 +232,10 @@ bool SelectionPrecedesSale(Application& app, Date date) {
     const ShareList& selected = app.sale_lists.selected;
     if (selected.empty) return true;
     for (const ShareEntry& entry : selected.entries) {
-      Query block =
-          app.client->Select(R"(SELECT "Block ID", "Date" FROM "Blocks" WHERE "Block No" = :n)",
-                             {{"n", entry.block_no}});
-      if (!block.Next() || !(date < block.DateValue("Date"))) continue;
-      app.ui().MessageBox("Block " + block.Text("Block ID") + " was acquired on " +
-                              block.DateValue("Date").ToString() + ", after the sale date " +
-                              date.ToString() +
+      const std::optional<BlockOnFile> block = FindBlock(*app.client, entry.block_no);
+      if (!block || !(date < block->date)) continue;
+      app.ui().MessageBox("Block " + block->block_id + " was acquired on " +
+                              block->date.ToString() + ", after the sale date " + date.ToString() +
                               ". A sale can only take shares from blocks acquired on or before "
                               "its date. Please remove this block from the selection or correct "
                               "the Date.",

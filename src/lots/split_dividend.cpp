@@ -12,6 +12,7 @@
 #include "app/value_helpers.h"
 #include "data/block_shares.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "data/transaction_store.h"
 #include "lots/rebook.h"
 
@@ -119,18 +120,15 @@ void ShowModEntSplitDiv(Application& app, int64_t sec_id, Date date, int16_t typ
           split ? SplitDivForm::kModifySplitCaption : SplitDivForm::kModifyDividendCaption;
       form.modify_sec_id = sec_id;
       form.modify_date = date;
-      Query rows = ClientFile(app).SelectSaved(
-          "Get Entire SplitDiv",
-          {{"lSecID", sec_id}, {"dtDate", date}, {"nType", split ? kTypeSplit : kTypeDividend}});
-      std::set<int64_t> blocks_replaced;
-      while (rows.Next()) {
-        if (blocks_replaced.empty()) {
-          form.pre_ratio = rows.Double("Pre Ratio");
-          form.post_ratio = rows.Double("Post Ratio");
-          form.notes = rows.Text("Notes");
-        }
-        blocks_replaced.insert(rows.Int("Block No"));
+      const std::vector<SplitRowOnFile> rows =
+          EntireSplitDiv(ClientFile(app), sec_id, date, split ? kTypeSplit : kTypeDividend);
+      if (!rows.empty()) {
+        form.pre_ratio = rows.front().pre_ratio;
+        form.post_ratio = rows.front().post_ratio;
+        form.notes = rows.front().notes;
       }
+      std::set<int64_t> blocks_replaced;
+      for (const SplitRowOnFile& row : rows) blocks_replaced.insert(row.block_no);
       form.date = date.ToString();
       // A correction starts on the scope of the entry it replaces.
       form.blocks = blocks_replaced.size() == 1 && blocks_replaced.contains(app.current.block_no)
@@ -234,13 +232,10 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
       std::erase_if(work, [&](const BlockShares& b) { return b.block_no != app.current.block_no; });
     }
     if (replaced != nullptr && replaced->date <= date) {
-      Query old_rows = client.SelectSaved(
-          "Get Entire SplitDiv",
-          {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}, {"nType", type}});
-      while (old_rows.Next()) {
+      for (const SplitRowOnFile& old :
+           EntireSplitDiv(client, replaced->sec_id, replaced->date, type)) {
         for (BlockShares& block : work) {
-          if (block.block_no != old_rows.Int("Block No")) continue;
-          block.shares = RoundShares(block.shares - old_rows.Double("Shares"));
+          if (block.block_no == old.block_no) block.shares = RoundShares(block.shares - old.shares);
         }
       }
     }
@@ -264,9 +259,7 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
     {
       Database::Transaction unit(client);
       if (replaced != nullptr) {
-        client.ExecuteSaved(
-            "Delete Entire SplitDiv",
-            {{"lSecID", replaced->sec_id}, {"dtDate", replaced->date}, {"nType", type}});
+        DeleteEntireSplitDiv(client, *replaced, type);
       }
       for (size_t i = 0; i < work.size(); ++i) {
         if (work[i].shares > 0) {
