@@ -231,19 +231,39 @@ bool ConfirmSplitOn(Application& app, int64_t block_no, int16_t type, Date date,
   });
 }
 
+void InsertSellRow(Database& client, int64_t block_no, Date date, Currency sale_price, Currency fee,
+                   double shares, const std::string& notes) {
+  client.Execute(
+      R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", "Prec Sort") )"
+      R"(VALUES (:n, :date, :price, :fee, :shares, :notes, :prec))",
+      {{"n", block_no},
+       {"date", date},
+       {"price", sale_price},
+       {"fee", fee},
+       {"shares", shares},
+       {"notes", notes},
+       {"prec", kPrecSell}});
+}
+
+void InsertSplitRow(Database& client, int64_t block_no, int16_t type, Date date, double pre_ratio,
+                    double post_ratio, double shares, const std::string& notes) {
+  client.Execute(
+      R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
+      R"("Notes", "Prec Sort") VALUES (:n, :date, :type, :pre, :post, :shares, :notes, :prec))",
+      {{"n", block_no},
+       {"date", date},
+       {"type", type},
+       {"pre", pre_ratio},
+       {"post", post_ratio},
+       {"shares", shares},
+       {"notes", notes},
+       {"prec", type == kTypeDividend ? kPrecDividend : kPrecSplit}});
+}
+
 bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
              double shares, const std::string& notes) {
   return Trap(app, "AddSell", false, [&] {
-    app.client->Execute(
-        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", "Prec Sort") )"
-        R"(VALUES (:n, :date, :price, :fee, :shares, :notes, :prec))",
-        {{"n", block_no},
-         {"date", date},
-         {"price", sale_price},
-         {"fee", fee},
-         {"shares", shares},
-         {"notes", notes},
-         {"prec", kPrecSell}});
+    InsertSellRow(*app.client, block_no, date, sale_price, fee, shares, notes);
     return true;
   });
 }
@@ -251,17 +271,7 @@ bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price,
 bool AddSplit(Application& app, int64_t block_no, int16_t type, Date date, double pre_ratio,
               double post_ratio, double shares, const std::string& notes) {
   return Trap(app, "AddSplit", false, [&] {
-    app.client->Execute(
-        R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
-        R"("Notes", "Prec Sort") VALUES (:n, :date, :type, :pre, :post, :shares, :notes, :prec))",
-        {{"n", block_no},
-         {"date", date},
-         {"type", type},
-         {"pre", pre_ratio},
-         {"post", post_ratio},
-         {"shares", shares},
-         {"notes", notes},
-         {"prec", type == kTypeDividend ? kPrecDividend : kPrecSplit}});
+    InsertSplitRow(*app.client, block_no, type, date, pre_ratio, post_ratio, shares, notes);
     return true;
   });
 }

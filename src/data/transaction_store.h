@@ -11,6 +11,7 @@
 namespace lotwise {
 
 class Application;
+class Database;
 
 // Transaction types and their same-date ranks ("Prec Sort").
 inline constexpr int16_t kTypeBuy = 10;
@@ -49,6 +50,12 @@ struct ReplacedEntry {
 bool ConfirmSellOn(Application& app, int64_t block_no, Date date);
 bool ConfirmSplitOn(Application& app, int64_t block_no, int16_t type, Date date,
                     std::optional<int16_t> replaced_type = std::nullopt);
+// The bare writes of a Sell and a Split row, for callers inside a unit of
+// work of their own that handle its errors.
+void InsertSellRow(Database& client, int64_t block_no, Date date, Currency sale_price, Currency fee,
+                   double shares, const std::string& notes);
+void InsertSplitRow(Database& client, int64_t block_no, int16_t type, Date date, double pre_ratio,
+                    double post_ratio, double shares, const std::string& notes);
 // Files a sale row (shares negative) under block `block_no`; asks nothing.
 bool AddSell(Application& app, int64_t block_no, Date date, Currency sale_price, Currency fee,
              double shares, const std::string& notes);

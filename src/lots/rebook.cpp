@@ -11,6 +11,7 @@
 #include "app/sell_method_codes.h"
 #include "app/ui_port.h"
 #include "data/database.h"
+#include "data/security_history.h"
 #include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
 #include "lots/rebook_plan.h"
@@ -21,22 +22,6 @@ namespace {
 
 // True iff the security has a sale after `entry` in its blocks' history:
 // one query, so that an entry made in date order reads no history.
-bool HasSaleAfter(Database& db, int64_t sec_id, HistoryKey entry) {
-  return db
-      .Select(
-          R"(SELECT 1 AS found FROM "Sell" AS S JOIN "Blocks" AS B ON B."Block No" = S."Block No" )"
-          R"(WHERE B."Sec ID" = :sec AND (S."Date" > :d OR (S."Date" = :d AND :sell > :prec)) )"
-          R"(LIMIT 1)",
-          {{"sec", sec_id}, {"d", entry.date}, {"sell", kPrecSell}, {"prec", entry.prec}})
-      .Next();
-}
-
-int16_t SellMethodOf(Database& db, int64_t sec_id) {
-  Query q = db.Select(R"(SELECT M."Sell Method" FROM "Security" AS S JOIN "Sell Method" AS M )"
-                      R"(ON M."Sec Symbol" = S."Sec Symbol" WHERE S."Sec ID" = :sec)",
-                      {{"sec", sec_id}});
-  return q.Next() ? static_cast<int16_t>(q.Int("Sell Method")) : kSellNotSelected;
-}
 
 std::string SaleLine(Date date, double shares) {
   return "the sale of " + NumberText(shares) + " shares on " + date.ToString();
@@ -68,19 +53,10 @@ bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
   Database::Transaction unit(db);
   for (const SaleChange& sale : plan.sales) {
     for (int64_t id : sale.old_ids) {
-      db.Execute(R"(DELETE FROM "Sell" WHERE "Unique ID" = :id)", {{"id", id}});
+      DeleteSellRow(db, id);
     }
     for (const SaleRow& row : sale.rows) {
-      db.Execute(
-          R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
-          R"("Prec Sort") VALUES (:n, :date, :price, :fee, :shares, :notes, :prec))",
-          {{"n", row.block_no},
-           {"date", sale.date},
-           {"price", row.price},
-           {"fee", row.fee},
-           {"shares", -row.shares},
-           {"notes", sale.notes},
-           {"prec", kPrecSell}});
+      InsertSellRow(db, row.block_no, sale.date, row.price, row.fee, -row.shares, sale.notes);
     }
     LogChange(app, app.current.port_name, sec_id, today,
               "Re-booked Sell of " + NumberText(sale.shares) + " shares on " +
@@ -89,22 +65,12 @@ bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
   }
   for (const SplitChange& row : plan.splits) {
     if (row.remove) {
-      db.Execute(R"(DELETE FROM "Split" WHERE "Unique ID" = :id)", {{"id", row.unique_id}});
+      DeleteSplitRow(db, row.unique_id);
     } else if (row.unique_id == 0) {
-      db.Execute(
-          R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
-          R"("Notes", "Prec Sort") VALUES (:n, :date, :type, :pre, :post, :shares, :notes, :prec))",
-          {{"n", row.block_no},
-           {"date", row.key.date},
-           {"type", row.type},
-           {"pre", row.pre},
-           {"post", row.post},
-           {"shares", row.shares},
-           {"notes", row.notes},
-           {"prec", row.key.prec}});
+      InsertSplitRow(db, row.block_no, static_cast<int16_t>(row.type), row.key.date, row.pre,
+                     row.post, row.shares, row.notes);
     } else {
-      db.Execute(R"(UPDATE "Split" SET "Shares" = :shares WHERE "Unique ID" = :id)",
-                 {{"shares", row.shares}, {"id", row.unique_id}});
+      SetSplitShares(db, row.unique_id, row.shares);
     }
     LogChange(app, app.current.port_name, sec_id, today, ChangeLine(row));
     if (app.ended) return false;
@@ -126,7 +92,7 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
 
     // Without a method no sale was made through the sale dialog, which
     // fixes it: there is no rule to hold the later sales to.
-    const int16_t method = SellMethodOf(*app.client, sec_id);
+    const int16_t method = SellMethodOfSecurity(*app.client, sec_id);
     if (method == kSellNotSelected) return;
     if (UserSelectsShares(method)) {
       // A sale chosen by hand takes only shares no later sale took, so

@@ -8,7 +8,7 @@
 
 #include "app/number_text.h"
 #include "app/value_helpers.h"
-#include "data/database.h"
+#include "data/security_history.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {
@@ -17,82 +17,11 @@ namespace {
 
 using Key = HistoryKey;
 
-enum class Table { kBuy, kSell, kSplit, kAdjust };
+using Table = HistoryTable;
+using Row = HistoryRow;
+using Block = BlockOnFile;
 
-struct Row {
-  Table table = Table::kBuy;
-  int64_t unique_id = 0;  // 0 for a row the replay would write
-  int64_t block_no = 0;
-  Key key;
-  double shares = 0;
-  int64_t type = 0;
-  double pre = 0;
-  double post = 0;
-  Currency price;  // a sale's proceeds
-  Currency fee;
-  std::string notes;
-};
-
-struct Block {
-  int64_t block_no = 0;
-  std::string block_id;
-  Date date;
-};
-
-// The blocks of one security, oldest first, and every row filed under them.
-struct History {
-  std::vector<Block> blocks;
-  std::vector<Row> rows;
-
-  const std::string& BlockId(int64_t block_no) const {
-    static const std::string none;
-    for (const Block& block : blocks) {
-      if (block.block_no == block_no) return block.block_id;
-    }
-    return none;
-  }
-};
-
-History ReadHistory(Database& db, int64_t sec_id) {
-  History history;
-  Query blocks = db.Select(R"(SELECT "Block No", "Block ID", "Date" FROM "Blocks" )"
-                           R"(WHERE "Sec ID" = :sec ORDER BY "Date", "Block ID")",
-                           {{"sec", sec_id}});
-  while (blocks.Next()) {
-    history.blocks.push_back(
-        {blocks.Int("Block No"), blocks.Text("Block ID"), blocks.DateValue("Date")});
-  }
-  // One shape for the four tables; the columns a table lacks read as 0.
-  const std::string common =
-      R"(T."Unique ID" AS uid, T."Block No" AS block, T."Date" AS date, T."Prec Sort" AS prec, )"
-      R"(T."Shares" AS shares, T."Notes" AS notes)";
-  const std::string from =
-      R"( AS T JOIN "Blocks" AS B ON B."Block No" = T."Block No" WHERE B."Sec ID" = :sec)";
-  Query rows = db.Select(
-      "SELECT 0 AS tbl, " + common + R"(, T."Type" AS type, 0 AS pre, 0 AS post, 0 AS price, )" +
-          R"(0 AS fee FROM "Buy")" + from + " UNION ALL SELECT 1, " + common +
-          R"(, 0, 0, 0, T."Sale Price", T."Fee" FROM "Sell")" + from + " UNION ALL SELECT 2, " +
-          common + R"(, T."Type", T."Pre Ratio", T."Post Ratio", 0, 0 FROM "Split")" + from +
-          " UNION ALL SELECT 3, " + common + R"(, 0, 0, 0, 0, 0 FROM "Adjust")" + from +
-          " ORDER BY tbl, uid",
-      {{"sec", sec_id}});
-  while (rows.Next()) {
-    Row row;
-    row.table = static_cast<Table>(rows.Int("tbl"));
-    row.unique_id = rows.Int("uid");
-    row.block_no = rows.Int("block");
-    row.key = {rows.DateValue("date"), rows.Int("prec")};
-    row.shares = rows.Double("shares");
-    row.type = rows.Int("type");
-    row.pre = rows.Double("pre");
-    row.post = rows.Double("post");
-    row.price = rows.Money("price");
-    row.fee = rows.Money("fee");
-    row.notes = rows.Text("notes");
-    history.rows.push_back(std::move(row));
-  }
-  return history;
-}
+using History = SecurityHistory;
 
 // The shares block `block_no` holds after every row up to `upto`.
 double HeldAt(const std::vector<Row>& rows, int64_t block_no, Key upto, bool inclusive = true) {
@@ -361,7 +290,7 @@ class Replay {
 }  // namespace
 
 RebookPlan PlanRebook(Database& db, int64_t sec_id, Date from) {
-  const History history = ReadHistory(db, sec_id);
+  const History history = ReadSecurityHistory(db, sec_id);
   Replay replay(history, from);
   RebookPlan plan;
   if (!replay.sales().empty()) plan = replay.Run();

@@ -7,20 +7,12 @@
 #include <vector>
 
 #include "app/date.h"
+#include "data/security_history.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {
 
 class Database;
-
-// Where a row falls in its block's history: its date, then its same-date
-// rank ("Prec Sort"), so that a day's buys count for that day's sales and
-// its sales for that day's splits.
-struct HistoryKey {
-  Date date;
-  int64_t prec = 0;
-  friend auto operator<=>(const HistoryKey&, const HistoryKey&) = default;
-};
 
 // A sale stored from the replay's first day on.
 struct LaterSale {
