@@ -193,4 +193,12 @@ int32_t GetUsageCount(Application& app) {
   });
 }
 
+std::vector<CentralSecurity> ListCentralSecurities(Database& central) {
+  std::vector<CentralSecurity> securities;
+  Query q = central.SelectSaved("Get Securities");
+  while (q.Next())
+    securities.push_back({q.Text("Sec Symbol"), q.Text("Sec Name"), q.Text("CUSIP")});
+  return securities;
+}
+
 }  // namespace lotwise

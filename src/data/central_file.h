@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace lotwise {
 
@@ -33,8 +34,7 @@ bool ModSecInCDB(Application& app, const std::string& symbol, const std::string&
 bool DelSecFromCDB(Application& app, const std::string& symbol);
 // Returns the field ("[Sec Name]", "CUSIP", "[Sec Symbol]") of the symbol's
 // row, or kSymbolNotInCentral when there is none.
-std::string GetSecInfoFromCDB(Application& app, const std::string& symbol,
-                              std::string_view field);
+std::string GetSecInfoFromCDB(Application& app, const std::string& symbol, std::string_view field);
 // Returns true iff no security other than `symbol` (exact comparison; empty
 // text for a security not yet stored) carries `name`, or the user answers
 // OK to the "Name already exists" question.
@@ -47,6 +47,15 @@ bool ConfirmSharedSecCusip(Application& app, Database& central, const std::strin
 
 // Counts one program start.
 void AddUsage(Application& app, Database& central);
+
+// One security of the Security Symbols File.
+struct CentralSecurity {
+  std::string symbol;
+  std::string name;
+  std::string cusip;
+};
+// Every security of the Security Symbols File, in symbol order.
+std::vector<CentralSecurity> ListCentralSecurities(Database& central);
 // Returns the number of program starts counted so far (0 after an error).
 int32_t GetUsageCount(Application& app);
 

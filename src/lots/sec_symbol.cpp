@@ -32,9 +32,9 @@ void LoadKeeping(Application& app, SecSymbolForm& form, const std::string& keep)
   const std::string wanted = ToUpperAscii(keep);
   form.securities.clear();
   form.selected = -1;
-  Query q = app.central->SelectSaved("Get Securities");
-  while (q.Next()) {
-    SecSymbolRow row{q.Text("Sec Symbol"), q.Text("Sec Name"), q.Text("CUSIP")};
+  for (CentralSecurity& security : ListCentralSecurities(*app.central)) {
+    SecSymbolRow row{std::move(security.symbol), std::move(security.name),
+                     std::move(security.cusip)};
     if (form.selected < 0 && !wanted.empty() && ToUpperAscii(row.symbol) == wanted) {
       form.selected = static_cast<int>(form.securities.size());
     }
