@@ -35,7 +35,6 @@ constexpr bool UserSelectsShares(int16_t code) {
 // The sale dialog dlgSellShares. Its caption is its mode: "Sell Shares" or
 // "Modify Entire Sell".
 struct SellSharesForm : DialogForm {
-  std::string caption;
   std::string date = "__/__/____";  // dtDate, as typed
   double num_shares = 0;            // DblNumShares, typed positive
   Currency sale_price;              // CurrSalePrice
@@ -53,10 +52,8 @@ struct SellSharesForm : DialogForm {
   // security on that date.
   int64_t mod_sec_id = 0;
   Date mod_date;
-  bool closed = false;
   // Set only when OK stored the sale: its unit of work committed.
   bool accepted = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgSellShares"; }
 };
