@@ -30,8 +30,6 @@ struct FileLocForm : DialogForm {
   std::string client_folder;  // txtClient
   std::string ssf_note = kSsfLocationNote;
   std::string client_note = kClientLocationNote;
-  // Set when a button closed the dialog.
-  bool closed = false;
 
   std::string_view Name() const override { return "dlgFileLoc"; }
 };

@@ -33,6 +33,16 @@ class DialogForm {
   virtual ~DialogForm() = default;
   // The dialog's name ("dlgNewModClient", "dlgFileLoc").
   virtual std::string_view Name() const = 0;
+
+  // The window's title; a dialog with several modes tells them apart by it
+  // ("New Taxpayer", "Modify Taxpayer").
+  std::string caption;
+  // Set when the dialog unloads: an operation that finished, or Cancel. The
+  // window closes when it sees it.
+  bool closed = false;
+  // The control that takes the focus next when a procedure moves it
+  // ("txtPortName"); empty for none. The window clears it once applied.
+  std::string focus;
 };
 
 // Every word the program says to its user goes through this port: message

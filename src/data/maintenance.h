@@ -38,7 +38,6 @@ struct MaintClientRow {
 
 // The compress/repair dialog dlgCR_Report.
 struct CompressRepairForm : DialogForm {
-  std::string caption;
   std::string warning;  // lblWarning
   // The three choices and, for each, its status and the time it took
   // ("hh:mm:ss", set when it finished).
@@ -55,7 +54,6 @@ struct CompressRepairForm : DialogForm {
   std::vector<bool> picked;                    // one mark per row of clients
   std::string progress;                        // lblProgress
   bool working = false;                        // a run is under way
-  bool closed = false;
   // Called after every change the window should show during a run; the
   // window sets it to repaint itself.
   std::function<void()> changed;
@@ -66,7 +64,6 @@ struct CompressRepairForm : DialogForm {
 // The delete-backups dialog dlgDelBackups.
 struct DelBackupsForm : DialogForm {
   std::string status;  // lblStatus
-  bool closed = false;
   std::function<void()> changed;
 
   std::string_view Name() const override { return "dlgDelBackups"; }
@@ -78,7 +75,6 @@ struct BackupNoticeForm : DialogForm {
   std::string ssf_folder;       // lblSSFFolder
   std::string taxpayer_folder;  // lblTaxpayerFolder
   std::string notice;           // lblNotice
-  bool closed = false;
 
   std::string_view Name() const override { return "dlgBackup"; }
 };

@@ -17,11 +17,8 @@ inline constexpr const char* kModPortCaption = "Modify Portfolio";
 // The portfolio dialog dlgNewModPort: a new portfolio, or the open one's
 // name and second line changed.
 struct NewModPortForm : DialogForm {
-  std::string caption;
   std::string port_name;    // txtPortName
   std::string second_line;  // txt2ndLine
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgNewModPort"; }
 };
@@ -38,13 +35,10 @@ struct PortListRow {
 
 // The portfolio list dlgOpenDelPort: open a portfolio, or delete one.
 struct OpenDelPortForm : DialogForm {
-  std::string caption;
   std::string ok_caption;               // btnOK: "Open" or "Delete"
   std::string cancel_caption;           // btnCancel: "Cancel" or "Close"
   std::vector<PortListRow> portfolios;  // SSdgPortfolios, by name
   int selected = -1;                    // index into portfolios, -1 when empty
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgOpenDelPort"; }
 };

@@ -13,7 +13,6 @@ class Application;
 // The taxpayer dialog dlgNewModClient. Its caption is its mode: "New
 // Taxpayer", "Modify Taxpayer" or "Create Taxpayer File".
 struct NewModClientForm : DialogForm {
-  std::string caption;
   std::string client_name;  // txtClientName
   std::string sort_name;    // txtSortName
   std::string client_code;  // txtClientCode
@@ -21,9 +20,7 @@ struct NewModClientForm : DialogForm {
   std::string year_end;     // dtYearEnd, as typed ("mm/dd/yyyy")
   // Set when the dialog's operation succeeded and the dialog closed.
   bool accepted = false;
-  // Set when the dialog unloads: an operation that succeeded, or Cancel.
-  bool closed = false;
-  std::string focus;
+  // closed: set when the dialog unloads: an operation that succeeded, or Cancel.
 
   std::string_view Name() const override { return "dlgNewModClient"; }
 };
@@ -42,13 +39,10 @@ struct ClientListRow {
 
 // The taxpayer list dlgOpenClient: open a taxpayer, or pick one to delete.
 struct OpenClientForm : DialogForm {
-  std::string caption;
   std::string open_caption = "Open";      // btnOpen, as designed
   std::string cancel_caption = "Cancel";  // btnCancel, as designed
   std::vector<ClientListRow> clients;     // SSdgClients
   int selected = -1;                      // index into clients, -1 when empty
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgOpenClient"; }
 };

@@ -19,7 +19,6 @@ inline constexpr const char* kReplaceSecInCdbCaption = "Re-enter a Security (SSF
 // security to the open portfolio; the three "(SSF)" modes add, modify or
 // re-enter a symbol of the Security Symbols File.
 struct AddModSecForm : DialogForm {
-  std::string caption;
   std::string symbol;       // txtSymbol
   std::string sec_name;     // txtSecName
   std::string cusip;        // txtCusip
@@ -38,9 +37,7 @@ struct AddModSecForm : DialogForm {
   std::string filled_for_symbol;
   // True while the dialog is hidden during its write.
   bool hidden = false;
-  // Set when the dialog unloads: a write that succeeded, or Cancel.
-  bool closed = false;
-  std::string focus;
+  // closed: set when the dialog unloads: a write that succeeded, or Cancel.
 
   std::string_view Name() const override { return "dlgAddModSec"; }
 };

@@ -21,9 +21,7 @@ struct AdjustBlockForm : DialogForm {
   std::string notes;              // txtNotes
   std::string security;           // pnlSecurity, ampersands doubled
   std::string block;              // pnlBlock: the current block id
-  bool closed = false;
-  bool accepted = false;  // set only when OK stored the adjustment
-  std::string focus;
+  bool accepted = false;          // set only when OK stored the adjustment
 
   std::string_view Name() const override { return "dlgAdjustBlock"; }
 };

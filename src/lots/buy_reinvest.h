@@ -19,7 +19,7 @@ struct BuyReinvestForm : DialogForm {
   // The text of the empty date field.
   static constexpr const char* kEmptyDate = "__/__/____";
 
-  std::string caption;            // "Buy Shares" or "Reinvestment"
+  // caption: "Buy Shares" or "Reinvestment"
   std::string date = kEmptyDate;  // dtDate, as typed
   double num_shares = 0;          // DblNumShares
   Currency cost_of_shares;        // CurrCostOfShares, without the fee
@@ -27,12 +27,9 @@ struct BuyReinvestForm : DialogForm {
   Currency total_cost;            // CurrTotalCost, display only
   std::string notes;              // txtNotes
   std::string security;           // lblSecurity, ampersands doubled
-  // Set when the dialog unloads (an accepted entry without Next, Cancel).
-  bool closed = false;
+  // closed: set when the dialog unloads (an accepted entry without Next, Cancel).
   // Set only when the last OK or Next stored its entry.
   bool accepted = false;
-  // The control that gets the focus next, when a procedure moves it.
-  std::string focus;
 
   std::string_view Name() const override { return "dlgBuyReinvest"; }
 };

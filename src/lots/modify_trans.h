@@ -23,7 +23,6 @@ inline constexpr const char* kModifyDividendCaption = "Modify Stock Dividend";
 // The dialog dlgModifyTrans, which rewrites one stored transaction of the
 // current block. Its caption ("Modify Buy", "Modify Sell", ...) is its mode.
 struct ModifyTransForm : DialogForm {
-  std::string caption;
   std::string date = "__/__/____";  // dtDate, as typed
   double num_shares = 0;            // DblNumShares; a sale's shares are negative
   Currency cost_of_shares;          // CurrCostOfShares: the cost, or a sale's sale price
@@ -37,8 +36,6 @@ struct ModifyTransForm : DialogForm {
   std::string security;      // lblSecurity: the security's name
   int64_t unique_id = 0;     // lblUniqueID (hidden): the row being modified
   Date original_date;        // the row's date when the dialog opened
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgModifyTrans"; }
 };

@@ -29,8 +29,6 @@ struct RollbackForm : DialogForm {
   bool adjusts = false;             // chkAdjusts
   int blocks = kRollbackNoBlocks;   // CSoptBlocks
   std::string block;                // lblBlock: the current block id (display only)
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgRollback"; }
 };
@@ -39,8 +37,6 @@ struct RollbackForm : DialogForm {
 struct RemBlocksForm : DialogForm {
   std::vector<std::string> removed;  // SSdgRemBlocks: block ids
   std::string note = "These blocks were removed becuase all transactions were removed from them";
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgRemBlocks"; }
 };

@@ -26,7 +26,6 @@ struct SecSymbolRow {
 // The Security Symbols dialog dlgSecSymbol: the central list of symbols with
 // Add, Modify, Delete and Close, or (picking) Select and Cancel.
 struct SecSymbolForm : DialogForm {
-  std::string caption;
   // The grid of the central securities, ordered by symbol.
   std::vector<SecSymbolRow> securities;
   int selected = -1;  // index into securities, -1 when the list is empty
@@ -34,8 +33,6 @@ struct SecSymbolForm : DialogForm {
   std::string instructions;
   // Picking mode: the dialog that receives the chosen symbol.
   AddModSecForm* target = nullptr;
-  bool closed = false;
-  std::string focus;
 
   bool picking() const { return caption == kFindSecSymbolCaption; }
   std::string_view Name() const override { return "dlgSecSymbol"; }

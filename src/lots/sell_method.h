@@ -20,8 +20,6 @@ struct MethodForm : DialogForm {
   bool option1 = false;          // chkOption1 checked
   // The code the dialog returns: the chosen method on OK, 255 otherwise.
   int16_t result = 255;
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgMethod"; }
 };

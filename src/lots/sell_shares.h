@@ -23,7 +23,6 @@ inline constexpr const char* kModEntireSellCaption = "Modify Entire Sell";
 // The sale dialog dlgSellShares. Its caption is its mode: "Sell Shares" or
 // "Modify Entire Sell".
 struct SellSharesForm : DialogForm {
-  std::string caption;
   std::string date = "__/__/____";  // dtDate, as typed
   double num_shares = 0;            // DblNumShares, typed positive
   Currency sale_price;              // CurrSalePrice
@@ -41,10 +40,8 @@ struct SellSharesForm : DialogForm {
   // security on that date.
   int64_t mod_sec_id = 0;
   Date mod_date;
-  bool closed = false;
   // Set only when OK stored the sale: its unit of work committed.
   bool accepted = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgSellShares"; }
 };

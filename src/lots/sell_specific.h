@@ -28,8 +28,6 @@ struct SellSpecificForm : DialogForm {
   double shares_sold_total = 0;  // pnlSharesSold
   // The sale dialog that opened this one; OK and Cancel set its shares.
   SellSharesForm* sale_form = nullptr;
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgSellSpecific"; }
 };
@@ -37,15 +35,12 @@ struct SellSpecificForm : DialogForm {
 // The number prompt dlgNumShares. Its caption is "Add Shares" or "Remove
 // Shares".
 struct NumSharesForm : DialogForm {
-  std::string caption;
   std::string note;       // lblNote
   double num_shares = 0;  // DblNumShares
   double max_shares = 0;  // lblMaxShares, the largest number allowed
   // Set by NumShares_OK when the number is accepted; the caller reads
   // num_shares then, and 0 otherwise.
   bool accepted = false;
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgNumShares"; }
 };

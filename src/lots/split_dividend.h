@@ -26,7 +26,7 @@ struct SplitDivForm : DialogForm {
   static constexpr int kCurrentBlock = 0;
   static constexpr int kAllBlocks = 1;
 
-  std::string caption;            // one of the four captions above
+  // caption: one of the four captions above
   std::string date = kEmptyDate;  // dtDate, as typed
   double pre_ratio = 0;           // DblPreRatio: "Ratio of Number of New Shares:"
   double post_ratio = 0;          // DblPostRatio: "To Number of Old Shares:"
@@ -39,11 +39,9 @@ struct SplitDivForm : DialogForm {
   // shown when the dialog opened (the user may move the new entry's date).
   int64_t modify_sec_id = 0;
   Date modify_date;
-  bool closed = false;
   // Set only when OK stored the entry: its unit of work committed with at
   // least one row.
   bool accepted = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgSplitDiv"; }
 };

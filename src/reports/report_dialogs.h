@@ -28,15 +28,12 @@ struct BasisOptionsForm : DialogForm {
   static constexpr int kDetail = 0;
   static constexpr int kSummary = 1;
 
-  std::string caption;
   std::string year_end = kEmptyDateField;  // dtYearEnd, as typed
   int scope = 0;                           // CSoptScope: taxpayer, portfolio, security
   int report_type = kDetail;               // CSoptReportType
   bool include_sched_d = false;            // chkSchedD (Basis Analysis only)
   bool exclude_empty = false;              // chkRemove0Sec (Basis Analysis only)
   bool elections = false;                  // chkElections (Schedule D only)
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgBasisOptions"; }
 };
@@ -48,8 +45,6 @@ struct TransListOptionsForm : DialogForm {
   int scope = 0;                             // CSoptScope: taxpayer, portfolio, security
   std::string begin_date = kEmptyDateField;  // dtBeginDate, as typed
   std::string end_date = kEmptyDateField;    // dtEndDate, as typed
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgTransListOptions"; }
 };
@@ -59,8 +54,6 @@ struct ClientListOptionsForm : DialogForm {
   static constexpr const char* kCaption = "Taxpayer Listing Options";
 
   int sort_by = 1;  // CSoptSortBy: 0 "Taxpayer &Code", 1 "Taxpayer &Name"
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgClientListOptions"; }
 };
@@ -71,22 +64,19 @@ struct SecListOptionsForm : DialogForm {
 
   int list_from = 0;  // CSOptListFrom: 0 "this &Taxpayer", 1 "this &Portfolio"
   int sort_by = 0;    // CSoptSortBy: 0 "Security &Symbol", 1 "P&ortfolio"
-  bool closed = false;
-  std::string focus;
 
   std::string_view Name() const override { return "dlgSecListOptions"; }
 };
 
 // The about box dlgAbout.
 struct AboutForm : DialogForm {
-  std::string caption;         // "About Lotwise"
+  // caption: "About Lotwise"
   std::string program_name;    // lblProgram
   std::string version;         // lblVersion
   std::string usage;           // lblUsage: how many times the program was started
   std::string ssf_folder;      // lblSsfFolder: where the Security Symbols File lives
   std::string client_folder;   // lblClientFolder: where the Taxpayer Files live
   std::string program_folder;  // lblProgramFolder
-  bool closed = false;
 
   std::string_view Name() const override { return "dlgAbout"; }
 };

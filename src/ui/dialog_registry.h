@@ -1,16 +1,18 @@
 #pragma once
 
 #include <functional>
-#include <map>
-#include <string>
-#include <string_view>
+#include <typeindex>
+#include <typeinfo>
+#include <unordered_map>
+
+#include "app/ui_port.h"
+#include "ui/form_window.h"
 
 class QWidget;
 
 namespace lotwise {
 
 class Application;
-class DialogForm;
 
 namespace ui {
 
@@ -20,27 +22,47 @@ namespace ui {
 // holds no business logic of its own.
 using DialogRunner = std::function<void(Application& app, DialogForm& form, QWidget* parent)>;
 
-// The windows of the core's dialog forms, by form name ("dlgBuyReinvest").
+// The windows of the core's dialog forms, by the form's type.
 class DialogRegistry {
  public:
-  void Add(std::string name, DialogRunner runner) { runners_[std::move(name)] = std::move(runner); }
-  // Returns the runner of the form named `name`, or null when none is known.
-  const DialogRunner* Find(std::string_view name) const {
-    auto it = runners_.find(std::string(name));
+  // Makes `show(app, form, parent)` the window of every form of type Form.
+  template <class Form, class Show>
+  void Register(Show show) {
+    runners_[std::type_index(typeid(Form))] = [show](Application& app, DialogForm& form,
+                                                     QWidget* parent) {
+      // A procedure showing its form again while the form's window is up (a
+      // refused write showing the user's values once more) finds that
+      // window, not a second one.
+      if (FormWindow* open = FormWindow::Of(form)) {
+        open->ShowAgain();
+        return;
+      }
+      // Found by the form's own type, so the form is a Form.
+      show(app, static_cast<Form&>(form), parent);
+    };
+  }
+  // Returns the runner of the window of `form`'s type, or null when none is
+  // known.
+  const DialogRunner* Find(const DialogForm& form) const {
+    auto it = runners_.find(std::type_index(typeid(form)));
     return it == runners_.end() ? nullptr : &it->second;
   }
 
  private:
-  std::map<std::string, DialogRunner> runners_;
+  std::unordered_map<std::type_index, DialogRunner> runners_;
 };
 
 // Each group of windows adds its runners.
 // dlgFileLoc, dlgNewModClient, dlgOpenClient, dlgNewModPort, dlgOpenDelPort,
-// and the security symbol windows dlgAddModSec and dlgSecSymbol.
+// and the security symbol windows (RegisterSecurityDialogs).
 void RegisterTaxpayerDialogs(DialogRegistry& registry);
-// dlgBuyReinvest, dlgSellShares, dlgMethod, dlgSellSpecific, dlgNumShares,
-// dlgSplitDiv, dlgAdjustBlock, dlgModifyTrans, dlgRollback, dlgRemBlocks.
+// dlgAddModSec and dlgSecSymbol.
+void RegisterSecurityDialogs(DialogRegistry& registry);
+// dlgBuyReinvest, dlgSplitDiv, dlgAdjustBlock, dlgModifyTrans, dlgRollback,
+// dlgRemBlocks, and the sale's windows (RegisterSaleDialogs).
 void RegisterLotDialogs(DialogRegistry& registry);
+// dlgSellShares, dlgMethod, dlgSellSpecific, dlgNumShares.
+void RegisterSaleDialogs(DialogRegistry& registry);
 // The five report option dialogs and the about box.
 void RegisterReportDialogs(DialogRegistry& registry);
 // The compress/repair dialog, the delete-backups dialog, the backup notice.

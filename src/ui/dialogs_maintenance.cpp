@@ -1,15 +1,13 @@
+// The windows of the maintenance dialogs: compress or repair the data
+// files, delete their backups, and the backup notice.
 #include <QCheckBox>
-#include <QDialog>
 #include <QFrame>
 #include <QGridLayout>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QVBoxLayout>
-#include <functional>
 #include <string>
-#include <utility>
+#include <vector>
 
 #include "app/application.h"
 #include "data/maintenance.h"
@@ -19,18 +17,6 @@
 namespace lotwise::ui {
 
 namespace {
-
-// The core writes line breaks as CR LF and doubles "&" in names shown in
-// captions; a Qt label needs neither.
-QString LabelText(std::string_view text) {
-  QString shown = ToQ(text);
-  shown.remove(QLatin1Char('\r'));
-  return shown;
-}
-
-QString ProgressText(std::string_view text) {
-  return LabelText(text).replace(QStringLiteral("&&"), QStringLiteral("&"));
-}
 
 QLabel* NewLabel(QWidget* parent, const char* name, const QString& text = {}) {
   auto* label = new QLabel(text, parent);
@@ -45,62 +31,18 @@ QLabel* NewPanel(QWidget* parent, const char* name, int min_width) {
   return panel;
 }
 
-QPushButton* NewButton(QWidget* parent, const char* name, const QString& caption) {
-  auto* button = new QPushButton(caption, parent);
-  button->setObjectName(QLatin1String(name));
-  button->setAutoDefault(false);
-  return button;
-}
-
-// A modal window whose Escape and title-bar close run the form's own close
-// procedure, and which closes only when the form says so.
-class MaintWindow : public QDialog {
- public:
-  MaintWindow(QWidget* parent, const char* name, const bool& closed)
-      : QDialog(parent), closed_(closed) {
-    setObjectName(QLatin1String(name));
-    InstallEnterMovesFocus(this);
-  }
-
-  std::function<void()> on_close;
-  std::function<void()> refresh;
-
-  // Runs a button's procedure, then shows what the form holds.
-  void Run(const std::function<void()>& procedure) {
-    procedure();
-    Done();
-  }
-  void Done() {
-    if (closed_) {
-      accept();
-    } else if (refresh) {
-      refresh();
-    }
-  }
-
- protected:
-  void reject() override {
-    if (on_close) on_close();
-    Done();
-  }
-
- private:
-  const bool& closed_;
-};
-
-void RunCompressRepairWindow(Application& app, DialogForm& base, QWidget* parent) {
-  auto& form = static_cast<CompressRepairForm&>(base);
-  MaintWindow window(parent, "dlgCR_Report", form.closed);
-  auto* outer = new QVBoxLayout(&window);
-
+void RunCompressRepairWindow(Application& app, CompressRepairForm& form, QWidget* parent) {
+  FormWindow window(app, form, parent);
   QLabel* warning = NewLabel(&window, "lblWarning", LabelText(form.warning));
   warning->setWordWrap(true);
-  outer->addWidget(warning);
+  window.AddRow(nullptr, warning);
 
-  auto* grid = new QGridLayout;
+  auto* choices_box = new QWidget(&window);
+  auto* grid = new QGridLayout(choices_box);
+  grid->setContentsMargins(0, 0, 0, 0);
   struct Choice {
     const char* check;
-    QString caption;
+    const char* caption;
     bool CompressRepairForm::*chosen;
     const char* status;
     std::string CompressRepairForm::*status_text;
@@ -108,46 +50,46 @@ void RunCompressRepairWindow(Application& app, DialogForm& base, QWidget* parent
     std::string CompressRepairForm::*time_text;
   };
   const Choice choices[] = {
-      {"chkSSF", QStringLiteral("Security Symbols File"), &CompressRepairForm::ssf_chosen,
-       "lblSSFStatus", &CompressRepairForm::ssf_status, "lblSSFTime",
-       &CompressRepairForm::ssf_time},
-      {"chkAllTaxpayers", QStringLiteral("All Taxpayer Files"), &CompressRepairForm::all_chosen,
-       "lblAllStatus", &CompressRepairForm::all_status, "lblAllTime",
-       &CompressRepairForm::all_time},
-      {"chkSelTaxpayers", QStringLiteral("Taxpayers selected below"),
-       &CompressRepairForm::picked_chosen, "lblSelStatus", &CompressRepairForm::picked_status,
-       "lblSelTime", &CompressRepairForm::picked_time},
+      {"chkSSF", "Security Symbols File", &CompressRepairForm::ssf_chosen, "lblSSFStatus",
+       &CompressRepairForm::ssf_status, "lblSSFTime", &CompressRepairForm::ssf_time},
+      {"chkAllTaxpayers", "All Taxpayer Files", &CompressRepairForm::all_chosen, "lblAllStatus",
+       &CompressRepairForm::all_status, "lblAllTime", &CompressRepairForm::all_time},
+      {"chkSelTaxpayers", "Taxpayers selected below", &CompressRepairForm::picked_chosen,
+       "lblSelStatus", &CompressRepairForm::picked_status, "lblSelTime",
+       &CompressRepairForm::picked_time},
   };
-  std::vector<std::function<void()>> shows;
   std::vector<QCheckBox*> checks;
   int row = 0;
   for (const Choice& choice : choices) {
-    auto* check = new QCheckBox(choice.caption, &window);
+    auto* check = new QCheckBox(QString::fromUtf8(choice.caption), choices_box);
     check->setObjectName(QLatin1String(choice.check));
-    QLabel* status = NewPanel(&window, choice.status, 110);
-    QLabel* time = NewPanel(&window, choice.time, 70);
+    QLabel* status = NewPanel(choices_box, choice.status, 110);
+    QLabel* time = NewPanel(choices_box, choice.time, 70);
     grid->addWidget(check, row, 0);
     grid->addWidget(status, row, 1);
     grid->addWidget(time, row, 2);
     ++row;
+    // A box ticked during a run (picking a taxpayer) is the user's choice
+    // at once, not at the next button.
     const auto chosen = choice.chosen;
     QObject::connect(check, &QCheckBox::toggled, &window,
                      [&form, chosen](bool on) { form.*chosen = on; });
-    shows.push_back([&form, check, status, time, choice] {
+    window.OnRefresh([&form, check, status, time, choice] {
       check->setChecked(form.*choice.chosen);
       status->setText(LabelText(form.*choice.status_text));
       time->setText(LabelText(form.*choice.time_text));
+      check->setEnabled(!form.working);
     });
     checks.push_back(check);
   }
   grid->setColumnStretch(0, 1);
-  outer->addLayout(grid);
+  window.AddRow(nullptr, choices_box);
 
   auto* list = new QListWidget(&window);
   list->setObjectName(QStringLiteral("lstTaxpayers"));
   list->setSelectionMode(QAbstractItemView::MultiSelection);
   for (const MaintClientRow& client : form.clients) list->addItem(ToQ(client.client_name));
-  outer->addWidget(list);
+  window.AddRow(nullptr, list);
   QObject::connect(list, &QListWidget::itemSelectionChanged, &window, [&form, list, &checks] {
     bool any = false;
     for (int i = 0; i < list->count() && static_cast<size_t>(i) < form.picked.size(); ++i) {
@@ -159,128 +101,77 @@ void RunCompressRepairWindow(Application& app, DialogForm& base, QWidget* parent
   });
 
   QLabel* progress = NewLabel(&window, "lblProgress");
-  outer->addWidget(progress);
+  window.AddRow(nullptr, progress);
 
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  QPushButton* compress = NewButton(&window, "btnCompress", QStringLiteral("&Compress"));
-  QPushButton* repair = NewButton(&window, "btnRepair", QStringLiteral("&Repair"));
-  QPushButton* close = NewButton(&window, "btnClose", QStringLiteral("C&lose"));
-  buttons->addWidget(compress);
-  buttons->addWidget(repair);
-  buttons->addWidget(close);
-  outer->addLayout(buttons);
-
+  QPushButton* compress = window.AddButton("btnCompress", QStringLiteral("&Compress"),
+                                           [&] { Button_Compress(app, form); });
+  QPushButton* repair =
+      window.AddButton("btnRepair", QStringLiteral("&Repair"), [&] { Button_Repair(app, form); });
+  QPushButton* close = window.AddCancelButton("btnClose", QStringLiteral("C&lose"),
+                                              [&] { CompressRepair_Close(app, form); });
   const bool compress_mode = form.caption == kCompressCaption;
   compress->setVisible(compress_mode);
   repair->setVisible(!compress_mode);
 
-  window.refresh = [&] {
+  window.OnRefresh([&] {
     window.setWindowTitle(ToQ(form.caption));
-    for (const auto& show : shows) show();
-    progress->setText(ProgressText(form.progress));
-    for (QCheckBox* check : checks) check->setEnabled(!form.working);
+    progress->setText(LabelText(form.progress));
     list->setEnabled(!form.working);
     compress->setEnabled(!form.working);
     repair->setEnabled(!form.working);
     close->setEnabled(!form.working);
-  };
-  form.changed = window.refresh;
-  window.on_close = [&] { CompressRepair_Close(app, form); };
-  QObject::connect(compress, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { Button_Compress(app, form); }); });
-  QObject::connect(repair, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { Button_Repair(app, form); }); });
-  QObject::connect(close, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { CompressRepair_Close(app, form); }); });
-
-  for (QWidget* control : window.findChildren<QWidget*>()) {
-    const std::string name = FromQ(control->objectName());
-    if (name.empty()) continue;
-    OnHelp(
-        control, [&form, name] { return HelpText(form, name); }, app.ui());
-  }
-  window.refresh();
-  window.exec();
+  });
+  // A run shows its progress as it goes.
+  form.changed = [&window] { window.Load(); };
+  window.Finish(form.caption,
+                [&form](std::string_view control) { return HelpText(form, control); });
+  window.Exec();
   form.changed = nullptr;
 }
 
-void RunDelBackupsWindow(Application& app, DialogForm& base, QWidget* parent) {
-  auto& form = static_cast<DelBackupsForm&>(base);
-  MaintWindow window(parent, "dlgDelBackups", form.closed);
-  window.setWindowTitle(QStringLiteral("Delete Backup Files"));
-  auto* outer = new QVBoxLayout(&window);
+void RunDelBackupsWindow(Application& app, DelBackupsForm& form, QWidget* parent) {
+  FormWindow window(app, form, parent);
   QLabel* about = NewLabel(&window, "lblAbout",
                            QStringLiteral("Deletes the backup files (.bak) that the Compress and "
                                           "Repair routines made of the data files."));
   about->setWordWrap(true);
-  outer->addWidget(about);
+  window.AddRow(nullptr, about);
   QLabel* status = NewPanel(&window, "lblStatus", 280);
-  outer->addWidget(status);
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  QPushButton* remove = NewButton(&window, "btnDelete", QStringLiteral("&Delete"));
-  QPushButton* notes = NewButton(&window, "btnNotes", QStringLiteral("&Notes"));
-  QPushButton* close = NewButton(&window, "btnClose", QStringLiteral("&Close"));
-  buttons->addWidget(remove);
-  buttons->addWidget(notes);
-  buttons->addWidget(close);
-  outer->addLayout(buttons);
-
-  window.refresh = [&] { status->setText(LabelText(form.status)); };
-  form.changed = window.refresh;
-  window.on_close = [&] { DelBackups_Close(app, form); };
-  QObject::connect(remove, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { DelBackups_Delete(app, form); }); });
-  QObject::connect(notes, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { DelBackups_Notes(app, form); }); });
-  QObject::connect(close, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { DelBackups_Close(app, form); }); });
-  for (QPushButton* button : {remove, notes, close}) {
-    const std::string name = FromQ(button->objectName());
-    OnHelp(
-        button, [&form, name] { return HelpText(form, name); }, app.ui());
-  }
-  window.refresh();
-  window.exec();
+  window.AddRow(nullptr, status);
+  window.AddButton("btnDelete", QStringLiteral("&Delete"), [&] { DelBackups_Delete(app, form); });
+  window.AddButton("btnNotes", QStringLiteral("&Notes"), [&] { DelBackups_Notes(app, form); });
+  window.AddCancelButton("btnClose", QStringLiteral("&Close"),
+                         [&] { DelBackups_Close(app, form); });
+  window.OnRefresh([&] { status->setText(LabelText(form.status)); });
+  form.changed = [&window] { window.Load(); };
+  window.Finish("Delete Backup Files",
+                [&form](std::string_view control) { return HelpText(form, control); });
+  window.Exec();
   form.changed = nullptr;
 }
 
-void RunBackupNoticeWindow(Application& app, DialogForm& base, QWidget* parent) {
-  auto& form = static_cast<BackupNoticeForm&>(base);
-  MaintWindow window(parent, "dlgBackup", form.closed);
-  window.setWindowTitle(QStringLiteral("Backup and Restore"));
-  auto* outer = new QVBoxLayout(&window);
-  auto* folders = new QGridLayout;
-  folders->addWidget(NewLabel(&window, "lblSSFCaption", QStringLiteral("Security Symbols File:")),
-                     0, 0);
-  folders->addWidget(NewLabel(&window, "lblSSFFolder", ToQ(form.ssf_folder)), 0, 1);
-  folders->addWidget(NewLabel(&window, "lblTaxpayerCaption", QStringLiteral("Taxpayer Files:")), 1,
-                     0);
-  folders->addWidget(NewLabel(&window, "lblTaxpayerFolder", ToQ(form.taxpayer_folder)), 1, 1);
-  folders->setColumnStretch(1, 1);
-  outer->addLayout(folders);
+void RunBackupNoticeWindow(Application& app, BackupNoticeForm& form, QWidget* parent) {
+  FormWindow window(app, form, parent);
+  window.AddRow("Security Symbols File:", NewLabel(&window, "lblSSFFolder", ToQ(form.ssf_folder)))
+      ->setObjectName(QStringLiteral("lblSSFCaption"));
+  window
+      .AddRow("Taxpayer Files:", NewLabel(&window, "lblTaxpayerFolder", ToQ(form.taxpayer_folder)))
+      ->setObjectName(QStringLiteral("lblTaxpayerCaption"));
   QLabel* notice = NewLabel(&window, "lblNotice", LabelText(form.notice));
   notice->setWordWrap(true);
   notice->setMinimumWidth(460);
-  outer->addWidget(notice);
-  auto* buttons = new QHBoxLayout;
-  buttons->addStretch(1);
-  QPushButton* ok = NewButton(&window, "btnOK", QStringLiteral("OK"));
-  buttons->addWidget(ok);
-  outer->addLayout(buttons);
-  window.on_close = [&] { Backup_OK(app, form); };
-  QObject::connect(ok, &QPushButton::clicked, &window,
-                   [&] { window.Run([&] { Backup_OK(app, form); }); });
-  window.exec();
+  window.AddRow(nullptr, notice);
+  window.AddCancelButton("btnOK", QStringLiteral("OK"), [&] { Backup_OK(app, form); });
+  window.Finish("Backup and Restore", nullptr);
+  window.Exec();
 }
 
 }  // namespace
 
 void RegisterMaintenanceDialogs(DialogRegistry& registry) {
-  registry.Add("dlgCR_Report", RunCompressRepairWindow);
-  registry.Add("dlgDelBackups", RunDelBackupsWindow);
-  registry.Add("dlgBackup", RunBackupNoticeWindow);
+  registry.Register<CompressRepairForm>(RunCompressRepairWindow);
+  registry.Register<DelBackupsForm>(RunDelBackupsWindow);
+  registry.Register<BackupNoticeForm>(RunBackupNoticeWindow);
 }
 
 }  // namespace lotwise::ui

@@ -12,8 +12,7 @@
 #include "lots/modify_trans.h"
 #include "lots/rollback.h"
 #include "lots/split_dividend.h"
-#include "ui/dlg_lots.h"
-#include "ui/dlg_lots_form.h"
+#include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::ui {
@@ -23,10 +22,10 @@ namespace {
 // The size the Taxpayer File gives every Notes field.
 constexpr int kNotesLength = 255;
 
-class BuyReinvestWindow : public LotFormWindow {
+class BuyReinvestWindow : public FormWindow {
  public:
   BuyReinvestWindow(Application& app, BuyReinvestForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("pnlSecurity", "lblSecurity", "Security:", [&form] { return form.security; });
     OnLeaveField(AddDate("dtDate", "Date:", form.date), [&] { DateLostFocusBR(app_, form); });
     OnLeaveField(AddNumber("DblNumShares", "Number of Shares:", form.num_shares),
@@ -43,10 +42,10 @@ class BuyReinvestWindow : public LotFormWindow {
   }
 };
 
-class SplitDivWindow : public LotFormWindow {
+class SplitDivWindow : public FormWindow {
  public:
   SplitDivWindow(Application& app, SplitDivForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("pnlSecurity", "lblSecurity", "Security:", [&form] { return form.security; });
     AddPanel("lblBlock", "lblBlock", "Block:", [&form] { return form.block; });
     OnLeaveField(AddDate("dtDate", "Date:", form.date), [&] { DateLostFocusSD(app_, form); });
@@ -69,10 +68,10 @@ class SplitDivWindow : public LotFormWindow {
   }
 };
 
-class AdjustBlockWindow : public LotFormWindow {
+class AdjustBlockWindow : public FormWindow {
  public:
   AdjustBlockWindow(Application& app, AdjustBlockForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("pnlSecurity", "pnlSecurity", "Security:", [&form] { return form.security; });
     AddPanel("pnlBlock", "pnlBlock", "Block:", [&form] { return form.block; });
     OnLeaveField(AddDate("dtDate", "Date:", form.date), [&] { DateLostFocusAB(app_, form); });
@@ -86,10 +85,10 @@ class AdjustBlockWindow : public LotFormWindow {
   }
 };
 
-class ModifyTransWindow : public LotFormWindow {
+class ModifyTransWindow : public FormWindow {
  public:
   ModifyTransWindow(Application& app, ModifyTransForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("lblSecurity", "lblSecurity", "Security:", [&form] { return form.security; });
     AddPanel("pnlBlock", "lblBlock", "Block:", [&form] { return form.block; });
     QLabel* unique_id = AddPanel("lblUniqueID", "lblUniqueID", nullptr,
@@ -111,10 +110,10 @@ class ModifyTransWindow : public LotFormWindow {
   }
 };
 
-class RollbackWindow : public LotFormWindow {
+class RollbackWindow : public FormWindow {
  public:
   RollbackWindow(Application& app, RollbackForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("lblBlock", "lblBlock", "Current Block:", [&form] { return form.block; });
     OnLeaveField(AddDate("dtDate", "Rollback to:", form.date), [&] { CheckdateRB(app_, form); });
     AddCheck("chkBuys", "Buys", form.buys);
@@ -132,10 +131,10 @@ class RollbackWindow : public LotFormWindow {
   }
 };
 
-class RemBlocksWindow : public LotFormWindow {
+class RemBlocksWindow : public FormWindow {
  public:
   RemBlocksWindow(Application& app, RemBlocksForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     QLabel* note = AddPanel("lblNote", "lblNote", nullptr, [&form] { return form.note; });
     note->setFrameStyle(QFrame::NoFrame);
     note->setWordWrap(true);
@@ -155,28 +154,14 @@ class RemBlocksWindow : public LotFormWindow {
 
 }  // namespace
 
-void RunBuyReinvest(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<BuyReinvestWindow, BuyReinvestForm>(app, form, parent);
-}
-
-void RunSplitDiv(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<SplitDivWindow, SplitDivForm>(app, form, parent);
-}
-
-void RunAdjustBlock(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<AdjustBlockWindow, AdjustBlockForm>(app, form, parent);
-}
-
-void RunModifyTrans(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<ModifyTransWindow, ModifyTransForm>(app, form, parent);
-}
-
-void RunRollback(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<RollbackWindow, RollbackForm>(app, form, parent);
-}
-
-void RunRemBlocks(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<RemBlocksWindow, RemBlocksForm>(app, form, parent);
+void RegisterLotDialogs(DialogRegistry& registry) {
+  registry.Register<BuyReinvestForm>(ShowWindow<BuyReinvestWindow, BuyReinvestForm>);
+  registry.Register<SplitDivForm>(ShowWindow<SplitDivWindow, SplitDivForm>);
+  registry.Register<AdjustBlockForm>(ShowWindow<AdjustBlockWindow, AdjustBlockForm>);
+  registry.Register<ModifyTransForm>(ShowWindow<ModifyTransWindow, ModifyTransForm>);
+  registry.Register<RollbackForm>(ShowWindow<RollbackWindow, RollbackForm>);
+  registry.Register<RemBlocksForm>(ShowWindow<RemBlocksWindow, RemBlocksForm>);
+  RegisterSaleDialogs(registry);
 }
 
 }  // namespace lotwise::ui

@@ -20,8 +20,7 @@
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "lots/sell_specific.h"
-#include "ui/dlg_lots.h"
-#include "ui/dlg_lots_form.h"
+#include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::ui {
@@ -30,10 +29,10 @@ namespace {
 
 constexpr int kNotesLength = 255;
 
-class SellSharesWindow : public LotFormWindow {
+class SellSharesWindow : public FormWindow {
  public:
   SellSharesWindow(Application& app, SellSharesForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("lblSecurity", "lblSecurity", "Security:", [&form] { return form.security; });
     OnLeaveField(AddDate("dtDate", "Date:", form.date), [&] { CheckDateSS(app_, form); });
     QLineEdit* shares = AddNumber("DblNumShares", "Number of Shares:", form.num_shares);
@@ -84,10 +83,10 @@ class SellSharesWindow : public LotFormWindow {
   }
 };
 
-class MethodWindow : public LotFormWindow {
+class MethodWindow : public FormWindow {
  public:
   MethodWindow(Application& app, MethodForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent), form_(form) {
+      : FormWindow(app, form, parent), form_(form) {
     QLabel* message = AddPanel("lblMessageLine", "lblMessageLine", nullptr,
                                [&form] { return form.message_line; });
     message->setFrameStyle(QFrame::NoFrame);
@@ -124,7 +123,7 @@ class MethodWindow : public LotFormWindow {
       Run([&] { Method_KeyPress(form_, static_cast<char>(text.at(0).toLatin1())); });
       return;
     }
-    LotFormWindow::keyPressEvent(event);
+    FormWindow::keyPressEvent(event);
   }
 
  private:
@@ -198,10 +197,10 @@ void ShowCurrentRow(QTableView* view, int row) {
   }
 }
 
-class SellSpecificWindow : public LotFormWindow {
+class SellSpecificWindow : public FormWindow {
  public:
   SellSpecificWindow(Application& app, SellSpecificForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     AddPanel("pnlSecurity", "lblSecurity", "Security:", [&form] { return form.security; });
     auto* lists = new QWidget(this);
     auto* grid = new QGridLayout(lists);
@@ -263,10 +262,10 @@ class SellSpecificWindow : public LotFormWindow {
   }
 };
 
-class NumSharesWindow : public LotFormWindow {
+class NumSharesWindow : public FormWindow {
  public:
   NumSharesWindow(Application& app, NumSharesForm& form, QWidget* parent)
-      : LotFormWindow(app, form.focus, form.closed, parent) {
+      : FormWindow(app, form, parent) {
     QLabel* note = AddPanel("lblNote", "lblNote", nullptr, [&form] { return form.note; });
     note->setFrameStyle(QFrame::NoFrame);
     QLineEdit* shares = AddNumber("DblNumShares", "Number of Shares:", form.num_shares);
@@ -288,20 +287,11 @@ class NumSharesWindow : public LotFormWindow {
 
 }  // namespace
 
-void RunSellShares(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<SellSharesWindow, SellSharesForm>(app, form, parent);
-}
-
-void RunMethod(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<MethodWindow, MethodForm>(app, form, parent);
-}
-
-void RunSellSpecific(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<SellSpecificWindow, SellSpecificForm>(app, form, parent);
-}
-
-void RunNumShares(Application& app, DialogForm& form, QWidget* parent) {
-  ExecLotWindow<NumSharesWindow, NumSharesForm>(app, form, parent);
+void RegisterSaleDialogs(DialogRegistry& registry) {
+  registry.Register<SellSharesForm>(ShowWindow<SellSharesWindow, SellSharesForm>);
+  registry.Register<MethodForm>(ShowWindow<MethodWindow, MethodForm>);
+  registry.Register<SellSpecificForm>(ShowWindow<SellSpecificWindow, SellSpecificForm>);
+  registry.Register<NumSharesForm>(ShowWindow<NumSharesWindow, NumSharesForm>);
 }
 
 }  // namespace lotwise::ui

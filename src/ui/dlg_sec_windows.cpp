@@ -1,42 +1,44 @@
+// The windows of the Security Symbols File: a security's symbol, name and
+// CUSIP, and the list of symbols.
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTableWidget>
 
 #include "app/value_helpers.h"
 #include "data/schema.h"
 #include "lots/add_mod_sec.h"
 #include "lots/sec_symbol.h"
-#include "ui/dlg_taxpayer_window.h"
+#include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::ui {
 
-void RunAddModSecWindow(Application& app, DialogForm& base, QWidget* parent) {
-  auto& form = static_cast<AddModSecForm&>(base);
-  FormWindow window(app, form, parent, form.closed, &form.focus);
-  window.setWindowTitle(ToQ(form.caption));
-  QLineEdit* symbol =
-      window.AddText("lblSymbol", QStringLiteral("Symbol:"), "txtSymbol", form.symbol, 0);
+namespace {
+
+void RunAddModSecWindow(Application& app, AddModSecForm& form, QWidget* parent) {
+  FormWindow window(app, form, parent);
+  QLineEdit* symbol = window.AddText("txtSymbol", "Symbol:", form.symbol);
   LimitCharacters(symbol, kMaxSymbolCharacters);
-  window.AddFieldButton("btnFind", QStringLiteral("&Find..."), [&] { AddModSec_Find(app, form); });
-  window.AddText("lblSecName", QStringLiteral("Security Name:"), "txtSecName", form.sec_name,
+  QPushButton* find = window.AddFieldButton("btnFind", QStringLiteral("&Find..."),
+                                            [&] { AddModSec_Find(app, form); });
+  window.AddText("txtSecName", "Security Name:", form.sec_name,
                  DefinedTextSize("Securities", "Sec Name"));
-  window.AddText("lblCusip", QStringLiteral("CUSIP:"), "txtCusip", form.cusip,
-                 DefinedTextSize("Securities", "CUSIP"));
-  window.AddText("lbl2ndLine", QStringLiteral("Optional Line:"), "txt2ndLine", form.second_line,
+  window.AddText("txtCusip", "CUSIP:", form.cusip, DefinedTextSize("Securities", "CUSIP"));
+  window.AddText("txt2ndLine", "Optional Line:", form.second_line,
                  DefinedTextSize("Security", "2nd Line"));
   // pnlPortfolio: the portfolio the security goes into, shown only when
   // adding to one.
-  QLabel* panel = window.AddPanel("lblPortfolio", QStringLiteral("Portfolio:"), "pnlPortfolio");
-  auto* caption = window.findChild<QLabel*>("lblPortfolio");
-  QPushButton* find = window.findChild<QPushButton*>("btnFind");
+  auto* panel = new QLabel(&window);
+  panel->setObjectName("pnlPortfolio");
+  panel->setTextFormat(Qt::PlainText);
+  panel->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+  QLabel* caption = window.AddRow("Portfolio:", panel);
+  caption->setObjectName("lblPortfolio");
   window.AddButton("btnOK", QStringLiteral("OK"), [&] { AddModSec_Ok(app, form); });
-  window.AddButton("btnCancel", QStringLiteral("Cancel"), [&] { AddModSec_Cancel(app, form); });
+  window.AddCancelButton("btnCancel", QStringLiteral("Cancel"),
+                         [&] { AddModSec_Cancel(app, form); });
   window.OnRefresh([&form, caption, panel, find] {
-    // The core doubles ampersands for captions that take access keys; a
-    // panel shows text as it is.
-    panel->setText(ToQ(form.portfolio).replace(QStringLiteral("&&"), QStringLiteral("&")));
+    panel->setText(LabelText(form.portfolio));
     caption->setVisible(form.portfolio_visible);
     panel->setVisible(form.portfolio_visible);
     find->setEnabled(form.find_enabled);
@@ -47,16 +49,15 @@ void RunAddModSecWindow(Application& app, DialogForm& base, QWidget* parent) {
   QObject::connect(symbol, &QLineEdit::textEdited, &window, [&] {
     if (!form.fixed_symbol.empty()) window.Run([&] { AddModSec_SymbolWarn(app, form); });
   });
-  window.InstallHelp([&form](std::string_view control) { return HelpText(form, control); });
+  window.Finish(form.caption,
+                [&form](std::string_view control) { return HelpText(form, control); });
   window.resize(460, window.sizeHint().height());
-  window.RunModal([&] { AddModSec_Cancel(app, form); });
+  window.Exec();
 }
 
-void RunSecSymbolWindow(Application& app, DialogForm& base, QWidget* parent) {
-  auto& form = static_cast<SecSymbolForm&>(base);
-  FormWindow window(app, form, parent, form.closed, &form.focus);
-  window.setWindowTitle(ToQ(form.caption));
-  QLabel* instructions = window.AddNote("lblInstructions", ToQ(form.instructions));
+void RunSecSymbolWindow(Application& app, SecSymbolForm& form, QWidget* parent) {
+  FormWindow window(app, form, parent);
+  window.AddNote("lblInstructions", [&form] { return form.instructions; });
   window.AddGrid(
       "SSdgSecSymbols",
       {QStringLiteral("Symbol"), QStringLiteral("Security Name"), QStringLiteral("CUSIP")},
@@ -71,17 +72,26 @@ void RunSecSymbolWindow(Application& app, DialogForm& base, QWidget* parent) {
       form.picking() ? std::function<void()>([&] { SecSymbol_Select(app, form); }) : nullptr);
   if (form.picking()) {
     window.AddButton("btnSelect", QStringLiteral("Select"), [&] { SecSymbol_Select(app, form); });
-    window.AddButton("btnCancel", QStringLiteral("Cancel"), [&] { SecSymbol_Close(app, form); });
+    window.AddCancelButton("btnCancel", QStringLiteral("Cancel"),
+                           [&] { SecSymbol_Close(app, form); });
   } else {
     window.AddButton("btnAdd", QStringLiteral("Add"), [&] { SecSymbol_Add(app, form); });
     window.AddButton("btnModify", QStringLiteral("Modify"), [&] { SecSymbol_Modify(app, form); });
     window.AddButton("btnDelete", QStringLiteral("Delete"), [&] { SecSymbol_Delete(app, form); });
-    window.AddButton("btnClose", QStringLiteral("Close"), [&] { SecSymbol_Close(app, form); });
+    window.AddCancelButton("btnClose", QStringLiteral("Close"),
+                           [&] { SecSymbol_Close(app, form); });
   }
-  window.OnRefresh([&form, instructions] { instructions->setText(ToQ(form.instructions)); });
-  window.InstallHelp([&form](std::string_view control) { return HelpText(form, control); });
+  window.Finish(form.caption,
+                [&form](std::string_view control) { return HelpText(form, control); });
   window.resize(560, 360);
-  window.RunModal([&] { SecSymbol_Close(app, form); });
+  window.Exec();
+}
+
+}  // namespace
+
+void RegisterSecurityDialogs(DialogRegistry& registry) {
+  registry.Register<AddModSecForm>(RunAddModSecWindow);
+  registry.Register<SecSymbolForm>(RunSecSymbolWindow);
 }
 
 }  // namespace lotwise::ui

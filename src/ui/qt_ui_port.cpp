@@ -231,7 +231,7 @@ ChkFilesChoice QtUiPort::ChkFiles(std::string_view caption, std::string_view tex
 }
 
 void QtUiPort::RunModal(DialogForm& form) {
-  const DialogRunner* runner = registry_.Find(form.Name());
+  const DialogRunner* runner = registry_.Find(form);
   if (runner == nullptr || app_ == nullptr) {
     MessageBox("The window " + std::string(form.Name()) +
                    " is not available in this version of Lotwise. Nothing has been changed.",

@@ -55,7 +55,7 @@ class LotWindowTest : public AppTest {
   // and must close it (a window left open fails the test and is closed).
   void OnWindow(const char* name, Drive drive) {
     ui_.ExpectDialog(name, [this, drive = std::move(drive)](DialogForm& form) {
-      const ui::DialogRunner* runner = registry_.Find(form.Name());
+      const ui::DialogRunner* runner = registry_.Find(form);
       ASSERT_NE(runner, nullptr) << form.Name();
       QTimer::singleShot(0, [drive, name = std::string(form.Name())] {
         auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "app/application.h"
+#include "lots/buy_reinvest.h"
 #include "ui/form_widgets.h"
 #include "ui/qt_ui_port.h"
 #include "ui_main_window/main_window_fixture.h"
@@ -112,6 +113,18 @@ TEST(QtUiPortTest, RunModal_UnknownFormIsReported) {
   });
   UnknownForm form;
   port.RunModal(form);
+}
+
+// Windows are found by the form's type: a form that only borrows a known
+// dialog's name gets no window built for another form's fields.
+struct NamesakeForm : DialogForm {
+  std::string_view Name() const override { return "dlgBuyReinvest"; }
+};
+
+TEST(DialogRegistryTest, Find_ByTheFormsType) {
+  const ui::DialogRegistry registry = ui::AllDialogs();
+  EXPECT_NE(registry.Find(BuyReinvestForm()), nullptr);
+  EXPECT_EQ(registry.Find(NamesakeForm()), nullptr);
 }
 
 // Masked dates read back as the forms and the INI file hold them.

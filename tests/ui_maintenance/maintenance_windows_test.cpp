@@ -57,7 +57,7 @@ class MaintenanceWindowTest : public MaintenanceTest {
       // A failed step must not leave the test waiting on the window.
       if (window->isVisible()) window->close();
     });
-    const ui::DialogRunner* runner = registry_.Find(form.Name());
+    const ui::DialogRunner* runner = registry_.Find(form);
     ASSERT_NE(runner, nullptr);
     (*runner)(*app_, form, nullptr);
     EXPECT_TRUE(played);

@@ -46,7 +46,7 @@ class WindowUi : public UiPort {
     return script_.ChkFiles(caption, text, create_enabled);
   }
   void RunModal(DialogForm& form) override {
-    if (const ui::DialogRunner* runner = registry_.Find(form.Name())) {
+    if (const ui::DialogRunner* runner = registry_.Find(form)) {
       (*runner)(*app_, form, QApplication::activeModalWidget());
     } else {
       script_.RunModal(form);
