@@ -11,6 +11,10 @@ namespace lotwise {
 // A whole calendar day. Its serial number counts days from 12/30/1899, the
 // date scale on which the program's fixed dates are written (1/1/1913 is
 // 4750). A default Date is serial 0, the "empty date".
+// The text of an empty masked date field, as every date field of a dialog
+// starts.
+inline constexpr const char* kEmptyDateText = "__/__/____";
+
 class Date {
  public:
   constexpr Date() = default;

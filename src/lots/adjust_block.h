@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "app/currency.h"
+#include "app/date.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
@@ -13,15 +14,13 @@ class Application;
 // The dialog dlgAdjustBlock: a signed correction of the current block's
 // shares and cost basis.
 struct AdjustBlockForm : DialogForm {
-  static constexpr const char* kEmptyDate = "__/__/____";
-
-  std::string date = kEmptyDate;  // dtDate, as typed
-  double num_shares = 0;          // DblNumShares, added to the block (may be negative)
-  Currency cost_basis;            // CurrCostBasis, added to the basis (may be negative)
-  std::string notes;              // txtNotes
-  std::string security;           // pnlSecurity, ampersands doubled
-  std::string block;              // pnlBlock: the current block id
-  bool accepted = false;          // set only when OK stored the adjustment
+  std::string date = kEmptyDateText;  // dtDate, as typed
+  double num_shares = 0;              // DblNumShares, added to the block (may be negative)
+  Currency cost_basis;                // CurrCostBasis, added to the basis (may be negative)
+  std::string notes;                  // txtNotes
+  std::string security;               // pnlSecurity, ampersands doubled
+  std::string block;                  // pnlBlock: the current block id
+  bool accepted = false;              // set only when OK stored the adjustment
 
   std::string_view Name() const override { return "dlgAdjustBlock"; }
 };

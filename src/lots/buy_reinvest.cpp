@@ -38,7 +38,7 @@ void ShowForm(Application& app, const char* caption) {
 }
 
 void ClearForNext(BuyReinvestForm& form) {
-  form.date = BuyReinvestForm::kEmptyDate;
+  form.date = kEmptyDateText;
   form.cost_of_shares = Currency();
   form.num_shares = 0;
   form.fee = Currency();

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "app/currency.h"
+#include "app/date.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
@@ -16,17 +17,15 @@ struct BuyReinvestForm : DialogForm {
   // The captions that switch the dialog between its two modes.
   static constexpr const char* kBuyCaption = "Buy Shares";
   static constexpr const char* kReinvestCaption = "Reinvestment";
-  // The text of the empty date field.
-  static constexpr const char* kEmptyDate = "__/__/____";
 
   // caption: "Buy Shares" or "Reinvestment"
-  std::string date = kEmptyDate;  // dtDate, as typed
-  double num_shares = 0;          // DblNumShares
-  Currency cost_of_shares;        // CurrCostOfShares, without the fee
-  Currency fee;                   // CurrFee
-  Currency total_cost;            // CurrTotalCost, display only
-  std::string notes;              // txtNotes
-  std::string security;           // lblSecurity, ampersands doubled
+  std::string date = kEmptyDateText;  // dtDate, as typed
+  double num_shares = 0;              // DblNumShares
+  Currency cost_of_shares;            // CurrCostOfShares, without the fee
+  Currency fee;                       // CurrFee
+  Currency total_cost;                // CurrTotalCost, display only
+  std::string notes;                  // txtNotes
+  std::string security;               // lblSecurity, ampersands doubled
   // closed: set when the dialog unloads (an accepted entry without Next, Cancel).
   // Set only when the last OK or Next stored its entry.
   bool accepted = false;

@@ -23,11 +23,11 @@ inline constexpr const char* kModifyDividendCaption = "Modify Stock Dividend";
 // The dialog dlgModifyTrans, which rewrites one stored transaction of the
 // current block. Its caption ("Modify Buy", "Modify Sell", ...) is its mode.
 struct ModifyTransForm : DialogForm {
-  std::string date = "__/__/____";  // dtDate, as typed
-  double num_shares = 0;            // DblNumShares; a sale's shares are negative
-  Currency cost_of_shares;          // CurrCostOfShares: the cost, or a sale's sale price
-  Currency fee;                     // CurrFee
-  std::string notes;                // txtNotes
+  std::string date = kEmptyDateText;  // dtDate, as typed
+  double num_shares = 0;              // DblNumShares; a sale's shares are negative
+  Currency cost_of_shares;            // CurrCostOfShares: the cost, or a sale's sale price
+  Currency fee;                       // CurrFee
+  std::string notes;                  // txtNotes
   // Display only.
   std::string cost_label;    // the label of CurrCostOfShares: "Sale Price:" for a sale
   bool cost_enabled = true;  // false for splits and dividends, which have no cost

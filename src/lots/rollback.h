@@ -20,15 +20,15 @@ inline constexpr int kRollbackCurrentBlock = 2;
 // The dialog dlgRollback: removes the transactions of the ticked kinds dated
 // after a date, from the current block or from every block of the security.
 struct RollbackForm : DialogForm {
-  std::string date = "__/__/____";  // dtDate: the last date left intact
-  bool buys = false;                // chkBuys
-  bool reinvests = false;           // chkReinvests
-  bool sells = false;               // chkSells
-  bool splits = false;              // chkSplits
-  bool dividends = false;           // chkDividends
-  bool adjusts = false;             // chkAdjusts
-  int blocks = kRollbackNoBlocks;   // CSoptBlocks
-  std::string block;                // lblBlock: the current block id (display only)
+  std::string date = kEmptyDateText;  // dtDate: the last date left intact
+  bool buys = false;                  // chkBuys
+  bool reinvests = false;             // chkReinvests
+  bool sells = false;                 // chkSells
+  bool splits = false;                // chkSplits
+  bool dividends = false;             // chkDividends
+  bool adjusts = false;               // chkAdjusts
+  int blocks = kRollbackNoBlocks;     // CSoptBlocks
+  std::string block;                  // lblBlock: the current block id (display only)
 
   std::string_view Name() const override { return "dlgRollback"; }
 };

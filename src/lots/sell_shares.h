@@ -23,11 +23,11 @@ inline constexpr const char* kModEntireSellCaption = "Modify Entire Sell";
 // The sale dialog dlgSellShares. Its caption is its mode: "Sell Shares" or
 // "Modify Entire Sell".
 struct SellSharesForm : DialogForm {
-  std::string date = "__/__/____";  // dtDate, as typed
-  double num_shares = 0;            // DblNumShares, typed positive
-  Currency sale_price;              // CurrSalePrice
-  Currency fee;                     // CurrFee
-  Currency total_sale;              // CurrTotalSale: sale price - fee
+  std::string date = kEmptyDateText;  // dtDate, as typed
+  double num_shares = 0;              // DblNumShares, typed positive
+  Currency sale_price;                // CurrSalePrice
+  Currency fee;                       // CurrFee
+  Currency total_sale;                // CurrTotalSale: sale price - fee
   // SScboSellMethod: its list (the four method names) and its text, which
   // is "NOT SELECTED" while the security has no method.
   std::vector<std::string> sell_methods;

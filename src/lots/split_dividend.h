@@ -21,20 +21,19 @@ struct SplitDivForm : DialogForm {
   static constexpr const char* kDividendCaption = "Stock Dividend";
   static constexpr const char* kModifySplitCaption = "Modify Entire Split";
   static constexpr const char* kModifyDividendCaption = "Modify Entire Stock Dividend";
-  static constexpr const char* kEmptyDate = "__/__/____";
   // CSoptBlocks: the current block only, or every block of the security.
   static constexpr int kCurrentBlock = 0;
   static constexpr int kAllBlocks = 1;
 
   // caption: one of the four captions above
-  std::string date = kEmptyDate;  // dtDate, as typed
-  double pre_ratio = 0;           // DblPreRatio: "Ratio of Number of New Shares:"
-  double post_ratio = 0;          // DblPostRatio: "To Number of Old Shares:"
-  int blocks = kAllBlocks;        // CSoptBlocks
-  std::string notes;              // txtNotes
-  std::string security;           // lblSecurity, ampersands doubled
-  std::string block;              // lblBlock: the current block id
-  std::string explanation;        // lblExplanation
+  std::string date = kEmptyDateText;  // dtDate, as typed
+  double pre_ratio = 0;               // DblPreRatio: "Ratio of Number of New Shares:"
+  double post_ratio = 0;              // DblPostRatio: "To Number of Old Shares:"
+  int blocks = kAllBlocks;            // CSoptBlocks
+  std::string notes;                  // txtNotes
+  std::string security;               // lblSecurity, ampersands doubled
+  std::string block;                  // lblBlock: the current block id
+  std::string explanation;            // lblExplanation
   // What a modification replaces: the security and the date of the rows
   // shown when the dialog opened (the user may move the new entry's date).
   int64_t modify_sec_id = 0;

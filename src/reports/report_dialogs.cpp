@@ -30,7 +30,7 @@ std::optional<Date> ParseField(std::string_view text) { return Date::Parse(Trimm
 std::string DateFieldFromPref(const std::string& pref, const std::string& fallback = {}) {
   if (auto date = ParseField(pref)) return date->ToString();
   if (auto date = ParseField(fallback)) return date->ToString();
-  return kEmptyDateField;
+  return kEmptyDateText;
 }
 
 // The INI keeps what was typed, with the mask's place holders as blanks so

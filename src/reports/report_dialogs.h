@@ -3,14 +3,12 @@
 #include <string>
 #include <string_view>
 
+#include "app/date.h"
 #include "app/ui_port.h"
 
 namespace lotwise {
 
 class Application;
-
-// The text of an empty masked date field as the option dialogs hold it.
-inline constexpr const char* kEmptyDateField = "__/__/____";
 
 // The Basis Analysis and Schedule D option dialog dlgBasisOptions. Its
 // caption is its mode: "Basis Analysis Options" or "Schedule D Options".
@@ -28,12 +26,12 @@ struct BasisOptionsForm : DialogForm {
   static constexpr int kDetail = 0;
   static constexpr int kSummary = 1;
 
-  std::string year_end = kEmptyDateField;  // dtYearEnd, as typed
-  int scope = 0;                           // CSoptScope: taxpayer, portfolio, security
-  int report_type = kDetail;               // CSoptReportType
-  bool include_sched_d = false;            // chkSchedD (Basis Analysis only)
-  bool exclude_empty = false;              // chkRemove0Sec (Basis Analysis only)
-  bool elections = false;                  // chkElections (Schedule D only)
+  std::string year_end = kEmptyDateText;  // dtYearEnd, as typed
+  int scope = 0;                          // CSoptScope: taxpayer, portfolio, security
+  int report_type = kDetail;              // CSoptReportType
+  bool include_sched_d = false;           // chkSchedD (Basis Analysis only)
+  bool exclude_empty = false;             // chkRemove0Sec (Basis Analysis only)
+  bool elections = false;                 // chkElections (Schedule D only)
 
   std::string_view Name() const override { return "dlgBasisOptions"; }
 };
@@ -42,9 +40,9 @@ struct BasisOptionsForm : DialogForm {
 struct TransListOptionsForm : DialogForm {
   static constexpr const char* kCaption = "Transaction Listing Options";
 
-  int scope = 0;                             // CSoptScope: taxpayer, portfolio, security
-  std::string begin_date = kEmptyDateField;  // dtBeginDate, as typed
-  std::string end_date = kEmptyDateField;    // dtEndDate, as typed
+  int scope = 0;                            // CSoptScope: taxpayer, portfolio, security
+  std::string begin_date = kEmptyDateText;  // dtBeginDate, as typed
+  std::string end_date = kEmptyDateText;    // dtEndDate, as typed
 
   std::string_view Name() const override { return "dlgTransListOptions"; }
 };

@@ -179,7 +179,7 @@ std::string DateEditMaskText(const QLineEdit* edit) {
 }
 
 void SetDateEditText(QLineEdit* edit, std::string_view text) {
-  if (text.empty() || text == kEmptyDateField || text == kEmptyDateMask) {
+  if (text.empty() || text == kEmptyDateText || text == kEmptyDateMask) {
     edit->clear();
     return;
   }

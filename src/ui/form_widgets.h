@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/currency.h"
+#include "app/date.h"
 
 class QLineEdit;
 class QWidget;
@@ -28,9 +29,6 @@ std::string FromQ(const QString& text);
 void InstallEnterMovesFocus(QWidget* root);
 // The same for the one field `field`.
 void EnterMovesFocus(QWidget* field);
-
-// The text of an empty masked date field, as the dialog forms hold it.
-inline constexpr const char* kEmptyDateField = "__/__/____";
 
 // Makes `edit` a masked date field ("__/__/____"): two digits, slash, two
 // digits, slash, four digits.
