@@ -201,6 +201,7 @@ bool CheckFeeMT(Application& app, ModifyTransForm& form) {
 }
 
 void ModifyTrans_OK(Application& app, ModifyTransForm& form) {
+  form.accepted = false;
   TrapVoid(app, "ModifyTrans_OK", [&] {
     if (!CheckDateMT(app, form) || !CheckNumSharesMT(app, form) ||
         !CheckCostOfSharesMT(app, form) || !CheckFeeMT(app, form)) {
@@ -248,6 +249,7 @@ void ModifyTrans_OK(Application& app, ModifyTransForm& form) {
       return;
     }
     // The change is stored: the dialog closes even if the display cannot follow.
+    form.accepted = true;
     form.closed = true;
     OfferRebookLaterSales(app, app.current.sec_id, std::min(date, form.original_date), kPrecBuy);
     if (IsAcquisition(kind)) {

@@ -36,6 +36,7 @@ struct ModifyTransForm : DialogForm {
   std::string security;      // lblSecurity: the security's name
   int64_t unique_id = 0;     // lblUniqueID (hidden): the row being modified
   Date original_date;        // the row's date when the dialog opened
+  bool accepted = false;     // set only when OK stored the modification
 
   std::string_view Name() const override { return "dlgModifyTrans"; }
 };

@@ -89,6 +89,7 @@ int TransForRollBack(Application& app, const RollbackForm& form) {
 }
 
 void RollBack_OK(Application& app, RollbackForm& form) {
+  form.accepted = false;
   TrapVoid(app, "RollBack_OK", [&] {
     Date date;
     if (!DateValid(app.ui(), form.date, "date", date)) {
@@ -119,6 +120,7 @@ void RollBack_OK(Application& app, RollbackForm& form) {
       }
       return;
     }
+    form.accepted = true;
     form.closed = true;
     OfferRebookLaterSales(app, app.current.sec_id, date, kPrecSplit);
     UpdateSharesInSec(app);

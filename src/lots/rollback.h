@@ -29,6 +29,7 @@ struct RollbackForm : DialogForm {
   bool adjusts = false;               // chkAdjusts
   int blocks = kRollbackNoBlocks;     // CSoptBlocks
   std::string block;                  // lblBlock: the current block id (display only)
+  bool accepted = false;              // set only when OK's unit of work committed
 
   std::string_view Name() const override { return "dlgRollback"; }
 };
