@@ -11,12 +11,9 @@
 #include "data/database.h"
 #include "data/transaction_store.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
-
-// Values as the user types them: "mm/dd/yyyy", "1234.5".
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
 // An open security "T" ("AT&T") in portfolio "Growth" as the main window shows
 // it, with helpers that play a dialog, select a block and read rows back.
@@ -26,11 +23,8 @@ class LotsTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES ('Growth', ' ', 'DOE01'))");
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('T', 'Growth', ' '))");
-    sec_id_ = app_->client->LastInsertId();
+    Portfolio("Growth");
+    sec_id_ = Security("T");
     app_->current.port_name = "Growth";
     app_->current.sec_id = sec_id_;
     app_->current.sec_symbol = "T";
@@ -61,13 +55,6 @@ class LotsTest : public AppTest {
     EXPECT_TRUE(
         AddBuy(*app_, sec_id_, block_id, kTypeBuy, D(date), Money(cost), shares, Currency(), ""));
     return block_id;
-  }
-
-  int64_t BlockNo(const std::string& block_id) {
-    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
-                                   {{"id", block_id}});
-    EXPECT_TRUE(q.Next()) << block_id;
-    return q.Int("Block No");
   }
 
   // Enters a sale row straight into the file.

@@ -34,14 +34,8 @@ class SecuritiesTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    AddCentral("IBM", "International Business Machines", "459200101");
+    SecurityName("IBM", "International Business Machines", "459200101");
     ASSERT_TRUE(NewPort(*app_, "Growth", ""));
-  }
-
-  void AddCentral(const std::string& symbol, const std::string& name, const std::string& cusip) {
-    app_->central->Execute(
-        R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES (:s, :n, :c))",
-        {{"s", symbol}, {"n", name}, {"c", cusip}});
   }
 
   // "symbol|name|cusip" of the central row (compared exactly), or "-".

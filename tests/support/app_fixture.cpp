@@ -36,6 +36,10 @@ const std::string& TemplateFolder() {
   return folder;
 }
 
+AppTest::AppTest()
+    : Scenario([this]() -> Database& { return *app_->client; },
+               [this] { return app_->central.get(); }) {}
+
 void AppTest::SetUp() {
   root_ = UniqueFolder("lotwise-test-");
   program_folder_ = root_ + "program";
@@ -84,21 +88,13 @@ void AppTest::WriteTaxpayerFile(const std::string& file_name, const std::string&
   std::string path = app_->taxpayer_folder + file_name;
   fs::copy_file(JoinPath(program_folder_, kClientTemplateName), path);
   auto db = Database::Open(path);
-  db->Execute(
-      R"(INSERT INTO "Client" ("Client Name", "Sort Name", "Client Code", "2nd Line", "Year End") )"
-      R"(VALUES (:name, :sort, :code, ' ', :ye))",
-      {{"name", name}, {"sort", name}, {"code", code}, {"ye", Date::FromYmd(2025, 12, 31)}});
+  Scenario(*db).Taxpayer(code, name);
 }
 
 void AppTest::OpenFreshTaxpayer(const std::string& code, const std::string& name,
                                 const std::string& file_name) {
   WriteTaxpayerFile(file_name, code, name);
-  if (app_->central) {
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:code, :name, :name, :file))",
-        {{"code", code}, {"name", name}, {"file", file_name}});
-  }
+  if (app_->central) TaxpayerIndex(code, name, name, file_name);
   app_->client = Database::Open(app_->taxpayer_folder + file_name);
   CurrentContext& c = app_->current;
   c.client_db_path = app_->taxpayer_folder + file_name;
@@ -108,6 +104,13 @@ void AppTest::OpenFreshTaxpayer(const std::string& code, const std::string& name
   c.client_2nd_line = " ";
   c.year_end = "12/31/2025";
   app_->window.state = kClientOpen;
+}
+
+int64_t AppTest::BlockNo(const std::string& block_id) {
+  Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
+                                 {{"id", block_id}});
+  EXPECT_TRUE(q.Next()) << block_id;
+  return q.Int("Block No");
 }
 
 long long AppTest::CountClientRows(const std::string& table) {

@@ -7,6 +7,7 @@
 
 #include "app/application.h"
 #include "support/fake_environment.h"
+#include "support/scenario.h"
 #include "support/scripted_ui.h"
 
 namespace lotwise::testing {
@@ -15,9 +16,11 @@ namespace lotwise::testing {
 // its data folders, a temporary folder and a settings store, all under one
 // scratch folder that is removed afterwards; an Application wired to a
 // scripted UI and a fake environment; and the check that the script was
-// played to its end.
-class AppTest : public ::testing::Test {
+// played to its end; and the scenario steps over the open Taxpayer File and
+// central file.
+class AppTest : public ::testing::Test, public Scenario {
  protected:
+  AppTest();
   void SetUp() override;
   void TearDown() override;
 
@@ -33,6 +36,8 @@ class AppTest : public ::testing::Test {
   // Writes a new Taxpayer File without opening it.
   void WriteTaxpayerFile(const std::string& file_name, const std::string& code,
                          const std::string& name);
+  // The number of the block with this Block ID in the open Taxpayer File.
+  int64_t BlockNo(const std::string& block_id);
   // Counts the rows of a table of the open Taxpayer File / central file.
   long long CountClientRows(const std::string& table);
   long long CountCentralRows(const std::string& table);
