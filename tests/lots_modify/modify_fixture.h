@@ -32,7 +32,6 @@ class LotsModifyTest : public AppTest {
     app_->current.port_name = "Growth";
     app_->current.sec_id = sec_id_;
     app_->current.sec_symbol = "IBM";
-    client_path_ = app_->client->path();
   }
 
   std::string Buy(const char* date, double shares, const char* cost, int16_t type = kTypeBuy) {
@@ -69,15 +68,6 @@ class LotsModifyTest : public AppTest {
     EXPECT_EQ(app_->current.block_id, block_id);
   }
 
-  // Counts rows through a connection of its own, whatever the program did
-  // with its own after a fatal error.
-  long long CountOnDisk(const std::string& table, const std::string& where = "1 = 1") {
-    auto db = Database::Open(client_path_);
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\" WHERE " + where);
-    q.Next();
-    return q.Int("n");
-  }
-
   // Every transaction row and block, as one text, to prove nothing changed.
   std::string Snapshot() {
     std::string all;
@@ -93,15 +83,7 @@ class LotsModifyTest : public AppTest {
     return all;
   }
 
-  void ExpectFatal(int number, const std::string& text, const std::string& location) {
-    ui_.Expect(ErrorHeader(number, text, location) +
-                   " The program will now shut down to prevent errors in your data and "
-                   "calculations.",
-               "Warning!", Icon::kCritical, Buttons::kOk);
-  }
-
   int64_t sec_id_ = 0;
-  std::string client_path_;
 };
 
 }  // namespace lotwise::testing

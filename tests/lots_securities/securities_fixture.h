@@ -53,13 +53,6 @@ class SecuritiesTest : public AppTest {
     while (q.Next()) out += q.Text("Sec Symbol") + "|" + q.Text("2nd Line") + ";";
     return out;
   }
-
-  // Expects the dialog of type Form and plays `script` on it.
-  template <class Form>
-  void ExpectForm(std::function<void(Form&)> script) {
-    ui_.ExpectDialog(std::string(Form().Name()),
-                     [script](DialogForm& f) { script(static_cast<Form&>(f)); });
-  }
 };
 
 }  // namespace lotwise::testing

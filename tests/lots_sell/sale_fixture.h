@@ -34,7 +34,6 @@ class SaleTest : public AppTest {
     sec_id_ = Security("IBM");
     app_->current.port_name = "Growth";
     SecurityName("IBM", "Intl Business & Machines");
-    client_path_ = app_->client->path();
   }
 
   // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
@@ -52,10 +51,6 @@ class SaleTest : public AppTest {
     ASSERT_EQ(app_->window.display.sell_method, method);
   }
 
-  template <class F>
-  void OnDialog(const char* name, std::function<void(F&)> script) {
-    ui_.ExpectDialog(name, [script](DialogForm& form) { script(static_cast<F&>(form)); });
-  }
   void OnSale(std::function<void(SellSharesForm&)> script) {
     OnDialog<SellSharesForm>("dlgSellShares", std::move(script));
   }
@@ -106,7 +101,6 @@ class SaleTest : public AppTest {
   }
 
   int64_t sec_id_ = 0;
-  std::string client_path_;
 };
 
 }  // namespace lotwise::testing

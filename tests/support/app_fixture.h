@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -38,6 +39,24 @@ class AppTest : public ::testing::Test, public Scenario {
                          const std::string& name);
   // The number of the block with this Block ID in the open Taxpayer File.
   int64_t BlockNo(const std::string& block_id);
+  // Plays the user's part on the next modal dialog of form type F.
+  template <class F>
+  void OnDialog(const char* name, std::function<void(F&)> script) {
+    ui_.ExpectDialog(name, [script](DialogForm& form) { script(static_cast<F&>(form)); });
+  }
+  // The same for the dialog named as its form names itself.
+  template <class F>
+  void ExpectForm(std::function<void(F&)> script) {
+    OnDialog<F>(std::string(F().Name()).c_str(), std::move(script));
+  }
+  // The fatal message after which the program shuts down.
+  void ExpectFatal(int number, const std::string& text, const std::string& location);
+  // Reopens the Taxpayer File so that its writes count against `faults_`.
+  void UseStorageFaults();
+  // Reads the Taxpayer File through a connection of its own, whatever the
+  // program did with its own after a fatal error.
+  long long CountOnDisk(const std::string& table, const std::string& where = "1 = 1");
+  std::string IntegrityOnDisk();
   // Counts the rows of a table of the open Taxpayer File / central file.
   long long CountClientRows(const std::string& table);
   long long CountCentralRows(const std::string& table);
@@ -49,6 +68,9 @@ class AppTest : public ::testing::Test, public Scenario {
   // The folder of this test's files, ending in a separator.
   std::string root_;
   std::string program_folder_;
+  // The Taxpayer File opened by OpenFreshTaxpayer.
+  std::string client_path_;
+  StorageFaults faults_;
   ScriptedUi ui_;
   std::unique_ptr<FakeEnvironment> env_;
   std::unique_ptr<Application> app_;

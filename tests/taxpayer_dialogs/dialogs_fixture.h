@@ -28,13 +28,6 @@ class DialogsTest : public AppTest {
     WriteTaxpayerFile(file, code, name);
     TaxpayerIndex(code, name, sort, file);
   }
-
-  // Expects the dialog of type Form and plays `script` on it.
-  template <class Form>
-  void ExpectForm(std::function<void(Form&)> script) {
-    ui_.ExpectDialog(std::string(Form().Name()),
-                     [script](DialogForm& f) { script(static_cast<Form&>(f)); });
-  }
 };
 
 }  // namespace lotwise::testing
