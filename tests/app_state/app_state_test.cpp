@@ -74,7 +74,7 @@ INSTANTIATE_TEST_SUITE_P(
 // doubled, and only in the states that have them.
 TEST_F(WindowTest, State_PanelsDoubleAmpersands) {
   app_->current.client_name = "Smith & Jones";
-  AddPortfolio("R&D");
+  Portfolio("R&D");
   app_->current.port_name = "R&D";
 
   State(*app_, kClientOpen);
@@ -97,7 +97,7 @@ TEST_F(WindowTest, State_ShowsAndDropsSecurityViews) {
   AddSecurity("MSFT", "Microsoft");
   const int64_t ibm = AddSecurity("IBM", "Intl Business Machines");
   Buy(ibm, "01/15/2024", 10);
-  AddPortfolio("Income");
+  Portfolio("Income");
   AddSecurity("OTHER", "Other", "NO CUSIP", " ", "Income");
 
   State(*app_, kPortOpen);

@@ -25,14 +25,8 @@ class WindowTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    AddPortfolio(kPort);
+    Portfolio(kPort);
     app_->current.port_name = kPort;
-  }
-
-  void AddPortfolio(const std::string& port) {
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES (:p, ' ', 'DOE01'))",
-                          {{"p", port}});
   }
 
   // Adds `symbol` to the portfolio and, unless `name` is empty, to the
@@ -40,23 +34,11 @@ class WindowTest : public AppTest {
   int64_t AddSecurity(const std::string& symbol, const std::string& name = "",
                       const std::string& cusip = "NO CUSIP", const char* second_line = " ",
                       const std::string& port = kPort) {
-    if (!name.empty()) {
-      app_->central->Execute(
-          R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES (:s, :n, :c))",
-          {{"s", symbol}, {"n", name}, {"c", cusip}});
-    }
-    Value line = second_line ? Value(std::string(second_line)) : Value();
-    app_->client->Execute(
-        R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") VALUES (:s, :p, :l))",
-        {{"s", symbol}, {"p", port}, {"l", line}});
-    return app_->client->LastInsertId();
+    if (!name.empty()) SecurityName(symbol, name, cusip);
+    return Security(symbol, port, second_line);
   }
 
-  void SetSellMethod(const std::string& symbol, int method) {
-    app_->client->Execute(
-        R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES (:s, :m))",
-        {{"s", symbol}, {"m", method}});
-  }
+  void SetSellMethod(const std::string& symbol, int method) { SellMethod(symbol, method); }
 
   // Opens a block of `sec_id` with a buy that must go through without a
   // question; returns the block's number.
@@ -65,13 +47,6 @@ class WindowTest : public AppTest {
     EXPECT_TRUE(AddBuy(*app_, sec_id, block_id, type, *Date::Parse(date),
                        Currency::FromCents(100000), shares, Currency(), ""));
     return BlockNo(block_id);
-  }
-
-  int64_t BlockNo(const std::string& block_id) {
-    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
-                                   {{"id", block_id}});
-    EXPECT_TRUE(q.Next()) << block_id;
-    return q.Int("Block No");
   }
 
   std::vector<std::string> DisplayedBlockIds() const {

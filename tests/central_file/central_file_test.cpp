@@ -62,9 +62,8 @@ class CentralFileTest : public AppTest {
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshCentral();
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES )"
-                           R"(('IBM', 'Big Blue', '459200101'), ('NOC', 'Fund', :c))",
-                           {{"c", kNoCusip}});
+    SecurityName("IBM", "Big Blue", "459200101");
+    SecurityName("NOC", "Fund", kNoCusip);
   }
 
   // "name|cusip" of the symbol's row, or "-" when there is none.

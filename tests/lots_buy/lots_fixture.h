@@ -11,12 +11,9 @@
 #include "data/database.h"
 #include "data/transaction_store.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
-
-// Values as the user types them: "mm/dd/yyyy", "1234.5".
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
 // An open security "T" ("AT&T") in portfolio "Growth" as the main window shows
 // it, with helpers that play a dialog, select a block and read rows back.
@@ -26,24 +23,14 @@ class LotsTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES ('Growth', ' ', 'DOE01'))");
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('T', 'Growth', ' '))");
-    sec_id_ = app_->client->LastInsertId();
+    Portfolio("Growth");
+    sec_id_ = Security("T");
     app_->current.port_name = "Growth";
     app_->current.sec_id = sec_id_;
     app_->current.sec_symbol = "T";
-    client_path_ = app_->client->path();
     app_->window.display.visible = true;
     app_->window.display.sec_name = "AT&T";
     help_mark_ = ui_.help_texts().size();
-  }
-
-  // Plays the user's part on the next modal dialog of form type F.
-  template <class F>
-  void OnDialog(const char* name, std::function<void(F&)> script) {
-    ui_.ExpectDialog(name, [script](DialogForm& form) { script(static_cast<F&>(form)); });
   }
 
   // Reloads the blocks grid as the main window does and selects the block
@@ -63,13 +50,6 @@ class LotsTest : public AppTest {
     return block_id;
   }
 
-  int64_t BlockNo(const std::string& block_id) {
-    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
-                                   {{"id", block_id}});
-    EXPECT_TRUE(q.Next()) << block_id;
-    return q.Int("Block No");
-  }
-
   // Enters a sale row straight into the file.
   void SellShares(const std::string& block_id, const char* date, double shares) {
     ASSERT_TRUE(AddSell(*app_, BlockNo(block_id), D(date), Money("100"), Currency(), -shares, ""));
@@ -80,34 +60,7 @@ class LotsTest : public AppTest {
     return {ui_.help_texts().begin() + static_cast<long>(help_mark_), ui_.help_texts().end()};
   }
 
-  // Counts rows through a connection of its own, whatever became of the
-  // program's connection.
-  long long CountOnDisk(const std::string& table) {
-    auto db = Database::Open(client_path_);
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\"");
-    q.Next();
-    return q.Int("n");
-  }
-
-  std::string IntegrityOnDisk() { return Database::Open(client_path_)->IntegrityCheck(); }
-
-  // Reopens the Taxpayer File so that its writes count against `faults_`.
-  void UseStorageFaults() {
-    app_->client.reset();
-    app_->storage_faults = &faults_;
-    app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults_);
-  }
-
-  void ExpectFatal(int number, const std::string& text, const std::string& location) {
-    ui_.Expect(ErrorHeader(number, text, location) +
-                   " The program will now shut down to prevent errors in your data and "
-                   "calculations.",
-               "Warning!", Icon::kCritical, Buttons::kOk);
-  }
-
   int64_t sec_id_ = 0;
-  StorageFaults faults_;
-  std::string client_path_;
   size_t help_mark_ = 0;
 };
 

@@ -12,11 +12,9 @@
 #include "data/database.h"
 #include "data/transaction_store.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
-
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
 // A Taxpayer File with portfolio "Growth" holding IBM, known to the Security
 // Symbols File, and helpers that enter transactions and open the security
@@ -27,17 +25,13 @@ class LotsModifyTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    app_->central->Execute(
-        R"(INSERT INTO "Securities" VALUES ('IBM', 'International Business Machines', '459200101'))");
-    app_->client->Execute(R"(INSERT INTO "Portfolio" VALUES ('Growth', ' ', 'DOE01'))");
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('IBM', 'Growth', ' '))");
-    sec_id_ = app_->client->LastInsertId();
-    app_->client->Execute(R"(INSERT INTO "Sell Method" VALUES ('IBM', 1))");
+    SecurityName("IBM", "International Business Machines", "459200101");
+    Portfolio("Growth");
+    sec_id_ = Security("IBM");
+    SellMethod("IBM", 1);
     app_->current.port_name = "Growth";
     app_->current.sec_id = sec_id_;
     app_->current.sec_symbol = "IBM";
-    client_path_ = app_->client->path();
   }
 
   std::string Buy(const char* date, double shares, const char* cost, int16_t type = kTypeBuy) {
@@ -45,13 +39,6 @@ class LotsModifyTest : public AppTest {
     EXPECT_TRUE(
         AddBuy(*app_, sec_id_, block_id, type, D(date), Money(cost), shares, Money("10"), ""));
     return block_id;
-  }
-
-  int64_t BlockNo(const std::string& block_id) {
-    Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
-                                   {{"id", block_id}});
-    EXPECT_TRUE(q.Next()) << block_id;
-    return q.Int("Block No");
   }
 
   // Opens IBM in the display and selects the first transaction whose
@@ -81,15 +68,6 @@ class LotsModifyTest : public AppTest {
     EXPECT_EQ(app_->current.block_id, block_id);
   }
 
-  // Counts rows through a connection of its own, whatever the program did
-  // with its own after a fatal error.
-  long long CountOnDisk(const std::string& table, const std::string& where = "1 = 1") {
-    auto db = Database::Open(client_path_);
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\" WHERE " + where);
-    q.Next();
-    return q.Int("n");
-  }
-
   // Every transaction row and block, as one text, to prove nothing changed.
   std::string Snapshot() {
     std::string all;
@@ -105,15 +83,7 @@ class LotsModifyTest : public AppTest {
     return all;
   }
 
-  void ExpectFatal(int number, const std::string& text, const std::string& location) {
-    ui_.Expect(ErrorHeader(number, text, location) +
-                   " The program will now shut down to prevent errors in your data and "
-                   "calculations.",
-               "Warning!", Icon::kCritical, Buttons::kOk);
-  }
-
   int64_t sec_id_ = 0;
-  std::string client_path_;
 };
 
 }  // namespace lotwise::testing

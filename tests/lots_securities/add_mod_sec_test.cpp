@@ -187,7 +187,7 @@ TEST_F(SecuritiesTest, ShowModSecInCDB_EditedSymbol_Refused) {
 // Find picks a symbol from the central list (starting on the one typed)
 // and fills its name and CUSIP.
 TEST_F(SecuritiesTest, AddModSec_Find_PicksSymbolAndFills) {
-  AddCentral("MSFT", "Microsoft", "594918104");
+  SecurityName("MSFT", "Microsoft", "594918104");
   AddModSecForm form;
   form.caption = kAddSecCaption;
   form.symbol = "msft";

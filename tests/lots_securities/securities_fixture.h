@@ -34,14 +34,8 @@ class SecuritiesTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    AddCentral("IBM", "International Business Machines", "459200101");
+    SecurityName("IBM", "International Business Machines", "459200101");
     ASSERT_TRUE(NewPort(*app_, "Growth", ""));
-  }
-
-  void AddCentral(const std::string& symbol, const std::string& name, const std::string& cusip) {
-    app_->central->Execute(
-        R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") VALUES (:s, :n, :c))",
-        {{"s", symbol}, {"n", name}, {"c", cusip}});
   }
 
   // "symbol|name|cusip" of the central row (compared exactly), or "-".
@@ -58,13 +52,6 @@ class SecuritiesTest : public AppTest {
     Query q = app_->client->SelectSaved("Secs In Port", {{"sPortName", "Growth"}});
     while (q.Next()) out += q.Text("Sec Symbol") + "|" + q.Text("2nd Line") + ";";
     return out;
-  }
-
-  // Expects the dialog of type Form and plays `script` on it.
-  template <class Form>
-  void ExpectForm(std::function<void(Form&)> script) {
-    ui_.ExpectDialog(std::string(Form().Name()),
-                     [script](DialogForm& f) { script(static_cast<Form&>(f)); });
   }
 };
 

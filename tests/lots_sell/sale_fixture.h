@@ -15,63 +15,42 @@
 #include "lots/sell_shares.h"
 #include "lots/sell_specific.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
 
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
-
 // The security IBM ("Intl Business & Machines") of portfolio "Growth", with
-// helpers that write blocks straight into the file, open the security in the
-// main window, play the dialogs and read the Sell rows back.
+// helpers that open the security in the main window, play the dialogs and
+// read the Sell rows back.
 class SaleTest : public AppTest {
  protected:
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES ('Growth', ' ', 'DOE01'))");
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('IBM', 'Growth', ' '))");
-    sec_id_ = app_->client->LastInsertId();
+    Portfolio("Growth");
+    sec_id_ = Security("IBM");
     app_->current.port_name = "Growth";
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
-                           R"(VALUES ('IBM', 'Intl Business & Machines', 'NO CUSIP'))");
-    client_path_ = app_->client->path();
+    SecurityName("IBM", "Intl Business & Machines");
   }
 
   // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
+  // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
   int64_t Block(const char* date, double shares, double adjusted = 0, const char* seq = "1") {
-    Database& db = *app_->client;
-    db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
-               {{"s", sec_id_}, {"id", std::string(date) + "-" + seq}, {"d", D(date)}});
-    const int64_t block_no = db.LastInsertId();
-    db.Execute(R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Shares", "Prec Sort") )"
-               R"(VALUES (:n, :d, 10, :sh, 10))",
-               {{"n", block_no}, {"d", D(date)}, {"sh", shares}});
-    if (adjusted != 0) {
-      db.Execute(R"(INSERT INTO "Adjust" ("Block No", "Date", "Shares", "Prec Sort") )"
-                 R"(VALUES (:n, :d, :sh, 30))",
-                 {{"n", block_no}, {"d", D(date)}, {"sh", adjusted}});
-    }
+    const int64_t block_no =
+        Buy(sec_id_, date, shares, "0", "0", kTypeBuy, std::string(date) + "-" + seq);
+    if (adjusted != 0) Adjust(block_no, date, adjusted);
     return block_no;
   }
 
   void OpenSecurity(int method) {
-    app_->client->Execute(
-        R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES ('IBM', :m))",
-        {{"m", method}});
+    SellMethod("IBM", method);
     ShowSecDisplay(*app_, "IBM");
     ASSERT_EQ(app_->window.display.sell_method, method);
   }
 
-  template <class F>
-  void OnDialog(const char* name, std::function<void(F&)> script) {
-    ui_.ExpectDialog(name, [script](DialogForm& form) { script(static_cast<F&>(form)); });
-  }
   void OnSale(std::function<void(SellSharesForm&)> script) {
     OnDialog<SellSharesForm>("dlgSellShares", std::move(script));
   }
@@ -122,7 +101,6 @@ class SaleTest : public AppTest {
   }
 
   int64_t sec_id_ = 0;
-  std::string client_path_;
 };
 
 }  // namespace lotwise::testing

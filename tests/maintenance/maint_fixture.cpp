@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "data/database.h"
+#include "data/transaction_store.h"
 
 namespace lotwise::testing {
 
@@ -44,33 +45,14 @@ void MaintenanceTest::SetUp() {
 void MaintenanceTest::FillTaxpayer(const std::string& path, int blocks) {
   auto db = Database::Open(path);
   Database::Transaction unit(*db);
-  db->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('Main', ' '))");
-  for (int s = 0; s < 10; ++s) {
-    db->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                R"(VALUES (:sym, 'Main', ' '))",
-                {{"sym", "SYM" + std::to_string(s)}});
-  }
+  Scenario file(*db);
+  file.Portfolio("Main");
+  for (int s = 0; s < 10; ++s) file.Security("SYM" + std::to_string(s), "Main");
   const std::string notes(120, 'n');
   for (int b = 0; b < blocks; ++b) {
-    db->Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:sec, :id, :d))",
-                {{"sec", 1 + b % 10},
-                 {"id", "01/02/2020-" + std::to_string(b)},
-                 {"d", Date::FromYmd(2020, 1, 2)}});
-    const int64_t block = db->LastInsertId();
-    db->Execute(
-        R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", )"
-        R"("Prec Sort") VALUES (:b, :d, 10, :cost, 10, 0, :notes, 10))",
-        {{"b", block},
-         {"d", Date::FromYmd(2020, 1, 2)},
-         {"cost", b * 10000 + 1},
-         {"notes", notes}});
-    db->Execute(
-        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", )"
-        R"("Prec Sort") VALUES (:b, :d, :price, 0, -4, :notes, 40))",
-        {{"b", block},
-         {"d", Date::FromYmd(2021, 3, 4)},
-         {"price", b * 7000 + 3},
-         {"notes", notes}});
+    const int64_t block = file.Buy(1 + b % 10, "01/02/2020", 10, Currency::FromUnits(b * 10000 + 1),
+                                   "0", kTypeBuy, "01/02/2020-" + std::to_string(b), notes);
+    file.Sell(block, "03/04/2021", 4, Currency::FromUnits(b * 7000 + 3), "0", notes);
   }
   unit.Commit();
 }
@@ -195,10 +177,7 @@ long long MaintenanceTest::RowCount(const Rows& rows) {
 
 void MaintenanceTest::Index(const std::string& code, const std::string& name,
                             const std::string& file_name) {
-  app_->central->Execute(
-      R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-      R"(VALUES (:code, :name, :name, :file))",
-      {{"code", code}, {"name", name}, {"file", file_name}});
+  TaxpayerIndex(code, name, name, file_name);
 }
 
 }  // namespace lotwise::testing

@@ -138,7 +138,7 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_AverageDouble_MovesBeforeTheDaysRows) {
 
 // A lot held in two portfolios feeds one pool per security.
 TEST_F(BasisTest, CalcBasisSchedDRpt_AverageSingle_OnePoolForAllPortfolios) {
-  AddPortfolio("Income");
+  Portfolio("Income");
   Buy(AddSecurity("IBM", kSellAvgSingle), "01/05/2024", 10, "100");
   Sell(Buy(AddSecurity("IBM", kSellAvgSingle, "Income"), "02/05/2024", 10, "300"), "06/03/2025", 5,
        "100");

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,97 +13,30 @@
 #include "data/transaction_store.h"
 #include "reports/basis_report.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
 
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
-
-// A taxpayer with the portfolio "Growth", and helpers that write ledgers
-// straight into the Taxpayer File, run the computation and read the report
-// tables back as text rows.
+// A taxpayer with the portfolio "Growth", and helpers that run the
+// computation and read the report tables back as text rows.
 class BasisTest : public AppTest {
  protected:
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    AddPortfolio("Growth");
-  }
-
-  void AddPortfolio(const std::string& name) {
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES (:p, ' ', 'DOE01'))",
-                          {{"p", name}});
+    Portfolio("Growth");
   }
 
   // The symbol held in `port`; its sell method row when `method` >= 0 (the
   // security has none otherwise, which reads as 255).
   int64_t AddSecurity(const std::string& symbol, int method, const std::string& port = "Growth") {
-    Database& db = *app_->client;
-    db.Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-               R"(VALUES (:s, :p, ' '))",
-               {{"s", symbol}, {"p", port}});
-    const int64_t sec_id = db.LastInsertId();
-    if (method >= 0) {
-      db.Execute(R"(INSERT OR REPLACE INTO "Sell Method" ("Sec Symbol", "Sell Method") )"
-                 R"(VALUES (:s, :m))",
-                 {{"s", symbol}, {"m", method}});
-    }
-    app_->central->Execute(R"(INSERT OR IGNORE INTO "Securities" ("Sec Symbol", "Sec Name", )"
-                           R"("CUSIP") VALUES (:s, :n, 'NO CUSIP'))",
-                           {{"s", symbol}, {"n", symbol + " Corp"}});
+    const int64_t sec_id = Security(symbol, port);
+    if (method >= 0) SellMethod(symbol, method);
+    SecurityName(symbol, symbol + " Corp");
     return sec_id;
-  }
-
-  // A new block with its Buy (type 10) or Reinvestment (type 20) row.
-  int64_t Buy(int64_t sec_id, const char* date, double shares, const char* cost,
-              const char* fee = "0", int type = kTypeBuy) {
-    Database& db = *app_->client;
-    const std::string block_id = std::string(date) + "-" + std::to_string(++block_seq_[date]);
-    db.Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
-               {{"s", sec_id}, {"id", block_id}, {"d", D(date)}});
-    const int64_t block_no = db.LastInsertId();
-    db.Execute(R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", )"
-               R"("Prec Sort") VALUES (:n, :d, :t, :c, :sh, :f, :p))",
-               {{"n", block_no},
-                {"d", D(date)},
-                {"t", type},
-                {"c", Money(cost)},
-                {"sh", shares},
-                {"f", Money(fee)},
-                {"p", type == kTypeBuy ? kPrecBuy : kPrecReinvest}});
-    return block_no;
-  }
-  // A sale of `shares` (positive) from the block.
-  void Sell(int64_t block_no, const char* date, double shares, const char* price,
-            const char* fee = "0") {
-    app_->client->Execute(
-        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Prec Sort") )"
-        R"(VALUES (:n, :d, :p, :f, :sh, 40))",
-        {{"n", block_no}, {"d", D(date)}, {"p", Money(price)}, {"f", Money(fee)}, {"sh", -shares}});
-  }
-  // A split (type 11) or stock dividend (type 21) adding `shares`.
-  void Split(int64_t block_no, const char* date, double pre, double post, double shares,
-             int type = kTypeSplit) {
-    app_->client->Execute(
-        R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", )"
-        R"("Prec Sort") VALUES (:n, :d, :t, :pre, :post, :sh, :p))",
-        {{"n", block_no},
-         {"d", D(date)},
-         {"t", type},
-         {"pre", pre},
-         {"post", post},
-         {"sh", shares},
-         {"p", type == kTypeSplit ? kPrecSplit : kPrecDividend}});
-  }
-  void Adjust(int64_t block_no, const char* date, double shares, const char* cost) {
-    app_->client->Execute(
-        R"(INSERT INTO "Adjust" ("Block No", "Date", "Shares", "Cost", "Prec Sort") )"
-        R"(VALUES (:n, :d, :sh, :c, 30))",
-        {{"n", block_no}, {"d", D(date)}, {"sh", shares}, {"c", Money(cost)}});
   }
 
   bool Run(BasisKind kind = BasisKind::kBoth, const char* year_end = "12/31/2025",
@@ -208,9 +140,6 @@ class BasisTest : public AppTest {
       EXPECT_EQ(CountReportRows(table), 0) << table;
     }
   }
-
- private:
-  std::map<std::string, int> block_seq_;
 };
 
 }  // namespace lotwise::testing

@@ -72,7 +72,7 @@ TEST_F(BasisTest, CalcSecurities_NoMethod_UseForAllAskedOnce) {
 // A portfolio run takes only the securities of the open portfolio: one
 // held elsewhere is neither asked about nor reported.
 TEST_F(BasisTest, CalcBasisSchedDRpt_PortfolioScope_OnlyItsSecurities) {
-  AddPortfolio("Income");
+  Portfolio("Income");
   Buy(AddSecurity("AAA", -1, "Income"), "01/05/2024", 10, "100");
   Buy(AddSecurity("BBB", kSellFifo), "01/05/2024", 10, "100");
   app_->current.port_name = "Growth";
@@ -99,7 +99,7 @@ TEST_P(NoSecuritiesTest, CalcBasisSchedDRpt_NothingToReport) {
   if (c.method != 0) Buy(AddSecurity("IBM", c.method), "01/05/2026", 10, "100");
   ReportScope scope = ReportScope::kTaxpayer;
   if (c.empty_portfolio) {
-    AddPortfolio("Empty");
+    Portfolio("Empty");
     app_->current.port_name = "Empty";
     scope = ReportScope::kPortfolio;
   }

@@ -8,13 +8,11 @@
 
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
-
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
 // Reads the scratch report database of the test's run.
 class ReportTest : public AppTest {

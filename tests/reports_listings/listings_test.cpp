@@ -42,17 +42,14 @@ class ListingTest : public ReportTest {
     ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Growth"));
     ASSERT_TRUE(NewPort(*app_, "Income", ""));
     ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Income"));
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('GHOST', 'Income', ' '))");
+    Security("GHOST", "Income");
     app_->client->Execute(
         R"(UPDATE "Sell Method" SET "Sell Method" = 1 WHERE "Sec Symbol" = 'IBM')");
     WriteTaxpayerFile("ZED0301.mdb", "ZED03", "Zed Able");
     Database::Open(app_->taxpayer_folder + "ZED0301.mdb")
         ->Execute(R"(UPDATE "Client" SET "2nd Line" = 'Trust ')");
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") VALUES )"
-        R"(('ZED03', 'Zed Able', 'Able, Zed', 'ZED0301.mdb'), )"
-        R"(('ABC02', 'Alice Brown', 'Brown, Alice', 'ABC0201.mdb'))");
+    TaxpayerIndex("ZED03", "Zed Able", "Able, Zed", "ZED0301.mdb");
+    TaxpayerIndex("ABC02", "Alice Brown", "Brown, Alice", "ABC0201.mdb");
   }
 
   Rows Table(const char* table) {

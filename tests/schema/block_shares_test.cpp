@@ -1,6 +1,7 @@
+#include "data/block_shares.h"
+
 #include <gtest/gtest.h>
 
-#include "data/block_shares.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
 
@@ -15,23 +16,13 @@ class BlockSharesTest : public AppTest {
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshTaxpayer();
-    Exec(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('P', ' '))");
-    Exec(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name") VALUES ('IBM', 'P'))");
+    Portfolio("P");
+    sec_id_ = Security("IBM", "P");
   }
-  void Exec(const std::string& sql, const Params& params = {}) { app_->client->Execute(sql, params); }
   int64_t Block(const char* id, Date date, double bought) {
-    Exec(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (1, :id, :d))",
-         {{"id", id}, {"d", date}});
-    int64_t no = app_->client->LastInsertId();
-    Exec(R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Shares", "Prec Sort") )"
-         R"(VALUES (:b, :d, 10, :s, 10))",
-         {{"b", no}, {"d", date}, {"s", bought}});
-    return no;
+    return Buy(sec_id_, date, bought, "0", "0", kTypeBuy, id);
   }
-  void Sell(int64_t block, Date date, double shares) {
-    Exec(R"(INSERT INTO "Sell" ("Block No", "Date", "Shares", "Prec Sort") VALUES (:b, :d, :s, 40))",
-         {{"b", block}, {"d", date}, {"s", -shares}});
-  }
+  int64_t sec_id_ = 0;
 };
 
 TEST_F(BlockSharesTest, OpenBlocks_OrderRoundingAndSkips) {

@@ -17,8 +17,8 @@ class SharesLeftTest : public AppTest {
   void SetUp() override {
     AppTest::SetUp();
     OpenFreshTaxpayer();
-    db().Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('P', ' '))");
-    db().Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name") VALUES ('IBM', 'P'))");
+    Portfolio("P");
+    Security("IBM", "P");
   }
   Database& db() { return *app_->client; }
 
@@ -39,9 +39,9 @@ class SharesLeftTest : public AppTest {
     return q.Int("n");
   }
   long long OpenBlocksBySum() {
-    Query q = db().Select(
-        R"(SELECT count(*) AS n FROM "Blocks" AS B WHERE (SELECT total("Shares") FROM )"
-        R"("Block Shares" AS S WHERE S."Block No" = B."Block No") >= 0.000005)");
+    Query q =
+        db().Select(R"(SELECT count(*) AS n FROM "Blocks" AS B WHERE (SELECT total("Shares") FROM )"
+                    R"("Block Shares" AS S WHERE S."Block No" = B."Block No") >= 0.000005)");
     q.Next();
     return q.Int("n");
   }
@@ -62,8 +62,9 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
     const char* table = tables[pick(3)];
     switch (action) {
       case 0: {  // a buy opens a block
-        db().Execute(R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (1, :id, :d))",
-                     {{"id", "b" + std::to_string(step)}, {"d", Date::FromYmd(2020, 1, 1 + step % 28)}});
+        db().Execute(
+            R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (1, :id, :d))",
+            {{"id", "b" + std::to_string(step)}, {"d", Date::FromYmd(2020, 1, 1 + step % 28)}});
         db().Execute(R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Shares", "Prec Sort") )"
                      R"(VALUES (:b, '2020-01-01', 10, :s, 10))",
                      {{"b", db().LastInsertId()}, {"s", 1 + pick(100) / 7.0}});
@@ -71,17 +72,19 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
       }
       case 1:
       case 2:
-        db().Execute("INSERT INTO \"" + std::string(table) +
-                         "\" (\"Block No\", \"Date\", \"Shares\", \"Prec Sort\"" +
-                         (std::string(table) == "Split" ? ", \"Type\", \"Pre Ratio\", \"Post Ratio\"" : "") +
-                         ") VALUES (:b, '2020-02-01', :s, 40" +
-                         (std::string(table) == "Split" ? ", 11, 2, 1" : "") + ")",
-                     {{"b", block}, {"s", -(pick(50) / 3.0)}});
+        db().Execute(
+            "INSERT INTO \"" + std::string(table) +
+                "\" (\"Block No\", \"Date\", \"Shares\", \"Prec Sort\"" +
+                (std::string(table) == "Split" ? ", \"Type\", \"Pre Ratio\", \"Post Ratio\"" : "") +
+                ") VALUES (:b, '2020-02-01', :s, 40" +
+                (std::string(table) == "Split" ? ", 11, 2, 1" : "") + ")",
+            {{"b", block}, {"s", -(pick(50) / 3.0)}});
         break;
       case 3:
         db().Execute("UPDATE \"" + std::string(table) +
-                         "\" SET \"Shares\" = \"Shares\" / 2 WHERE \"Unique ID\" IN (SELECT \"Unique ID\" FROM \"" +
-                         table + "\" ORDER BY random() LIMIT 1)");
+                     "\" SET \"Shares\" = \"Shares\" / 2 WHERE \"Unique ID\" IN (SELECT \"Unique "
+                     "ID\" FROM \"" +
+                     table + "\" ORDER BY random() LIMIT 1)");
         break;
       case 4:
         db().Execute("DELETE FROM \"" + std::string(table) +
@@ -94,7 +97,8 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
                      {{"b", block}});
         break;
       case 6:
-        if (pick(5) == 0) db().Execute(R"(DELETE FROM "Blocks" WHERE "Block No" = :b)", {{"b", block}});
+        if (pick(5) == 0)
+          db().Execute(R"(DELETE FROM "Blocks" WHERE "Block No" = :b)", {{"b", block}});
         break;
     }
     ASSERT_EQ(Mismatches(), 0) << "after step " << step << " action " << action;

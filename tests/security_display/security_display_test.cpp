@@ -14,13 +14,12 @@
 #include "data/transaction_store.h"
 #include "lots/add_mod_sec.h"
 #include "lots/security_list.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 namespace {
 
 using Texts = std::vector<std::string>;
-
-Date D(const char* text) { return *Date::Parse(text); }
 
 const std::string kDeletedSymbolQuestion =
     "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \n"

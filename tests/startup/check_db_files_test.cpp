@@ -21,10 +21,7 @@ class CheckDBFilesTest : public StartupTest {
     OpenFreshCentral();
   }
   void Index(const std::string& code, const std::string& name, const std::string& file) {
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:code, :name, :name, :file))",
-        {{"code", code}, {"name", name}, {"file", file}});
+    TaxpayerIndex(code, name, name, file);
   }
   // "name|sort|code|file" of every index row, in code order.
   std::string IndexRows() {

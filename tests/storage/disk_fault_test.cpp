@@ -36,8 +36,7 @@ class DiskFaultTest : public StorageTest, public ::testing::WithParamInterface<D
   static void WriteUnit(Database& db) {
     Database::Transaction unit(db);
     for (int i = 0; i < kRows; ++i) {
-      db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES (:p, :l))",
-                 {{"p", "Port " + std::to_string(i)}, {"l", std::string(80, 'x')}});
+      Scenario(db).Portfolio("Port " + std::to_string(i), std::string(80, 'x'));
     }
     unit.Commit();
   }

@@ -63,10 +63,7 @@ class StorageTest : public AppTest {
     return q.Int("n");
   }
 
-  static void AddPortfolio(Database& db, const std::string& name) {
-    db.Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES (:p, ' '))",
-               {{"p", name}});
-  }
+  static void AddPortfolio(Database& db, const std::string& name) { Scenario(db).Portfolio(name); }
 
  private:
   int saved_busy_timeout_ = Database::kDefaultBusyTimeoutMs;

@@ -174,21 +174,14 @@ TEST_F(StorageTest, Transaction_OnlyCommittedUnitsKeepRows) {
 // Deleting a portfolio takes its securities, their blocks and every
 // transaction row with it, and nothing of another portfolio.
 TEST_F(StorageTest, Cascade_DeletePortfolioRemovesEverythingBelow) {
-  const char* const kTransactionRows[] = {
-      R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Prec Sort") VALUES (:b, :d, 10, 10))",
-      R"(INSERT INTO "Sell" ("Block No", "Date", "Prec Sort") VALUES (:b, :d, 40))",
-      R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Prec Sort") VALUES (:b, :d, 11, 1, 2, 60))",
-      R"(INSERT INTO "Adjust" ("Block No", "Date", "Prec Sort") VALUES (:b, :d, 30))"};
   auto db = Database::Open(CopyTemplate("x.mdb"));
+  Scenario file(*db);
   for (const char* port : {"Gone", "Stays"}) {
-    AddPortfolio(*db, port);
-    db->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name") VALUES ('IBM', :p))",
-                {{"p", port}});
-    db->Execute(
-        R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, '03/01/2024-1', :d))",
-        {{"s", db->LastInsertId()}, {"d", Date::FromYmd(2024, 3, 1)}});
-    const Params block = {{"b", db->LastInsertId()}, {"d", Date::FromYmd(2024, 3, 1)}};
-    for (const char* sql : kTransactionRows) db->Execute(sql, block);
+    file.Portfolio(port);
+    const int64_t block = file.Buy(file.Security("IBM", port), "03/01/2024", 10);
+    file.Sell(block, "03/01/2024", 1);
+    file.Split(block, "03/01/2024", 1, 2, 9);
+    file.Adjust(block, "03/01/2024", 0);
   }
   EXPECT_EQ(db->ExecuteSaved("DelPortfolio", {{"sPortName", "Gone"}}), 1);
   for (const char* table : {"Portfolio", "Security", "Blocks", "Buy", "Sell", "Split", "Adjust"}) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <random>
 
+#include "app/error_handler.h"
 #include "app/paths.h"
 #include "data/database.h"
 #include "data/schema.h"
@@ -35,6 +36,10 @@ const std::string& TemplateFolder() {
   }();
   return folder;
 }
+
+AppTest::AppTest()
+    : Scenario([this]() -> Database& { return *app_->client; },
+               [this] { return app_->central.get(); }) {}
 
 void AppTest::SetUp() {
   root_ = UniqueFolder("lotwise-test-");
@@ -84,22 +89,15 @@ void AppTest::WriteTaxpayerFile(const std::string& file_name, const std::string&
   std::string path = app_->taxpayer_folder + file_name;
   fs::copy_file(JoinPath(program_folder_, kClientTemplateName), path);
   auto db = Database::Open(path);
-  db->Execute(
-      R"(INSERT INTO "Client" ("Client Name", "Sort Name", "Client Code", "2nd Line", "Year End") )"
-      R"(VALUES (:name, :sort, :code, ' ', :ye))",
-      {{"name", name}, {"sort", name}, {"code", code}, {"ye", Date::FromYmd(2025, 12, 31)}});
+  Scenario(*db).Taxpayer(code, name);
 }
 
 void AppTest::OpenFreshTaxpayer(const std::string& code, const std::string& name,
                                 const std::string& file_name) {
   WriteTaxpayerFile(file_name, code, name);
-  if (app_->central) {
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:code, :name, :name, :file))",
-        {{"code", code}, {"name", name}, {"file", file_name}});
-  }
-  app_->client = Database::Open(app_->taxpayer_folder + file_name);
+  if (app_->central) TaxpayerIndex(code, name, name, file_name);
+  client_path_ = app_->taxpayer_folder + file_name;
+  app_->client = Database::Open(client_path_);
   CurrentContext& c = app_->current;
   c.client_db_path = app_->taxpayer_folder + file_name;
   c.client_name = name;
@@ -109,6 +107,35 @@ void AppTest::OpenFreshTaxpayer(const std::string& code, const std::string& name
   c.year_end = "12/31/2025";
   app_->window.state = kClientOpen;
 }
+
+int64_t AppTest::BlockNo(const std::string& block_id) {
+  Query q = app_->client->Select(R"(SELECT "Block No" FROM "Blocks" WHERE "Block ID" = :id)",
+                                 {{"id", block_id}});
+  EXPECT_TRUE(q.Next()) << block_id;
+  return q.Int("Block No");
+}
+
+void AppTest::ExpectFatal(int number, const std::string& text, const std::string& location) {
+  ui_.Expect(ErrorHeader(number, text, location) +
+                 " The program will now shut down to prevent errors in your data and "
+                 "calculations.",
+             "Warning!", Icon::kCritical, Buttons::kOk);
+}
+
+void AppTest::UseStorageFaults() {
+  app_->client.reset();
+  app_->storage_faults = &faults_;
+  app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults_);
+}
+
+long long AppTest::CountOnDisk(const std::string& table, const std::string& where) {
+  auto db = Database::Open(client_path_);
+  Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\" WHERE " + where);
+  q.Next();
+  return q.Int("n");
+}
+
+std::string AppTest::IntegrityOnDisk() { return Database::Open(client_path_)->IntegrityCheck(); }
 
 long long AppTest::CountClientRows(const std::string& table) {
   Query q = app_->client->Select("SELECT count(*) AS n FROM \"" + table + "\"");

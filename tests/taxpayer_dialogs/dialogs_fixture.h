@@ -26,17 +26,7 @@ class DialogsTest : public AppTest {
   void AddTaxpayer(const std::string& code, const std::string& name, const std::string& sort,
                    const std::string& file) {
     WriteTaxpayerFile(file, code, name);
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:c, :n, :s, :f))",
-        {{"c", code}, {"n", name}, {"s", sort}, {"f", file}});
-  }
-
-  // Expects the dialog of type Form and plays `script` on it.
-  template <class Form>
-  void ExpectForm(std::function<void(Form&)> script) {
-    ui_.ExpectDialog(std::string(Form().Name()),
-                     [script](DialogForm& f) { script(static_cast<Form&>(f)); });
+    TaxpayerIndex(code, name, sort, file);
   }
 };
 

@@ -151,11 +151,7 @@ TEST_P(OnlyPortTest, OpenClient_OK_OpenOnlyPortfolio) {
   AddTaxpayer("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
   {
     auto db = Database::Open(app_->taxpayer_folder + "DOE0101.mdb");
-    for (const std::string& port : c.ports) {
-      db->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                  R"(VALUES (:p, ' ', 'DOE01'))",
-                  {{"p", port}});
-    }
+    for (const std::string& port : c.ports) Scenario(*db).Portfolio(port);
   }
   app_->window.options.open_only_port = c.option;
   ExpectForm<OpenClientForm>([&](OpenClientForm& form) {

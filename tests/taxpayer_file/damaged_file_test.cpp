@@ -19,7 +19,7 @@ class DamagedFileTest : public TaxpayerTest {
     TaxpayerTest::SetUp();
     WriteTaxpayerFile("DOE0101.mdb", "DOE01", "John Doe");
     path_ = app_->taxpayer_folder + "DOE0101.mdb";
-    IndexClient("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
+    TaxpayerIndex("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
   }
 
   // Overwrites the file from byte `from` on, keeping its length.

@@ -54,7 +54,7 @@ TEST_F(TaxpayerTest, CalcClientFileName_BaseAndClock) {
   }
   env_->SetNow({2026, 11, 22, 10, 7, 3});
   std::ofstream(app_->taxpayer_folder + "SMIT73.MDB") << "x";
-  IndexClient("X1", "X", "X", "smit74.mdb");
+  TaxpayerIndex("X1", "X", "X", "smit74.mdb");
   EXPECT_EQ(CalcClientFileName(*app_, "Smith"), "Smit75.mdb");
   EXPECT_GE(env_->pauses(), 8);
 }
@@ -109,7 +109,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
 // its "New Taxpayer" mode; declining or giving up in the dialog keeps the
 // index row.
 TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
-  IndexClient("DOE01", "John Doe", "Doe, John", "GONE.mdb");
+  TaxpayerIndex("DOE01", "John Doe", "Doe, John", "GONE.mdb");
   auto expect_question = [&](Answer answer) {
     ui_.Expect("A File does not exist for this Taxpayer. Would you like to create a new one?",
                "No Taxpayer File", Icon::kExclamation, Buttons::kYesNo, answer);
@@ -154,7 +154,7 @@ class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterf
 TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
   const ModCase& c = GetParam();
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-  IndexClient("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
+  TaxpayerIndex("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
   for (const auto& [text, answer] : c.messages) {
     ui_.Expect(text, text == kModSortQuestion ? kSortTitle : "Taxpayer Code in use!", answer);
   }

@@ -24,14 +24,6 @@ class TaxpayerTest : public AppTest {
     OpenFreshCentral();
   }
 
-  void IndexClient(const std::string& code, const std::string& name, const std::string& sort,
-                   const std::string& file) {
-    app_->central->Execute(
-        R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-        R"(VALUES (:c, :n, :s, :f))",
-        {{"c", code}, {"n", name}, {"s", sort}, {"f", file}});
-  }
-
   std::vector<std::string> TaxpayerFiles() { return ListFiles(app_->taxpayer_folder, "*"); }
 
   long long Count(const std::string& sql) {

@@ -11,12 +11,9 @@
 #include "data/transaction_store.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
-
-// Values as the user types them: "mm/dd/yyyy", "1234.5".
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
 
 // A Taxpayer File open with one portfolio holding one security, which is
 // the current security, and helpers that enter transactions into it.
@@ -35,13 +32,8 @@ class StoreTest : public AppTest {
   }
 
   int64_t AddSecurity(const std::string& port, const std::string& symbol) {
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES (:p, ' ', 'DOE01') ON CONFLICT DO NOTHING)",
-                          {{"p", port}});
-    app_->client->Execute(
-        R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") VALUES (:s, :p, ' '))",
-        {{"s", symbol}, {"p", port}});
-    return app_->client->LastInsertId();
+    Portfolio(port);
+    return Security(symbol, port);
   }
 
   // Enters a buy (or reinvestment) that must succeed without a question;

@@ -34,11 +34,6 @@ enum Kind : int16_t {
 
 class TransactionStoreTest : public StoreTest {
  protected:
-  void SetUp() override {
-    StoreTest::SetUp();
-    client_path_ = app_->client->path();
-  }
-
   // Enters one transaction of `kind` as its dialog does, the same-date
   // question first: acquisitions open a block of `sec_id` (its id lands in
   // block_id_), the other kinds are filed under `block_no`.
@@ -70,22 +65,6 @@ class TransactionStoreTest : public StoreTest {
     ASSERT_TRUE(AddAdjust(*app_, block, D("07/01/2024"), 1, Money("1"), ""));
   }
 
-  // Reopens the Taxpayer File so that its writes count against `faults_`.
-  void UseStorageFaults() {
-    app_->client.reset();
-    app_->storage_faults = &faults_;
-    app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults_);
-  }
-
-  // Counts rows through a connection of its own, whatever the program did
-  // with its own after a fatal error.
-  long long CountOnDisk(const std::string& table, const std::string& where = "1 = 1") {
-    auto db = Database::Open(client_path_);
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\" WHERE " + where);
-    q.Next();
-    return q.Int("n");
-  }
-
   // Each block with its buy, oldest first, as "Block No|Block ID|Date|buy's
   // Date|Cost", read likewise.
   Lines BlocksOnDisk() {
@@ -102,8 +81,6 @@ class TransactionStoreTest : public StoreTest {
     return rows;
   }
 
-  StorageFaults faults_;
-  std::string client_path_;
   std::string block_id_;
 };
 
