@@ -74,7 +74,7 @@ TEST_P(ModifyKindTest, ModifyTrans_OK_EachKind_RowRewrittenAndLogged) {
     form.num_shares = c.shares;
     form.cost_of_shares = Money(c.amount);
     ModifyTrans_OK(*app_, form);
-    EXPECT_TRUE(form.closed);
+    EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowModifyTrans(*app_);
   EXPECT_EQ(Changes(), std::string(c.changes) + "\n");
@@ -136,7 +136,7 @@ TEST_P(ModifyRefusalTest, ModifyTrans_OK_BadField_RefusedNothingWritten) {
     if (c.fee) form.fee = Money(c.fee);
     if (c.date) form.date = c.date;
     ModifyTrans_OK(*app_, form);
-    EXPECT_FALSE(form.closed);
+    EXPECT_FALSE(form.closed || form.accepted);
     EXPECT_EQ(form.focus, c.focus);
   });
   ui_.Expect(c.message, c.title, Icon::kExclamation, Buttons::kOk);

@@ -104,7 +104,7 @@ TEST_P(RollbackKindTest, RollBack_OK_OneKindAllBlocks_OnlyItsLaterRowsGone) {
     form.*c.tick = true;
     form.blocks = kRollbackAllBlocks;
     RollBack_OK(*app_, form);
-    EXPECT_TRUE(form.closed);
+    EXPECT_TRUE(form.closed && form.accepted);
   });
   ui_.Expect(kAreYouSure, "Are you sure?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
   if (!c.removed_blocks.empty()) ExpectRemovedList(c.removed_blocks);
@@ -207,7 +207,7 @@ TEST_P(RollbackRefusalTest, RollBack_OK_Refused_NothingDeleted) {
     form.sells = c.tick;
     form.blocks = c.blocks;
     RollBack_OK(*app_, form);
-    EXPECT_FALSE(form.closed);
+    EXPECT_FALSE(form.closed || form.accepted);
   });
   ui_.Expect(c.message, c.title, c.answer);
   if (c.then_not_completed) {
