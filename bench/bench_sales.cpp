@@ -6,16 +6,16 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench_support.h"
-
 #include <chrono>
 #include <ctime>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <random>
 #include <string>
-#include <optional>
 #include <vector>
+
+#include "bench_support.h"
 
 #if !defined(_WIN32)
 #include <sys/resource.h>
@@ -212,7 +212,12 @@ void BM_LongRunOfSales(benchmark::State& state) {
     state.counters["run_s"] = run_ms / 1000;
   }
 }
-BENCHMARK(BM_LongRunOfSales)->Arg(0)->Arg(1)->UseManualTime()->Iterations(1)->Unit(benchmark::kSecond);
+BENCHMARK(BM_LongRunOfSales)
+    ->Arg(0)
+    ->Arg(1)
+    ->UseManualTime()
+    ->Iterations(1)
+    ->Unit(benchmark::kSecond);
 
 }  // namespace
 }  // namespace lotwise

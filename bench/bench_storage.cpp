@@ -8,8 +8,6 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench_support.h"
-
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
@@ -22,6 +20,7 @@
 #include "app/date.h"
 #include "app/environment.h"
 #include "app/ui_port.h"
+#include "bench_support.h"
 #include "data/database.h"
 #include "data/schema.h"
 #include "data/transaction_store.h"

@@ -16,6 +16,7 @@ PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
   libhpdf-dev libcsv-dev poppler-utils
   qt6-base-dev qt6-qpa-plugins libgl-dev xvfb xauth
+  clang-format
 )
 
 as_root() {
@@ -45,6 +46,19 @@ build() {  # build folder, extra CMake options...
 
 jobs=$(nproc 2>/dev/null || echo 2)
 
+# Every C++ file as the repository's .clang-format lays it out; a file that
+# differs is named and the tests do not run.
+check_format() {
+  local files
+  if git rev-parse --is-inside-work-tree >/dev/null 2>&1; then
+    files=$(git ls-files '*.cpp' '*.h')
+  else
+    files=$(find src cli tests tools bench -name '*.cpp' -o -name '*.h')
+  fi
+  # shellcheck disable=SC2086
+  clang-format --dry-run --Werror $files
+}
+
 case "${1:-}" in
   run)
     install_missing
@@ -63,6 +77,7 @@ case "${1:-}" in
     ;;
   test)
     install_missing
+    check_format
     build build -DCMAKE_BUILD_TYPE=Release
     ctest --test-dir build --output-on-failure -j "$jobs"
     build build-asan -DCMAKE_BUILD_TYPE=Debug -DLOTWISE_SANITIZE=ON -DLOTWISE_BENCHMARKS=OFF

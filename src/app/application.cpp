@@ -31,7 +31,8 @@ Application::Application(UiPort& ui, Environment& env, std::string folder, std::
       settings_store_path(DefaultSettingsStorePath()),
       ui_(ui),
       env_(env) {
-  while (program_folder.size() > 1 && (program_folder.back() == '/' || program_folder.back() == '\\')) {
+  while (program_folder.size() > 1 &&
+         (program_folder.back() == '/' || program_folder.back() == '\\')) {
     program_folder.pop_back();
   }
   prefs.exp_path = program_folder;

@@ -40,9 +40,8 @@ bool Matches(std::string_view pattern, std::string_view name) {
     return false;
   }
   if (name.empty()) return false;
-  bool same = pattern.front() == '?' ||
-              std::toupper(static_cast<unsigned char>(pattern.front())) ==
-                  std::toupper(static_cast<unsigned char>(name.front()));
+  bool same = pattern.front() == '?' || std::toupper(static_cast<unsigned char>(pattern.front())) ==
+                                            std::toupper(static_cast<unsigned char>(name.front()));
   return same && Matches(pattern.substr(1), name.substr(1));
 }
 

@@ -38,11 +38,13 @@ LwError MapSqliteError(int code, int extended_code, std::string_view message,
   std::string msg(message);
   switch (code & 0xff) {
     case SQLITE_CONSTRAINT:
-      if (extended_code == SQLITE_CONSTRAINT_UNIQUE || extended_code == SQLITE_CONSTRAINT_PRIMARYKEY) {
-        return LwError(err::kDuplicateKey,
-                       "The changes you requested to the table were not successful because they "
-                       "would create duplicate values in the index, primary key, or relationship. (" +
-                           msg + ")");
+      if (extended_code == SQLITE_CONSTRAINT_UNIQUE ||
+          extended_code == SQLITE_CONSTRAINT_PRIMARYKEY) {
+        return LwError(
+            err::kDuplicateKey,
+            "The changes you requested to the table were not successful because they "
+            "would create duplicate values in the index, primary key, or relationship. (" +
+                msg + ")");
       }
       break;
     case SQLITE_ERROR:
@@ -55,10 +57,11 @@ LwError MapSqliteError(int code, int extended_code, std::string_view message,
       return LwError(err::kReserved, "Reserved error (-8194); the file " + std::string(path) +
                                          " is in use by another user or program (" + msg + ")");
     case SQLITE_CORRUPT:
-      return LwError(err::kReserved,
-                     "Reserved error (-1209); the file " + std::string(path) + " is damaged (" + msg + ")");
+      return LwError(err::kReserved, "Reserved error (-1209); the file " + std::string(path) +
+                                         " is damaged (" + msg + ")");
     case SQLITE_NOTADB:
-      return LwError(err::kNotADatabase, "Unrecognized database format '" + std::string(path) + "'.");
+      return LwError(err::kNotADatabase,
+                     "Unrecognized database format '" + std::string(path) + "'.");
     case SQLITE_NOMEM:
       return LwError(err::kOutOfMemory, "Out of memory");
     case SQLITE_CANTOPEN: {
@@ -139,7 +142,9 @@ std::optional<std::string> Query::OptionalText(const char* column) const {
   return c.getString();
 }
 
-int64_t Query::Int(const char* column) const { return Column(*statement_, column, path_).getInt64(); }
+int64_t Query::Int(const char* column) const {
+  return Column(*statement_, column, path_).getInt64();
+}
 
 double Query::Double(const char* column) const {
   return Column(*statement_, column, path_).getDouble();
@@ -155,7 +160,9 @@ Date Query::DateValue(const char* column) const {
   return Date::ParseIso(c.getString()).value_or(Date());
 }
 
-bool Query::Bool(const char* column) const { return Column(*statement_, column, path_).getInt64() != 0; }
+bool Query::Bool(const char* column) const {
+  return Column(*statement_, column, path_).getInt64() != 0;
+}
 
 int Query::ColumnCount() const { return statement_->getColumnCount(); }
 
@@ -202,7 +209,8 @@ std::unique_ptr<Database> Database::OpenWith(const std::string& path, int flags,
   }
 }
 
-std::unique_ptr<Database> Database::Open(const std::string& path, Mode mode, StorageFaults* faults) {
+std::unique_ptr<Database> Database::Open(const std::string& path, Mode mode,
+                                         StorageFaults* faults) {
   int flags = mode == Mode::kReadOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE;
   return OpenWith(path, flags, mode, false, faults);
 }
@@ -316,8 +324,9 @@ std::string Database::SavedQuerySql(std::string_view name) {
 
 bool Database::HasSavedQuery(std::string_view name) {
   if (!HasTable(kSavedQueriesTable)) return false;
-  Query q = Select(std::string("SELECT 1 AS Found FROM ") + kSavedQueriesTable + " WHERE Name = :name",
-                   {{"name", std::string(name)}});
+  Query q =
+      Select(std::string("SELECT 1 AS Found FROM ") + kSavedQueriesTable + " WHERE Name = :name",
+             {{"name", std::string(name)}});
   return q.Next();
 }
 
@@ -330,9 +339,10 @@ int64_t Database::ExecuteSaved(std::string_view name, const Params& params) {
 }
 
 void Database::SetSavedQuery(std::string_view name, std::string_view sql) {
-  Execute(std::string("INSERT INTO ") + kSavedQueriesTable +
-              " (Name, SQL) VALUES (:name, :sql) ON CONFLICT(Name) DO UPDATE SET SQL = excluded.SQL",
-          {{"name", std::string(name)}, {"sql", std::string(sql)}});
+  Execute(
+      std::string("INSERT INTO ") + kSavedQueriesTable +
+          " (Name, SQL) VALUES (:name, :sql) ON CONFLICT(Name) DO UPDATE SET SQL = excluded.SQL",
+      {{"name", std::string(name)}, {"sql", std::string(sql)}});
 }
 
 void Database::DeleteSavedQuery(std::string_view name) {
@@ -343,13 +353,16 @@ void Database::DeleteSavedQuery(std::string_view name) {
 std::vector<CatalogueEntry> Database::Catalogue() {
   std::vector<CatalogueEntry> entries;
   Query tables = Select(
-      "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite\\_%' ESCAPE '\\' "
+      "SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT LIKE 'sqlite\\_%' ESCAPE "
+      "'\\' "
       "AND name <> :saved ORDER BY name",
       {{"saved", std::string(kSavedQueriesTable)}});
   while (tables.Next()) entries.push_back({tables.Text("name"), CatalogueEntry::Kind::kTable});
   if (HasTable(kSavedQueriesTable)) {
-    Query queries = Select(std::string("SELECT Name FROM ") + kSavedQueriesTable + " ORDER BY Name");
-    while (queries.Next()) entries.push_back({queries.Text("Name"), CatalogueEntry::Kind::kSavedQuery});
+    Query queries =
+        Select(std::string("SELECT Name FROM ") + kSavedQueriesTable + " ORDER BY Name");
+    while (queries.Next())
+      entries.push_back({queries.Text("Name"), CatalogueEntry::Kind::kSavedQuery});
   }
   return entries;
 }

@@ -12,12 +12,33 @@ namespace {
 
 // Table names cannot be bound, so they must be one of the program's own.
 constexpr std::string_view kKnownTables[] = {
-    "Blocks",        "Buy",          "Sell",          "Split",           "Adjust",
-    "Security",      "Portfolio",    "Client",        "Change",          "Sell Method",
-    "Version",       "Securities",   "Clients",       "Usage",           "Prices",
-    "BA Info",       "BA Secs",      "BA Blocks",     "BA Trans",        "Sched D",
-    "TL Info",       "TL Port",      "TL Sec",        "TL Trans",        "Client Report",
-    "Portfolio Report", "Sec List Report",
+    "Blocks",
+    "Buy",
+    "Sell",
+    "Split",
+    "Adjust",
+    "Security",
+    "Portfolio",
+    "Client",
+    "Change",
+    "Sell Method",
+    "Version",
+    "Securities",
+    "Clients",
+    "Usage",
+    "Prices",
+    "BA Info",
+    "BA Secs",
+    "BA Blocks",
+    "BA Trans",
+    "Sched D",
+    "TL Info",
+    "TL Port",
+    "TL Sec",
+    "TL Trans",
+    "Client Report",
+    "Portfolio Report",
+    "Sec List Report",
 };
 
 std::string Table(std::string_view name) {
@@ -97,7 +118,8 @@ SqlStatement Query_GetClientCDB(std::string_view code) {
 }
 
 SqlStatement Query_GetClientCDBSorted(Application& app, int sort_key) {
-  static constexpr const char* kFields[] = {R"("Client Name")", R"("Sort Name")", R"("Client Code")"};
+  static constexpr const char* kFields[] = {R"("Client Name")", R"("Sort Name")",
+                                            R"("Client Code")"};
   if (sort_key < 0 || sort_key > 2) {
     app.ui().MessageBox("Incorrect value to Sort Clients by", "Error", Icon::kNone, Buttons::kOk);
     return {R"(SELECT * FROM "Clients")", {}};

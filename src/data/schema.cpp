@@ -207,7 +207,8 @@ std::string SharesLeftTriggers() {
 }
 
 constexpr const char* kSavedQueriesDdl =
-    "CREATE TABLE lw_saved_queries (Name TEXT NOT NULL COLLATE NOCASE PRIMARY KEY, SQL TEXT NOT NULL);";
+    "CREATE TABLE lw_saved_queries (Name TEXT NOT NULL COLLATE NOCASE PRIMARY KEY, SQL TEXT NOT "
+    "NULL);";
 
 using SavedQuery = std::pair<const char*, const char*>;
 
@@ -215,8 +216,9 @@ using SavedQuery = std::pair<const char*, const char*>;
 // (the callers' "every one") is spelled out, so that "%" and "_" in a name
 // are never wildcards.
 const std::array kCentralQueries = {
-    SavedQuery{"Get Securities",
-               R"(SELECT "Sec Symbol", "Sec Name", "CUSIP" FROM "Securities" ORDER BY "Sec Symbol")"},
+    SavedQuery{
+        "Get Securities",
+        R"(SELECT "Sec Symbol", "Sec Name", "CUSIP" FROM "Securities" ORDER BY "Sec Symbol")"},
     SavedQuery{"DeleteSecurity", R"(DELETE FROM "Securities" WHERE "Sec Symbol" = :sSecSymbol)"},
     SavedQuery{"File Name",
                R"(SELECT "Client Code", "Client Name", "Sort Name", "File Name" FROM "Clients" )"
@@ -238,38 +240,46 @@ const std::array kTaxpayerQueries = {
     SavedQuery{"Secs In Port", saved_sql::kSecsInPort},
     SavedQuery{"Get Ports For Sec", saved_sql::kGetPortsForSec},
     SavedQuery{"Total Shares Per Table", saved_sql::kTotalSharesPerTable},
-    SavedQuery{"Delete Security",
-               R"(DELETE FROM "Security" WHERE "Port Name" = :sPortName AND "Sec Symbol" = :sSecSymbol)"},
+    SavedQuery{
+        "Delete Security",
+        R"(DELETE FROM "Security" WHERE "Port Name" = :sPortName AND "Sec Symbol" = :sSecSymbol)"},
     SavedQuery{"DelPortfolio", R"(DELETE FROM "Portfolio" WHERE "Port Name" = :sPortName)"},
-    SavedQuery{"dlgOpenDelPort",
-               R"(SELECT "Port Name", "2nd Line", "Client Code" FROM "Portfolio" ORDER BY "Port Name")"},
-    SavedQuery{"Buys In Security",
-               R"(SELECT "Buy".* FROM "Buy" INNER JOIN "Blocks" ON "Buy"."Block No" = "Blocks"."Block No" )"
-               R"(WHERE "Blocks"."Sec ID" = :lSecID ORDER BY "Buy"."Date", "Buy"."Unique ID")"},
+    SavedQuery{
+        "dlgOpenDelPort",
+        R"(SELECT "Port Name", "2nd Line", "Client Code" FROM "Portfolio" ORDER BY "Port Name")"},
+    SavedQuery{
+        "Buys In Security",
+        R"(SELECT "Buy".* FROM "Buy" INNER JOIN "Blocks" ON "Buy"."Block No" = "Blocks"."Block No" )"
+        R"(WHERE "Blocks"."Sec ID" = :lSecID ORDER BY "Buy"."Date", "Buy"."Unique ID")"},
     SavedQuery{"Sells In Block",
                R"(SELECT * FROM "Sell" WHERE "Block No" = :lBlockNo ORDER BY "Date", "Unique ID")"},
-    SavedQuery{"Adjusts In Block",
-               R"(SELECT * FROM "Adjust" WHERE "Block No" = :lBlockNo ORDER BY "Date", "Unique ID")"},
-    SavedQuery{"Splits In Block",
-               R"(SELECT * FROM "Split" WHERE "Block No" = :lBlockNo ORDER BY "Date", "Unique ID")"},
+    SavedQuery{
+        "Adjusts In Block",
+        R"(SELECT * FROM "Adjust" WHERE "Block No" = :lBlockNo ORDER BY "Date", "Unique ID")"},
+    SavedQuery{
+        "Splits In Block",
+        R"(SELECT * FROM "Split" WHERE "Block No" = :lBlockNo ORDER BY "Date", "Unique ID")"},
     // The rows of one sale (or split, or dividend) entered once over several
     // blocks: every row of the security on that date, oldest block first.
-    SavedQuery{"Get Entire Sell",
-               R"(SELECT "Sell".*, "Blocks"."Block ID", "Blocks"."Date" AS "Block Date" FROM "Sell" )"
-               R"(INNER JOIN "Blocks" ON "Sell"."Block No" = "Blocks"."Block No" )"
-               R"(WHERE "Blocks"."Sec ID" = :lSecID AND "Sell"."Date" = :dtDate )"
-               R"(ORDER BY "Blocks"."Date", "Blocks"."Block ID")"},
+    SavedQuery{
+        "Get Entire Sell",
+        R"(SELECT "Sell".*, "Blocks"."Block ID", "Blocks"."Date" AS "Block Date" FROM "Sell" )"
+        R"(INNER JOIN "Blocks" ON "Sell"."Block No" = "Blocks"."Block No" )"
+        R"(WHERE "Blocks"."Sec ID" = :lSecID AND "Sell"."Date" = :dtDate )"
+        R"(ORDER BY "Blocks"."Date", "Blocks"."Block ID")"},
     SavedQuery{"Delete Entire Sell",
                R"(DELETE FROM "Sell" WHERE "Date" = :dtDate AND "Block No" IN )"
                R"((SELECT "Block No" FROM "Blocks" WHERE "Sec ID" = :lSecID))"},
-    SavedQuery{"Get Entire SplitDiv",
-               R"(SELECT "Split".*, "Blocks"."Block ID", "Blocks"."Date" AS "Block Date" FROM "Split" )"
-               R"(INNER JOIN "Blocks" ON "Split"."Block No" = "Blocks"."Block No" )"
-               R"(WHERE "Blocks"."Sec ID" = :lSecID AND "Split"."Date" = :dtDate AND "Split"."Type" = :nType )"
-               R"(ORDER BY "Blocks"."Date", "Blocks"."Block ID")"},
-    SavedQuery{"Delete Entire SplitDiv",
-               R"(DELETE FROM "Split" WHERE "Date" = :dtDate AND "Type" = :nType AND "Block No" IN )"
-               R"((SELECT "Block No" FROM "Blocks" WHERE "Sec ID" = :lSecID))"},
+    SavedQuery{
+        "Get Entire SplitDiv",
+        R"(SELECT "Split".*, "Blocks"."Block ID", "Blocks"."Date" AS "Block Date" FROM "Split" )"
+        R"(INNER JOIN "Blocks" ON "Split"."Block No" = "Blocks"."Block No" )"
+        R"(WHERE "Blocks"."Sec ID" = :lSecID AND "Split"."Date" = :dtDate AND "Split"."Type" = :nType )"
+        R"(ORDER BY "Blocks"."Date", "Blocks"."Block ID")"},
+    SavedQuery{
+        "Delete Entire SplitDiv",
+        R"(DELETE FROM "Split" WHERE "Date" = :dtDate AND "Type" = :nType AND "Block No" IN )"
+        R"((SELECT "Block No" FROM "Blocks" WHERE "Sec ID" = :lSecID))"},
 };
 
 const std::array kReportQueries = {
@@ -277,10 +287,11 @@ const std::array kReportQueries = {
     // an average must see every lot held on a sale's date. Mirror rows carry
     // the same-date precedence as TransNo, transfers 0 (before the day's
     // transactions); ties keep the order written.
-    SavedQuery{"Get Basis Rpt Trans",
-               R"(SELECT "Transaction", "Date", "Date Acqrd", "Shares", "Sale Price", "Fee", "Cost", )"
-               R"("TransNo", "Trans Row" FROM "BA Trans" WHERE "Block No" = :lBlockNo )"
-               R"(ORDER BY "Date", "TransNo", "Trans Row")"},
+    SavedQuery{
+        "Get Basis Rpt Trans",
+        R"(SELECT "Transaction", "Date", "Date Acqrd", "Shares", "Sale Price", "Fee", "Cost", )"
+        R"("TransNo", "Trans Row" FROM "BA Trans" WHERE "Block No" = :lBlockNo )"
+        R"(ORDER BY "Date", "TransNo", "Trans Row")"},
 };
 
 struct SizedField {
@@ -291,12 +302,12 @@ struct SizedField {
 
 // "*" stands for every table that has the field.
 constexpr std::array kTextSizes = {
-    SizedField{"*", "Sec Symbol", 10},     SizedField{"*", "Sec Name", 50},
-    SizedField{"*", "CUSIP", 12},          SizedField{"*", "Client Code", 10},
-    SizedField{"*", "Client Name", 50},    SizedField{"*", "Sort Name", 50},
-    SizedField{"*", "File Name", 64},      SizedField{"*", "2nd Line", 50},
-    SizedField{"*", "Port Name", 50},      SizedField{"*", "Block ID", 20},
-    SizedField{"*", "Notes", 255},         SizedField{"Change", "Description", 255},
+    SizedField{"*", "Sec Symbol", 10},  SizedField{"*", "Sec Name", 50},
+    SizedField{"*", "CUSIP", 12},       SizedField{"*", "Client Code", 10},
+    SizedField{"*", "Client Name", 50}, SizedField{"*", "Sort Name", 50},
+    SizedField{"*", "File Name", 64},   SizedField{"*", "2nd Line", 50},
+    SizedField{"*", "Port Name", 50},   SizedField{"*", "Block ID", 20},
+    SizedField{"*", "Notes", 255},      SizedField{"Change", "Description", 255},
     SizedField{"*", "Version", 20},
 };
 

@@ -35,8 +35,8 @@ struct ReportPage {
 };
 
 struct ReportDocument {
-  std::string title;  // the viewer window's caption
-  double page_width = 612;   // US Letter portrait
+  std::string title;        // the viewer window's caption
+  double page_width = 612;  // US Letter portrait
   double page_height = 792;
   std::vector<ReportPage> pages;
 

@@ -1,3 +1,5 @@
+#include "app/error_handler.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -5,7 +7,6 @@
 #include <sstream>
 
 #include "app/app_state.h"
-#include "app/error_handler.h"
 #include "support/app_fixture.h"
 
 namespace lotwise {
@@ -73,10 +74,11 @@ const char* const kPathAdvice =
 INSTANTIATE_TEST_SUITE_P(
     Table, HandleErrorTable,
     ::testing::Values(
-        HandlerCase{"DeviceUnavailable", 68, "Device unavailable", true, false,
-                    " The device you are trying to access is currently unavailable.  If you are are "
-                    "trying to access a floppy disk drive, make sure there is a disk in the drive.",
-                    "Error!", Icon::kCritical, true},
+        HandlerCase{
+            "DeviceUnavailable", 68, "Device unavailable", true, false,
+            " The device you are trying to access is currently unavailable.  If you are are "
+            "trying to access a floppy disk drive, make sure there is a disk in the drive.",
+            "Error!", Icon::kCritical, true},
         HandlerCase{"PathFileAccess", 75, "Path/File access error", true, false,
                     " This error usually occurs when a file, needed by Lotwise has been opened by "
                     "another program, or is missing. Please make sure you have not opened any "
@@ -86,28 +88,31 @@ INSTANTIATE_TEST_SUITE_P(
                     Icon::kCritical, false},
         HandlerCase{"InvalidPath", 3044, "not a valid path", true, false, kPathAdvice, "Error!",
                     Icon::kCritical, false},
-        HandlerCase{"Busy", 3000, "Reserved error (-8194); in use", true, true,
-                    "the file being accessed is currently unavailable. This is probably because "
-                    "either another user is is working with it, or a Taxpayer File needed by the TWS "
-                    "- Lotwise has been opened by another program. \nIf this is the case, you will "
-                    "need to close the file in any other applications before this operation can be "
-                    "performed successfully.",
-                    "Warning", Icon::kInformation, true},
-        HandlerCase{"Damaged", 3000, "Reserved error (-1209); damaged", true, true,
-                    "the file being accessed has been damaged. You will need to Repair and Compress "
-                    "the file before using it. These options are available under the File menu.\nIf "
-                    "you are running reports, please follow the instructions above, AND restart the "
-                    "Lotwise before trying to run reports again.",
-                    "Warning!", Icon::kInformation, true},
+        HandlerCase{
+            "Busy", 3000, "Reserved error (-8194); in use", true, true,
+            "the file being accessed is currently unavailable. This is probably because "
+            "either another user is is working with it, or a Taxpayer File needed by the TWS "
+            "- Lotwise has been opened by another program. \nIf this is the case, you will "
+            "need to close the file in any other applications before this operation can be "
+            "performed successfully.",
+            "Warning", Icon::kInformation, true},
+        HandlerCase{
+            "Damaged", 3000, "Reserved error (-1209); damaged", true, true,
+            "the file being accessed has been damaged. You will need to Repair and Compress "
+            "the file before using it. These options are available under the File menu.\nIf "
+            "you are running reports, please follow the instructions above, AND restart the "
+            "Lotwise before trying to run reports again.",
+            "Warning!", Icon::kInformation, true},
         HandlerCase{"ReservedOther", 3000, "Reserved error (-1524)", false, false, "", "",
                     Icon::kNone, false},
-        HandlerCase{"ShareNotLoaded", 3050, "Couldn't lock file", true, false,
-                    "\n The file SHARE.EXE needs to be loaded for Lotwise to work. You need to add "
-                    "the following line to your AUTOEXEC.BAT file, \n\nC:\\DOS\\SHARE.EXE /L:500. You "
-                    "must reboot your machine after making this change for it to take effect!\n\nIf "
-                    "you are unfamiliar with editing your AUTOEXEC.BAT file please contact our "
-                    "technical support department and we will assist you.",
-                    "Error!", Icon::kCritical, false},
+        HandlerCase{
+            "ShareNotLoaded", 3050, "Couldn't lock file", true, false,
+            "\n The file SHARE.EXE needs to be loaded for Lotwise to work. You need to add "
+            "the following line to your AUTOEXEC.BAT file, \n\nC:\\DOS\\SHARE.EXE /L:500. You "
+            "must reboot your machine after making this change for it to take effect!\n\nIf "
+            "you are unfamiliar with editing your AUTOEXEC.BAT file please contact our "
+            "technical support department and we will assist you.",
+            "Error!", Icon::kCritical, false},
         HandlerCase{"TooManyLocks", 3052, "File sharing lock count exceeded", true, false,
                     "\n Lotwise needs to have 500 file locks available. You will need to increase "
                     "the file locks in your AUTOEXEC.BAT file. To do this add the parameter "
@@ -116,27 +121,30 @@ INSTANTIATE_TEST_SUITE_P(
                     "your AUTOEXEC.BAT file please contact our technical support department and we "
                     "will assist you.",
                     "Error!", Icon::kCritical, false},
-        HandlerCase{"NotADatabase", 3343, "Unrecognized database format", true, false,
-                    "\r\n\r\nThe database file has been damaged. This is very serious. The best "
-                    "solution is to restore from the last good backup that was created before the "
-                    "file was damaged. Sometimes data corruption can be fixed. From the File menu use "
-                    "the Repair routine followed by the Compress routine.",
-                    "Possible Error!", Icon::kInformation, false},
+        HandlerCase{
+            "NotADatabase", 3343, "Unrecognized database format", true, false,
+            "\r\n\r\nThe database file has been damaged. This is very serious. The best "
+            "solution is to restore from the last good backup that was created before the "
+            "file was damaged. Sometimes data corruption can be fixed. From the File menu use "
+            "the Repair routine followed by the Compress routine.",
+            "Possible Error!", Icon::kInformation, false},
         HandlerCase{"ReportFileMissing", 20504, "report file not found", true, false,
                     " Report File not located in default directory. This error indicates that a "
                     "report file that Lotwise needs is missing. Please contact technical support.",
                     "Report File Missing", Icon::kInformation, true},
-        HandlerCase{"PrintCancelled", 20513, "print job cancelled", true, false,
-                    " This error can sometimes be generated by clicking the Cancel button on the "
-                    "Printing screen. If this is the case you can continue your work. If you did not "
-                    "click the Cancel button on a Printing screen, then you should contact Tarnwick "
-                    "Software. (Please note what you were doing when this error occurred.)",
-                    "Possible Error!", Icon::kInformation, true},
-        HandlerCase{"NoDefaultPrinter", 20526, "no default printer", true, false,
-                    " You have not setup a default printer in Windows. This must be done before you "
-                    "can generate reports, even if the computer is not connected to a printer. "
-                    "Please setup a default printer and try again.",
-                    "No Default Printer", Icon::kInformation, true},
+        HandlerCase{
+            "PrintCancelled", 20513, "print job cancelled", true, false,
+            " This error can sometimes be generated by clicking the Cancel button on the "
+            "Printing screen. If this is the case you can continue your work. If you did not "
+            "click the Cancel button on a Printing screen, then you should contact Tarnwick "
+            "Software. (Please note what you were doing when this error occurred.)",
+            "Possible Error!", Icon::kInformation, true},
+        HandlerCase{
+            "NoDefaultPrinter", 20526, "no default printer", true, false,
+            " You have not setup a default printer in Windows. This must be done before you "
+            "can generate reports, even if the computer is not connected to a printer. "
+            "Please setup a default printer and try again.",
+            "No Default Printer", Icon::kInformation, true},
         HandlerCase{"AnyOther", 31013, "database or disk is full", true, false,
                     " The program will now shut down to prevent errors in your data and "
                     "calculations.",
@@ -174,10 +182,11 @@ TEST_F(ErrorHandlerTest, FailureInsideHandler_IsFatalAndUnlogged) {
                  "another program, or is missing. Please make sure you have not opened any Lotwise "
                  "files before starting this program again.",
              "Error!");
-  ui_.Expect("An error occurred in HandleError() while handling error 75. The program will now "
-             "shut down to prevent errors in your data. Please contact Tarnwick Software with this "
-             "error message.",
-             "Fatal Error!");
+  ui_.Expect(
+      "An error occurred in HandleError() while handling error 75. The program will now "
+      "shut down to prevent errors in your data. Please contact Tarnwick Software with this "
+      "error message.",
+      "Fatal Error!");
   EXPECT_FALSE(HandleError(*app_, 75, "Path/File access error", "X"));
   EXPECT_EQ(env_->end_calls(), 1);
   EXPECT_TRUE(app_->ended);

@@ -107,9 +107,8 @@ TEST_F(SecurityListTest, SecList_Select_SecurityGone) {
   AddSecurity("MSFT", "Microsoft");
   State(*app_, kPortOpen);
   app_->client->Execute(R"(DELETE FROM "Security" WHERE "Sec Symbol" = 'MSFT')");
-  ui_.Expect(
-      "The Security MSFT is no longer in this Portfolio. Another user may have deleted it.",
-      "Security not found", Icon::kInformation, Buttons::kOk);
+  ui_.Expect("The Security MSFT is no longer in this Portfolio. Another user may have deleted it.",
+             "Security not found", Icon::kInformation, Buttons::kOk);
   SecList_Select(*app_, 0);
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   EXPECT_FALSE(app_->window.display.visible);

@@ -288,16 +288,18 @@ TEST_F(EntryWindowTest, BuyOkAndNext_StoreBlocks) {
     // amount beyond the range are refused, never read as 0 (nor as 12).
     Type(dialog, "DblNumShares", "0,5");
     EXPECT_EQ(Shown(dialog, "DblNumShares"), "05");
-    ui_.Expect("The Number of Shares entered as 1,2 is not a number. A \",\" may only separate "
-               "groups of three digits before the decimal point, as in 1,234.50. Please re-enter "
-               "the Number of Shares.",
-               "Invalid Number");
+    ui_.Expect(
+        "The Number of Shares entered as 1,2 is not a number. A \",\" may only separate "
+        "groups of three digits before the decimal point, as in 1,234.50. Please re-enter "
+        "the Number of Shares.",
+        "Invalid Number");
     TypeTab(dialog, "DblNumShares", "1,2");
     EXPECT_EQ(FocusName(), "DblNumShares");
     TypeTab(dialog, "DblNumShares", "3");
-    ui_.Expect("The Cost of Shares entered as 99999999999999999999 is too large. An amount must "
-               "be less than 922,337,203,685,477. Please re-enter the Cost of Shares.",
-               "Invalid Number");
+    ui_.Expect(
+        "The Cost of Shares entered as 99999999999999999999 is too large. An amount must "
+        "be less than 922,337,203,685,477. Please re-enter the Cost of Shares.",
+        "Invalid Number");
     TypeTab(dialog, "CurrCostOfShares", "99999999999999999999");
     EXPECT_EQ(FocusName(), "CurrCostOfShares");
     TypeTab(dialog, "CurrCostOfShares", "30");

@@ -1,8 +1,9 @@
+#include "app/value_helpers.h"
+
 #include <gtest/gtest.h>
 
 #include "app/lw_error.h"
 #include "app/number_text.h"
-#include "app/value_helpers.h"
 #include "support/scripted_ui.h"
 
 namespace lotwise {
@@ -76,7 +77,8 @@ TEST(FixAmpersand, Table) {
 
 TEST(IsAlphaNum, BoundariesOfEachRange) {
   for (int16_t code : {48, 57, 65, 90, 97, 122}) EXPECT_TRUE(IsAlphaNum(code)) << code;
-  for (int16_t code : {47, 58, 64, 91, 96, 123, 32, 233, -1}) EXPECT_FALSE(IsAlphaNum(code)) << code;
+  for (int16_t code : {47, 58, 64, 91, 96, 123, 32, 233, -1})
+    EXPECT_FALSE(IsAlphaNum(code)) << code;
 }
 
 TEST(GetFileNameFromPath, BothSeparators) {
@@ -91,9 +93,9 @@ TEST(NumberText, Table) {
   struct Case {
     double value;
     const char* text;
-  } cases[] = {{2, "2"},           {0.1, "0.1"},         {1.5, "1.5"},
-               {-0.0, "0"},        {0.05, "0.05"},       {1.0 / 3, "0.333333333333333"},
-               {1e20, "1E+20"},    {-12.5, "-12.5"},     {100.99999999999997, "101"}};
+  } cases[] = {{2, "2"},        {0.1, "0.1"},     {1.5, "1.5"},
+               {-0.0, "0"},     {0.05, "0.05"},   {1.0 / 3, "0.333333333333333"},
+               {1e20, "1E+20"}, {-12.5, "-12.5"}, {100.99999999999997, "101"}};
   for (const Case& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
 }
 
@@ -125,9 +127,10 @@ TEST(ShareDecimalsValid, FiveDecimalsAtMost) {
     EXPECT_GT(DecimalPlaces(bad), kShareDecimals) << bad;
   }
   testing::ScriptedUi ui;
-  ui.Expect("The Number of Shares entered as 0.333333 has more than 5 decimal places. Please "
-            "re-enter the Number of Shares with at most 5 decimal places.",
-            "Too many decimal places", Icon::kExclamation, Buttons::kOk);
+  ui.Expect(
+      "The Number of Shares entered as 0.333333 has more than 5 decimal places. Please "
+      "re-enter the Number of Shares with at most 5 decimal places.",
+      "Too many decimal places", Icon::kExclamation, Buttons::kOk);
   EXPECT_FALSE(ShareDecimalsValid(ui, 0.333333, "Number of Shares"));
   EXPECT_TRUE(ShareDecimalsValid(ui, 0.33333, "Number of Shares"));
   ui.VerifyDone();
@@ -138,9 +141,10 @@ TEST(SymbolLengthValid, TenCharactersAtMost) {
   EXPECT_EQ(CharacterCount("\xC3\x89TOILE2024"), 10u);
   testing::ScriptedUi ui;
   EXPECT_TRUE(SymbolLengthValid(ui, "\xC3\x89TOILE2024"));
-  ui.Expect("The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. "
-            "Please enter a shorter Symbol.",
-            "Symbol too long", Icon::kExclamation, Buttons::kOk);
+  ui.Expect(
+      "The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. "
+      "Please enter a shorter Symbol.",
+      "Symbol too long", Icon::kExclamation, Buttons::kOk);
   EXPECT_FALSE(SymbolLengthValid(ui, "US0378331005"));
   ui.VerifyDone();
 }
@@ -149,7 +153,8 @@ TEST(SymbolLengthValid, TenCharactersAtMost) {
 TEST(DateValid, InvalidDateShowsMessageAndEmptiesValue) {
   testing::ScriptedUi ui;
   ui.Expect(
-      "The Purchase Date entered as 13/45/2024 is not valid.  Please re-enter the Purchase Date. If "
+      "The Purchase Date entered as 13/45/2024 is not valid.  Please re-enter the Purchase Date. "
+      "If "
       "you are cancelling, click OK, and then click Cancel again.",
       "Invalid Date", Icon::kExclamation, Buttons::kOk);
   Date out = Date::FromYmd(2020, 1, 1);
