@@ -5,6 +5,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <unordered_map>
 
 #include "app/number_text.h"
 #include "app/value_helpers.h"
@@ -23,12 +24,26 @@ using Block = BlockOnFile;
 
 using History = SecurityHistory;
 
+// Rows grouped by their block, each group in the order added: what a block
+// holds is read from its own rows, however long the security's history.
+class BlockRows {
+ public:
+  void Add(const Row& row) { rows_[row.block_no].push_back(row); }
+  const std::vector<Row>& Of(int64_t block_no) const {
+    static const std::vector<Row> none;
+    auto it = rows_.find(block_no);
+    return it == rows_.end() ? none : it->second;
+  }
+
+ private:
+  std::unordered_map<int64_t, std::vector<Row>> rows_;
+};
+
 // The shares block `block_no` holds after every row up to `upto`.
-double HeldAt(const std::vector<Row>& rows, int64_t block_no, Key upto, bool inclusive = true) {
+double HeldAt(const BlockRows& rows, int64_t block_no, Key upto) {
   double total = 0;
-  for (const Row& row : rows) {
-    if (row.block_no != block_no) continue;
-    if (row.key < upto || (inclusive && row.key == upto)) total += row.shares;
+  for (const Row& row : rows.Of(block_no)) {
+    if (!(upto < row.key)) total += row.shares;
   }
   return RoundShares(total);
 }
@@ -36,11 +51,11 @@ double HeldAt(const std::vector<Row>& rows, int64_t block_no, Key upto, bool inc
 // What a sale at `point` may take from the block: what it holds then,
 // bounded by what it holds at every later row, so that no later row is left
 // drawing on shares that are gone.
-double AvailableAt(const std::vector<Row>& rows, int64_t block_no, Key point) {
+double AvailableAt(const BlockRows& rows, int64_t block_no, Key point) {
   double available = HeldAt(rows, block_no, point);
   std::vector<const Row*> later;
-  for (const Row& row : rows) {
-    if (row.block_no == block_no && point < row.key) later.push_back(&row);
+  for (const Row& row : rows.Of(block_no)) {
+    if (point < row.key) later.push_back(&row);
   }
   std::stable_sort(later.begin(), later.end(),
                    [](const Row* a, const Row* b) { return a->key < b->key; });
@@ -74,15 +89,12 @@ struct SplitEvent {
 
 std::vector<Sale> SalesFrom(const History& history, Date from) {
   std::vector<Sale> sales;
+  std::map<std::pair<Key, std::string>, size_t> index;
   for (const Row& row : history.rows) {
     if (row.table != Table::kSell || row.key.date < from) continue;
-    auto same = std::find_if(sales.begin(), sales.end(), [&](const Sale& sale) {
-      return sale.key == row.key && sale.notes == row.notes;
-    });
-    if (same == sales.end()) {
-      sales.push_back({row.key, row.notes, {}, 0, Currency(), Currency()});
-      same = sales.end() - 1;
-    }
+    auto [found, added] = index.try_emplace({row.key, row.notes}, sales.size());
+    if (added) sales.push_back({row.key, row.notes, {}, 0, Currency(), Currency()});
+    Sale* same = &sales[found->second];
     same->rows.push_back(row);
     // Made positive before adding up, as the whole-sale modification does.
     same->shares = RoundShares(same->shares + std::fabs(row.shares));
@@ -135,8 +147,8 @@ class Replay {
     for (const Row& row : history.rows) {
       const bool replayed = (row.table == Table::kSell && !(row.key < first)) ||
                             (row.table == Table::kSplit && first < row.key);
-      if (!replayed) state_.push_back(row);
-      if (!replayed || row.table == Table::kSell) before_.push_back(row);
+      if (!replayed) state_.Add(row);
+      if (!replayed || row.table == Table::kSell) before_.Add(row);
     }
   }
 
@@ -192,7 +204,7 @@ class Replay {
       now.emplace_back(pick.block_no, pick.shares);
     }
     if (before == after) {
-      state_.insert(state_.end(), sale.rows.begin(), sale.rows.end());
+      for (const Row& row : sale.rows) state_.Add(row);
       return true;
     }
     SaleChange change;
@@ -209,7 +221,7 @@ class Replay {
       row.block_no = written.block_no;
       row.key = sale.key;
       row.shares = -written.shares;
-      state_.push_back(row);
+      state_.Add(row);
     }
     plan.sales.push_back(std::move(change));
     return true;
@@ -251,9 +263,9 @@ class Replay {
       for (Row row : rows) {
         const double held = HeldAt(state_, block.block_no, event.key);
         const bool same = held == HeldAt(before_, block.block_no, event.key);
-        if (row.unique_id != 0) before_.push_back(row);
+        if (row.unique_id != 0) before_.Add(row);
         if (row.unique_id != 0 && same) {
-          state_.push_back(row);
+          state_.Add(row);
           continue;
         }
         const double old_shares = row.shares;
@@ -266,7 +278,7 @@ class Replay {
         if (row.unique_id == 0 || row.shares != old_shares) {
           plan.splits.push_back(Change(row, old_shares, false));
         }
-        state_.push_back(row);
+        state_.Add(row);
       }
     }
   }
@@ -281,10 +293,10 @@ class Replay {
   const History& history_;
   std::vector<Sale> sales_;
   std::vector<SplitEvent> splits_;
-  std::vector<Row> state_;
+  BlockRows state_;
   // The history as stored, its rows added in the replay's order, so that
   // what a block held before the replay is read at the same point.
-  std::vector<Row> before_;
+  BlockRows before_;
 };
 
 }  // namespace
