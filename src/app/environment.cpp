@@ -26,4 +26,9 @@ std::string SystemEnvironment::TempFolder() {
 
 void SystemEnvironment::EndProcess(int exit_code) { std::exit(exit_code); }
 
+Date Today(Environment& env) {
+  const LocalTime now = env.Now();
+  return Date::FromYmd(now.year, now.month, now.day);
+}
+
 }  // namespace lotwise

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <string>
 
+#include "app/date.h"
+
 namespace lotwise {
 
 // A local wall-clock reading, as the names built from the clock need it.
@@ -38,5 +40,8 @@ class SystemEnvironment : public Environment {
   std::string TempFolder() override;
   void EndProcess(int exit_code) override;
 };
+
+// The calendar day of the environment's clock.
+Date Today(Environment& env);
 
 }  // namespace lotwise

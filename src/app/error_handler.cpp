@@ -159,11 +159,6 @@ ErrorMessage ChooseMessage(int number, std::string_view text) {
   }
 }
 
-Date Today(Environment& env) {
-  LocalTime now = env.Now();
-  return Date::FromYmd(now.year, now.month, now.day);
-}
-
 void AppendLogEntry(Application& app, const std::string& header) {
   std::string path = app.ProgramFile(kErrorLogName);
   std::ofstream log(path, std::ios::binary | std::ios::app);

@@ -109,11 +109,6 @@ void RedateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) 
   if (app.current.block_no == block_no) app.current.block_id = block_id;
 }
 
-Date Today(Application& app) {
-  LocalTime now = app.env().Now();
-  return Date::FromYmd(now.year, now.month, now.day);
-}
-
 std::string ValueText(Date value) { return value.ToString(); }
 std::string ValueText(Currency value) { return value.ToString(); }
 std::string ValueText(double value) { return NumberText(value); }
@@ -135,7 +130,7 @@ class ChangeLines {
   // false when the error handler is ending the program over a failed line:
   // the modification must then not be committed without its log.
   bool Write(Application& app) const {
-    const Date today = Today(app);
+    const Date today = Today(app.env());
     for (const std::string& line : lines_) {
       LogChange(app, app.current.port_name, app.current.sec_id, today, line);
       if (app.ended) return false;

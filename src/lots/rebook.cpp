@@ -20,16 +20,8 @@ namespace lotwise {
 
 namespace {
 
-// True iff the security has a sale after `entry` in its blocks' history:
-// one query, so that an entry made in date order reads no history.
-
 std::string SaleLine(Date date, double shares) {
   return "the sale of " + NumberText(shares) + " shares on " + date.ToString();
-}
-
-Date Today(Application& app) {
-  LocalTime now = app.env().Now();
-  return Date::FromYmd(now.year, now.month, now.day);
 }
 
 std::string ChangeLine(const SplitChange& row) {
@@ -49,7 +41,7 @@ std::string ChangeLine(const SplitChange& row) {
 // the log could not be written (the program is then ending).
 bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
   Database& db = *app.client;
-  const Date today = Today(app);
+  const Date today = Today(app.env());
   Database::Transaction unit(db);
   for (const SaleChange& sale : plan.sales) {
     for (int64_t id : sale.old_ids) {
@@ -85,19 +77,19 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
   app.rebooked_sales.clear();
   TrapVoid(app, "OfferRebookLaterSales", [&] {
     if (!app.client || !HasSaleAfter(*app.client, sec_id, {date, prec})) return;
+    // Without a method no sale was made through the sale dialog, which
+    // fixes it: there is no rule to hold the later sales to. A sale chosen
+    // by hand takes only shares no later sale took, so the later sales need
+    // no review on its account.
+    const int16_t method = SellMethodOfSecurity(*app.client, sec_id);
+    if (method == kSellNotSelected) return;
+    if (UserSelectsShares(method) && prec == kPrecSell) return;
     // The replay starts with the day's first sale: one the entry does not
     // reach comes out as it was and is left alone.
     const RebookPlan plan = PlanRebook(*app.client, sec_id, date);
     UiPort& ui = app.ui();
 
-    // Without a method no sale was made through the sale dialog, which
-    // fixes it: there is no rule to hold the later sales to.
-    const int16_t method = SellMethodOfSecurity(*app.client, sec_id);
-    if (method == kSellNotSelected) return;
     if (UserSelectsShares(method)) {
-      // A sale chosen by hand takes only shares no later sale took, so
-      // the later sales need no review on its account.
-      if (prec == kPrecSell) return;
       std::string text =
           "This entry is dated before sales already entered for this security. Their blocks were "
           "chosen by hand and are left as they are; please review these sales:";

@@ -77,9 +77,7 @@ void SetNewSellMethod(Application& app) {
     if (AddSellMethod(app, app.current.sec_symbol, code, true) && code != old_code) {
       // A method change alters how every later sale is reported, so it is
       // logged here as it is in the sale dialog.
-      LocalTime now = app.env().Now();
-      LogChange(app, app.current.port_name, app.current.sec_id,
-                Date::FromYmd(now.year, now.month, now.day),
+      LogChange(app, app.current.port_name, app.current.sec_id, Today(app.env()),
                 "Changed Sell Method from " + GetSellName(app, old_code) + " to " +
                     GetSellName(app, code));
     }

@@ -60,11 +60,6 @@ bool AskYesNo(Application& app, const std::string& text, const char* title) {
   return app.ui().MessageBox(text, title, Icon::kQuestion, Buttons::kYesNo) == Answer::kYes;
 }
 
-Date Today(Application& app) {
-  LocalTime now = app.env().Now();
-  return Date::FromYmd(now.year, now.month, now.day);
-}
-
 // Under methods 0 and 3 the shares come only from the selection, so the
 // field shows the selection's total; the others have the shares typed.
 void ApplyMethodMode(Application& app, SellSharesForm& form, int16_t code) {
@@ -296,7 +291,7 @@ void SellMethodChange(Application& app, SellSharesForm& form) {
           // The window holds the method now in force, so that a sale under
           // it does not store it again and a second change compares with it.
           display.sell_method = new_code;
-          LogChange(app, app.current.port_name, app.current.sec_id, Today(app),
+          LogChange(app, app.current.port_name, app.current.sec_id, Today(app.env()),
                     "Changed Sell Method from " + old_name + " to " + new_name);
         }
       } else {
