@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "app/lw_error.h"
+#include "app/value_helpers.h"
 #include "data/database.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
@@ -54,13 +55,6 @@ FileStamp StampOf(const std::string& path) {
 constexpr double kPointsPerChar = 5.0;
 // Texts whose baselines are closer than this share a line.
 constexpr double kSameBaseline = 0.01;
-
-// Characters, not bytes, of UTF-8 text.
-size_t CharCount(const std::string& text) {
-  return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char c) {
-    return (static_cast<unsigned char>(c) & 0xC0) != 0x80;
-  }));
-}
 
 bool SameNameIgnoringCase(const std::string& a, const std::string& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
@@ -174,7 +168,7 @@ std::string ColumnText(const ReportDocument& document) {
         out += '\n';
         used = 0;
       }
-      const auto length = static_cast<double>(CharCount(text.text));
+      const auto length = static_cast<double>(CharacterCount(text.text));
       double start = (text.x - left) / kPointsPerChar;
       if (text.align == ReportText::Align::kRight) {
         start = (text.x + text.width - left) / kPointsPerChar - length;
@@ -186,7 +180,7 @@ std::string ColumnText(const ReportDocument& document) {
       const size_t column = std::max(first, static_cast<size_t>(std::max(0.0, std::round(start))));
       out.append(column - used, ' ');
       out += text.text;
-      used = column + CharCount(text.text);
+      used = column + CharacterCount(text.text);
     }
     if (!texts.empty()) out += '\n';
   }

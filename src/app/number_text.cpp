@@ -6,6 +6,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "app/text.h"
+
 namespace lotwise {
 
 std::string NumberText(double value) {
@@ -57,8 +59,7 @@ NumberFault ReadNumberField(std::string_view text, std::string& plain) {
 }  // namespace
 
 NumberFault ReadNumberText(std::string_view text, std::string& plain) {
-  while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-  while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+  text = Trim(text);
   plain.clear();
   size_t at = 0;
   if (at < text.size() && (text[at] == '-' || text[at] == '+')) plain += text[at++];
