@@ -5,7 +5,6 @@
 #include "app/number_text.h"
 #include "app/value_helpers.h"
 #include "data/block_shares.h"
-#include "data/database.h"
 #include "data/entry_rows.h"
 #include "lots/sell_shares.h"
 
