@@ -34,12 +34,12 @@
 #endif
 
 #include "app/app_state.h"
-#include "app/application.h"
-#include "app/date.h"
-#include "app/environment.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "ground/date.h"
+#include "ground/environment.h"
+#include "ground/ui_port.h"
 #include "lots/sell_method.h"
 #include "reports/basis_report.h"
 

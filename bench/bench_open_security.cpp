@@ -15,14 +15,15 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/environment.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
+#include "app/security_commands.h"
 #include "bench_support.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "ground/date.h"
+#include "ground/environment.h"
+#include "ground/ui_port.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 namespace {

@@ -21,13 +21,13 @@
 #include <sys/resource.h>
 #endif
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/environment.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "ground/date.h"
+#include "ground/environment.h"
+#include "ground/ui_port.h"
+#include "lots/security_display.h"
 #include "lots/sell_shares.h"
 
 namespace lotwise {

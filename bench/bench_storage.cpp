@@ -16,14 +16,14 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/environment.h"
-#include "app/ui_port.h"
 #include "bench_support.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/schema.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "ground/environment.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 namespace {

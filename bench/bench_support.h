@@ -12,10 +12,10 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "ground/ui_port.h"
 
 namespace lotwise::bench {
 

@@ -19,11 +19,11 @@
 #include <string>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/date.h"
 #include "data/database.h"
 #include "data/schema.h"
 #include "data/transaction_store.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 #include "lots/sell_shares.h"
 
 namespace lotwise::bench {

@@ -8,11 +8,11 @@
 #include <system_error>
 #include <vector>
 
-#include "app/application.h"
-#include "app/date.h"
+#include "app/taxpayer_file.h"
 #include "commands.h"
-#include "data/taxpayer_file.h"
+#include "data/application.h"
 #include "demo_ledger.h"
+#include "ground/date.h"
 #include "import_ledger.h"
 #include "lots/sell_shares.h"
 #include "report_output.h"

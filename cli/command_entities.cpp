@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-#include "app/application.h"
-#include "app/date.h"
+#include "app/taxpayer_dialog.h"
 #include "commands.h"
-#include "data/taxpayer_dialog.h"
+#include "data/application.h"
+#include "ground/date.h"
 #include "import_forms.h"
 
 namespace lotwise::cli {

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "app/application.h"
 #include "commands.h"
+#include "data/application.h"
 #include "import_ledger.h"
 
 namespace lotwise::cli {

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "app/application.h"
 #include "commands.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "lots/sell_shares.h"
 #include "report_output.h"

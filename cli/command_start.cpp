@@ -5,12 +5,12 @@
 #include <string>
 #include <system_error>
 
-#include "app/application.h"
-#include "app/paths.h"
 #include "app/startup.h"
 #include "commands.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
+#include "ground/paths.h"
 
 namespace lotwise::cli {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 
 namespace lotwise {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/environment.h"
-#include "app/ui_port.h"
+#include "ground/environment.h"
+#include "ground/ui_port.h"
 #include "reports/report_document.h"
 
 namespace lotwise {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/currency.h"
+#include "ground/currency.h"
 #include "session.h"
 
 namespace lotwise::cli {

@@ -1,11 +1,11 @@
 #include "import_forms.h"
 
+#include "app/add_mod_sec.h"
 #include "app/app_state.h"
-#include "app/application.h"
+#include "app/portfolio_dialogs.h"
+#include "data/application.h"
 #include "data/database.h"
-#include "data/portfolio_dialogs.h"
 #include "data/query_builders.h"
-#include "lots/add_mod_sec.h"
 
 namespace lotwise::cli {
 

@@ -8,12 +8,12 @@
 #include <string_view>
 
 #include "app/app_state.h"
-#include "app/application.h"
-#include "app/date.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/paths.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "ground/date.h"
+#include "ground/number_text.h"
+#include "ground/paths.h"
 #include "import_csv.h"
 #include "import_entries.h"
 #include "import_forms.h"

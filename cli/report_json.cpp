@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <utility>
 
-#include "app/date.h"
-#include "app/number_text.h"
 #include "data/database.h"
+#include "ground/date.h"
+#include "ground/number_text.h"
 
 namespace lotwise::cli {
 

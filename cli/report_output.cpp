@@ -13,9 +13,9 @@
 #include <system_error>
 #include <utility>
 
-#include "app/lw_error.h"
-#include "app/value_helpers.h"
 #include "data/database.h"
+#include "ground/lw_error.h"
+#include "ground/value_helpers.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "report_json.h"

@@ -5,10 +5,12 @@
 #include <system_error>
 
 #include "app/app_state.h"
-#include "app/paths.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
 #include "app/startup.h"
-#include "data/taxpayer_file.h"
+#include "app/taxpayer_dialog.h"
+#include "app/taxpayer_file.h"
+#include "ground/paths.h"
+#include "lots/security_display.h"
 
 namespace lotwise::cli {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "app/application.h"
 #include "console_ui.h"
+#include "data/application.h"
 
 namespace lotwise::cli {
 

@@ -16,14 +16,11 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
-# The layers from the ground up. A module of src/app is ground unless it
-# is named in APPLICATION_MODULES: that folder still holds both ends of the stack.
+# The layers from the ground up; each folder is one layer (and one library).
 GROUND, DATA, LOTS, REPORTS, APPLICATION, FRONT = range(6)
 LAYER_NAMES = ["ground", "data", "lots", "reports", "application", "front"]
-FOLDER_LAYER = {"src/data": DATA, "src/lots": LOTS, "src/reports": REPORTS,
-                "src/ui": FRONT, "cli": FRONT}
-APPLICATION_MODULES = {"app_state", "application", "current_context", "main_window_commands",
-               "security_display", "startup", "file_location_dialog"}
+FOLDER_LAYER = {"src/ground": GROUND, "src/data": DATA, "src/lots": LOTS,
+                "src/reports": REPORTS, "src/app": APPLICATION, "src/ui": FRONT, "cli": FRONT}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
 
@@ -34,10 +31,7 @@ def module_of(path: pathlib.Path) -> str:
 
 
 def layer_of(module: str) -> int:
-    folder, _, name = module.rpartition("/")
-    if folder == "src/app":
-        return APPLICATION if name in APPLICATION_MODULES else GROUND
-    return FOLDER_LAYER[folder]
+    return FOLDER_LAYER[module.rpartition("/")[0]]
 
 
 def resolve(including: pathlib.Path, target: str):
@@ -50,7 +44,7 @@ def resolve(including: pathlib.Path, target: str):
 
 def graph():
     edges = {}
-    for folder in list(FOLDER_LAYER) + ["src/app"]:
+    for folder in FOLDER_LAYER:
         for path in sorted((ROOT / folder).glob("*.[ch]*")):
             if path.suffix not in (".h", ".cpp"):
                 continue

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <iostream>
 
-#include "app/application.h"
-#include "app/lw_error.h"
+#include "data/application.h"
 #include "data/schema.h"
+#include "ground/lw_error.h"
 
 int main(int argc, char** argv) {
   if (argc != 2) {

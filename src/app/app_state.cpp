@@ -3,11 +3,11 @@
 #include <array>
 #include <string_view>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
+#include "data/error_handler.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
+#include "lots/security_display.h"
 #include "lots/security_list.h"
 
 namespace lotwise {

@@ -1,10 +1,10 @@
 #include "app/file_location_dialog.h"
 
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "app/ini_file.h"
 #include "app/startup.h"
+#include "data/application.h"
+#include "data/error_handler.h"
+#include "ground/environment.h"
+#include "ground/ini_file.h"
 
 namespace lotwise {
 

@@ -6,17 +6,17 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "app/ini_file.h"
-#include "app/lw_error.h"
-#include "app/paths.h"
-#include "app/value_helpers.h"
+#include "app/taxpayer_dialog.h"
+#include "app/taxpayer_file.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
-#include "data/taxpayer_dialog.h"
-#include "data/taxpayer_file.h"
+#include "data/error_handler.h"
+#include "ground/environment.h"
+#include "ground/ini_file.h"
+#include "ground/lw_error.h"
+#include "ground/paths.h"
+#include "ground/value_helpers.h"
 
 namespace lotwise {
 

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/ui_port.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

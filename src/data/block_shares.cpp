@@ -4,9 +4,9 @@
 #include <map>
 #include <string>
 
-#include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/value_helpers.h"
 
 namespace lotwise {
 

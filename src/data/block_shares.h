@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/date.h"
+#include "ground/date.h"
 
 namespace lotwise {
 

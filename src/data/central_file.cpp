@@ -1,12 +1,13 @@
 #include "data/central_file.h"
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "data/query_builders.h"
 #include "data/upgrades.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
 
 namespace lotwise {
 
@@ -199,6 +200,24 @@ std::vector<CentralSecurity> ListCentralSecurities(Database& central) {
   while (q.Next())
     securities.push_back({q.Text("Sec Symbol"), q.Text("Sec Name"), q.Text("CUSIP")});
   return securities;
+}
+
+std::optional<CentralClient> FindCentralClient(Database& central, std::string_view code) {
+  Query q = Select(central, Query_GetClientCDB(code));
+  if (!q.Next()) return std::nullopt;
+  return CentralClient{q.Text("Client Name"), q.Text("Sort Name"), q.Text("Client Code"),
+                       q.Text("File Name")};
+}
+
+void InsertCentralClient(Database& central, const CentralClient& row) {
+  central.Execute(
+      R"(INSERT INTO "Clients" ("Client Name", "Sort Name", "Client Code", "File Name") )"
+      R"(VALUES (:name, :sort, :code, :file))",
+      {{"name", row.name}, {"sort", row.sort_name}, {"code", row.code}, {"file", row.file_name}});
+}
+
+void DeleteCentralClient(Database& central, const std::string& code) {
+  central.Execute(R"(DELETE FROM "Clients" WHERE "Client Code" = :code)", {{"code", code}});
 }
 
 }  // namespace lotwise

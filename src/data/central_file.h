@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -58,5 +59,21 @@ struct CentralSecurity {
 std::vector<CentralSecurity> ListCentralSecurities(Database& central);
 // Returns the number of program starts counted so far (0 after an error).
 int32_t GetUsageCount(Application& app);
+
+// A taxpayer's row of the central index, as read before it is changed.
+struct CentralClient {
+  std::string name;
+  std::string sort_name;
+  std::string code;
+  std::string file_name;
+};
+
+// Returns the central index row of `code` (compared without regard to
+// case), if there is one.
+std::optional<CentralClient> FindCentralClient(Database& central, std::string_view code);
+// Writes the taxpayer's row of the central index.
+void InsertCentralClient(Database& central, const CentralClient& row);
+// Removes the taxpayer's row of the central index.
+void DeleteCentralClient(Database& central, const std::string& code);
 
 }  // namespace lotwise

@@ -6,8 +6,8 @@
 #include <atomic>
 #include <filesystem>
 
-#include "app/number_text.h"
 #include "data/fault_vfs.h"
+#include "ground/number_text.h"
 
 namespace lotwise {
 
@@ -90,14 +90,6 @@ namespace {
 }
 
 }  // namespace
-
-void StorageFaults::BeforeWrite() {
-  ++writes_;
-  if (fail_at_ != 0 && writes_ == fail_at_) {
-    fail_at_ = 0;
-    throw LwError(err::kSqliteBase + SQLITE_IOERR, "disk I/O error (injected)");
-  }
-}
 
 // ---------------------------------------------------------------- Query
 

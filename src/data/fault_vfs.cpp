@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-#include "data/database.h"
+#include "data/storage_faults.h"
+#include "ground/lw_error.h"
 
 namespace lotwise {
 
@@ -263,26 +264,6 @@ const char* RegisterFaultVfs() {
 
 bool AttachStorageFaults(sqlite3* db, StorageFaults* faults) {
   return sqlite3_file_control(db, "main", kAttachFaultsOp, faults) == SQLITE_OK;
-}
-
-// ---------------------------------------------------------------- StorageFaults
-
-bool StorageFaults::BeforeDiskWrite() {
-  ++disk_writes_;
-  if (disk_write_fail_at_ != 0 && disk_writes_ == disk_write_fail_at_) {
-    disk_write_fail_at_ = 0;
-    return true;
-  }
-  return false;
-}
-
-bool StorageFaults::BeforeDiskSync() {
-  ++disk_syncs_;
-  if (disk_sync_fail_at_ != 0 && disk_syncs_ == disk_sync_fail_at_) {
-    disk_sync_fail_at_ = 0;
-    return true;
-  }
-  return false;
 }
 
 }  // namespace lotwise

@@ -11,10 +11,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/lw_error.h"
-#include "app/paths.h"
 #include "data/database.h"
 #include "data/schema.h"
+#include "ground/lw_error.h"
+#include "ground/paths.h"
 
 namespace lotwise {
 

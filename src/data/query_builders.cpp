@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "app/application.h"
-#include "app/lw_error.h"
-#include "app/ui_port.h"
+#include "data/application.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/date.h"
 #include "data/database.h"
+#include "ground/date.h"
 
 namespace lotwise {
 

@@ -1,8 +1,8 @@
 #include "data/security_history.h"
 
-#include "app/sell_method_codes.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/sell_method_codes.h"
 
 namespace lotwise {
 

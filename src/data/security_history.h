@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/date.h"
 #include "data/entry_rows.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise {
 

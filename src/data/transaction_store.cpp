@@ -4,16 +4,16 @@
 #include <set>
 #include <vector>
 
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/number_text.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
-#include "data/taxpayer_file.h"
+#include "data/schema.h"
+#include "ground/environment.h"
+#include "ground/lw_error.h"
+#include "ground/number_text.h"
+#include "ground/text.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 
@@ -401,19 +401,6 @@ bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost,
   });
 }
 
-bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) {
-  return Trap(app, "UpdateBlock", false, [&] {
-    if (!ConfirmRedate(app, sec_id, block_no, BlockBuyType(app, block_no), date)) return false;
-    Database::Transaction unit(*app.client);
-    RedateBlock(app, sec_id, block_no, date);
-    unit.Commit();
-    if (app.window.display.visible && app.current.sec_id == sec_id) {
-      UpdateTransInBlock(app, app.window.display.trans_filter);
-    }
-    return true;
-  });
-}
-
 bool RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
                    Date date) {
   return Trap(app, "RollBackTable", false, [&] {
@@ -422,37 +409,43 @@ bool RollBackTable(Application& app, std::string_view table, int64_t block_no, i
   });
 }
 
-void DeleteBlock(Application& app) {
-  TrapVoid(app, "DeleteBlock", [&] {
-    const int64_t block_no = app.current.block_no;
-    bool selected = false;
-    {
-      Query blocks = Select(*app.client, Query_GetBlocksInSec(app.current.sec_id));
-      while (blocks.Next()) selected = selected || blocks.Int("Block No") == block_no;
-    }
-    // With lots but none of them selected there is still nothing to delete.
-    if (!selected) {
+void LogChange(Application& app, const std::string& port_name, int64_t sec_id, Date date,
+               const std::string& description) {
+  TrapVoid(app, "LogChange", [&] {
+    std::string text = description;
+    const auto size = static_cast<size_t>(DefinedTextSize("Change", "Description"));
+    if (text.size() > size) {
+      text = TruncateUtf8(text, size);
       app.ui().MessageBox(
-          "There are no blocks to delete. To add a block you need to enter a Buy or Reinvestment.",
-          "No Blocks", Icon::kInformation, Buttons::kOk);
-      return;
+          "Description length error in LogChange(). This error will not affect any of your data, "
+          "and you may continue with your work. Please report the error to Tarnwick Software, Inc.",
+          "Non-Fatal Error", Icon::kInformation, Buttons::kOk);
     }
-    if (!AskYesNo(app,
-                  "You are about to delete Block: " + app.current.block_id +
-                      ". This will also delete all transactions in this block. Are you sure you "
-                      "want to do this?",
-                  "Delete Block?")) {
-      return;
-    }
-    // The block's transactions go with it (the relations cascade).
-    Execute(*app.client, Query_DeleteBlock(block_no));
-    app.current.block_no = 0;
-    app.current.block_id.clear();
-    if (app.window.display.visible) {
-      UpdateSharesInSec(app);
-      DisplayBlock(app);
-    }
+    app.client->Execute(
+        R"(INSERT INTO "Change" ("Date", "Port Name", "Sec ID", "Description") )"
+        R"(VALUES (:date, :port, :sec, :description))",
+        {{"date", date}, {"port", port_name}, {"sec", sec_id}, {"description", text}});
   });
+}
+
+bool ConfirmAndRedateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date) {
+  if (!ConfirmRedate(app, sec_id, block_no, BlockBuyType(app, block_no), date)) return false;
+  Database::Transaction unit(*app.client);
+  RedateBlock(app, sec_id, block_no, date);
+  unit.Commit();
+  return true;
+}
+
+bool SecurityHoldsBlock(Application& app, int64_t sec_id, int64_t block_no) {
+  bool held = false;
+  Query blocks = Select(*app.client, Query_GetBlocksInSec(sec_id));
+  while (blocks.Next()) held = held || blocks.Int("Block No") == block_no;
+  return held;
+}
+
+void DeleteBlockRows(Application& app, int64_t block_no) {
+  // The block's transactions go with it (the relations cascade).
+  Execute(*app.client, Query_DeleteBlock(block_no));
 }
 
 }  // namespace lotwise

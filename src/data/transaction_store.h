@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/currency.h"
-#include "app/date.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise {
 
@@ -77,16 +77,25 @@ bool ModifySplit(Application& app, int64_t unique_id, Date date, double shares,
 bool ModifyAdjust(Application& app, int64_t unique_id, Date date, Currency cost, double shares,
                   const std::string& notes);
 
-// Re-dates block `block_no` of security `sec_id` and gives it the block id
-// for its new date. Returns false when the user declines.
-bool UpdateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date);
 // Deletes the table's rows of the block of that type (99: any) dated after
 // `date`. Returns true iff the delete ran (false after a reported error, so
 // that the caller's roll-back unit is not committed).
 bool RollBackTable(Application& app, std::string_view table, int64_t block_no, int16_t type,
                    Date date);
-// Deletes the block selected in the main window, with its transactions,
-// after the user confirms.
-void DeleteBlock(Application& app);
+
+// Appends one change-log row; a too-long description is cut to the field's
+// size and reported as a non-fatal error.
+void LogChange(Application& app, const std::string& port_name, int64_t sec_id, Date date,
+               const std::string& description);
+
+// Asks, when another buy of security `sec_id` is dated `date`, whether block
+// `block_no` may move there; then moves it to `date` under the next free
+// block id of that date, in one unit of work. Returns true iff it moved.
+// Throws LwError on a storage failure (callers trap it).
+bool ConfirmAndRedateBlock(Application& app, int64_t sec_id, int64_t block_no, Date date);
+// True iff block `block_no` is one of security `sec_id`'s blocks.
+bool SecurityHoldsBlock(Application& app, int64_t sec_id, int64_t block_no);
+// Deletes the block with all its transactions.
+void DeleteBlockRows(Application& app, int64_t block_no);
 
 }  // namespace lotwise

@@ -6,12 +6,12 @@
 #include <utility>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/schema.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

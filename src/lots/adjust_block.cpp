@@ -3,16 +3,16 @@
 #include <cstdint>
 #include <optional>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/entry_rows.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "ground/lw_error.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

@@ -2,15 +2,15 @@
 
 #include <cstdint>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "ground/lw_error.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/currency.h"
-#include "app/date.h"
-#include "app/ui_port.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

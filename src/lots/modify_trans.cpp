@@ -3,16 +3,16 @@
 #include <algorithm>
 #include <optional>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/error_handler.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
 #include "lots/rollback.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

@@ -3,18 +3,17 @@
 #include <set>
 #include <string>
 
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/security_display.h"
-#include "app/sell_method_codes.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/security_history.h"
-#include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
+#include "ground/environment.h"
+#include "ground/number_text.h"
+#include "ground/sell_method_codes.h"
+#include "ground/ui_port.h"
 #include "lots/rebook_plan.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/date.h"
-#include "app/sale_lists.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "ground/sale_lists.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {

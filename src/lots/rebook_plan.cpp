@@ -7,9 +7,9 @@
 #include <string>
 #include <unordered_map>
 
-#include "app/number_text.h"
-#include "app/value_helpers.h"
 #include "data/security_history.h"
+#include "ground/number_text.h"
+#include "ground/value_helpers.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "app/date.h"
 #include "data/security_history.h"
+#include "ground/date.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {

@@ -1,15 +1,15 @@
 #include "lots/rollback.h"
 
-#include "app/application.h"
-#include "app/current_context.h"
-#include "app/error_handler.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
+#include "data/current_context.h"
 #include "data/database.h"
 #include "data/entry_rows.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 
@@ -201,7 +201,7 @@ void RemoveEmptyBlocks(Application& app) {
     }
 
     HideSecDisplay(app);
-    ShowSecDisplay(app, app.current.sec_symbol);
+    FillSecDisplay(app, app.current.sec_id);
     if (!removed.empty()) {
       RemBlocksForm list;
       list.removed = std::move(removed);

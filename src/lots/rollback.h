@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "app/date.h"
-#include "app/ui_port.h"
+#include "ground/date.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

@@ -5,15 +5,14 @@
 #include <string_view>
 #include <vector>
 
-#include "app/application.h"
-#include "app/current_context.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
+#include "data/application.h"
+#include "data/current_context.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
-#include "data/taxpayer_file.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 
@@ -72,67 +71,6 @@ void ShowSecList(Application& app) {
 
 void HideSecList(Application& app) {
   TrapVoid(app, "HideSecList", [&] { app.window.sec_list_visible = false; });
-}
-
-void SecList_Select(Application& app, int index) {
-  TrapVoid(app, "SecList_Select", [&] {
-    MainWindowState& window = app.window;
-    if (window.securities.empty()) {
-      app.ui().MessageBox(
-          "There are no Securities to display. To Add a security to this portfolio, click on the "
-          "'Security' menu , then the 'Add a Security' menu item.",
-          "No Securities!", Icon::kInformation, Buttons::kOk);
-      return;
-    }
-    const int count = static_cast<int>(window.securities.size());
-    if (index >= 0 && index < count) window.selected_security = index;
-    if (window.selected_security < 0 || window.selected_security >= count) {
-      window.selected_security = 0;
-    }
-    const std::string symbol =
-        window.securities[static_cast<size_t>(window.selected_security)].symbol;
-    ShowSecDisplay(app, symbol);
-    if (app.ended) return;
-    // A security that has gone is not opened; the list shows what is left.
-    if (!window.display.visible) {
-      ReloadSecList(app);
-      return;
-    }
-    State(app, kSecOpen);
-  });
-}
-
-void SecList_Delete(Application& app) {
-  TrapVoid(app, "SecList_Delete", [&] {
-    MainWindowState& window = app.window;
-    const int count = static_cast<int>(window.securities.size());
-    if (count == 0) {
-      app.ui().MessageBox(
-          "There are no Securities to delete in this Portfolio. If you want to create a new "
-          "Security, click on the Security menu, and then click on the Add Security menu item.",
-          "Can't delete", Icon::kInformation, Buttons::kOk);
-      return;
-    }
-    const int index = std::clamp(window.selected_security, 0, count - 1);
-    const std::string symbol = window.securities[static_cast<size_t>(index)].symbol;
-    if (app.ui().MessageBox("You are about to delete Security: " + symbol +
-                                ". The Security will be removed from the Portfolio and all blocks "
-                                "in it will be deleted. Are you sure you want to do this?",
-                            "Delete Security?", Icon::kQuestion, Buttons::kYesNo) != Answer::kYes) {
-      return;
-    }
-    app.ui().SetHelpBarText("Deleting Security");
-    if (!DelSec(app, GetCurrPortInfo(app, "[Port Name]"), symbol)) return;
-    HideSecDisplay(app);
-    if (app.ended) return;
-    if (SameSymbol(app.current.sec_symbol, symbol)) {
-      app.current.sec_id = 0;
-      app.current.sec_symbol.clear();
-      app.current.block_no = 0;
-      app.current.block_id.clear();
-    }
-    State(app, kPortOpen);
-  });
 }
 
 }  // namespace lotwise

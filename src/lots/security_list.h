@@ -22,13 +22,4 @@ void HideSecList(Application& app);
 // (callers trap it).
 void ReloadSecList(Application& app, const std::string& symbol = "");
 
-// Opens the security of row `index` (-1: the selected row) in the security
-// display and enters SECOPEN. With an empty list tells the user how to add
-// a security instead.
-void SecList_Select(Application& app, int index = -1);
-// Deletes the selected security, with its blocks and transactions, from the
-// portfolio after the user confirms; hides the display and returns to
-// PORTOPEN with the list reloaded.
-void SecList_Delete(Application& app);
-
 }  // namespace lotwise

@@ -1,10 +1,10 @@
 #include "lots/sell_method.h"
 
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "data/taxpayer_file.h"
+#include "data/application.h"
+#include "data/error_handler.h"
+#include "data/transaction_store.h"
 #include "data/upgrades.h"
+#include "ground/environment.h"
 #include "lots/sell_shares.h"
 
 namespace lotwise {

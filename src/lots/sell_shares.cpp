@@ -5,19 +5,18 @@
 #include <cmath>
 #include <optional>
 
-#include "app/application.h"
-#include "app/environment.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/block_shares.h"
 #include "data/database.h"
 #include "data/entry_rows.h"
-#include "data/taxpayer_file.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
+#include "ground/environment.h"
+#include "ground/number_text.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
+#include "lots/security_display.h"
 #include "lots/sell_specific.h"
 #include "lots/share_rules.h"
 

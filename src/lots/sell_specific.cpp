@@ -1,12 +1,12 @@
 #include "lots/sell_specific.h"
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/block_shares.h"
 #include "data/entry_rows.h"
-#include "lots/sell_shares.h"
+#include "data/error_handler.h"
+#include "ground/number_text.h"
+#include "ground/value_helpers.h"
+#include "lots/sell_shares_form.h"
 
 namespace lotwise {
 

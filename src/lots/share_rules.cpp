@@ -1,7 +1,7 @@
 #include "lots/share_rules.h"
 
-#include "app/value_helpers.h"
 #include "data/transaction_store.h"
+#include "ground/value_helpers.h"
 
 namespace lotwise {
 

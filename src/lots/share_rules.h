@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/sale_lists.h"
+#include "ground/currency.h"
+#include "ground/sale_lists.h"
 
 namespace lotwise {
 

@@ -5,16 +5,16 @@
 #include <set>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/security_display.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/block_shares.h"
 #include "data/database.h"
 #include "data/entry_rows.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "ground/lw_error.h"
+#include "ground/value_helpers.h"
 #include "lots/rebook.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

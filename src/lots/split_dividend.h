@@ -4,9 +4,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/date.h"
-#include "app/ui_port.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "ground/ui_port.h"
 #include "lots/share_rules.h"
 
 namespace lotwise {

@@ -3,13 +3,13 @@
 #include <string>
 #include <vector>
 
-#include "app/app_state.h"
-#include "app/application.h"
-#include "app/current_context.h"
-#include "app/error_handler.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
+#include "data/current_context.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
+#include "ground/window_state.h"
 #include "reports/basis_walk.h"
 #include "reports/report_db.h"
 #include "reports/report_runner.h"
@@ -62,16 +62,12 @@ struct ReportRun {
 
 }  // namespace
 
-Date YearStart(Date year_end) { return year_end.AddYears(-1).AddDays(1); }
-
-Date LongTermDate(Date acquired) { return acquired.AddMonths(12).AddDays(1); }
-
 bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
   return Trap(app, "RunBasisSchedDReport", false, [&] {
     UiPort& ui = app.ui();
     Date year_end;
     if (!DateValid(ui, request.year_end, "Year End Date", year_end)) return false;
-    const int16_t state = State(app, kStateQuery);
+    const int16_t state = app.window.state;
     if (state < kClientOpen || !app.client) {
       ui.MessageBox(
           "You must have a taxpayer open to do a Basis Analysis or Schedule D "

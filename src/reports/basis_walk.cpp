@@ -6,11 +6,11 @@
 #include <utility>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/central_file.h"
+#include "data/error_handler.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "reports/report_db.h"

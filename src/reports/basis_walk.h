@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/date.h"
 #include "data/database.h"
-#include "reports/basis_report.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "reports/basis_request.h"
 
 namespace lotwise {
 

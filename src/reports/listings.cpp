@@ -4,13 +4,13 @@
 #include <utility>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/paths.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
+#include "ground/paths.h"
+#include "ground/ui_port.h"
 #include "lots/sell_shares.h"
 #include "reports/report_db.h"
 #include "reports/report_runner.h"

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 
 namespace lotwise {
 

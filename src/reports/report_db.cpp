@@ -4,10 +4,10 @@
 #include <chrono>
 #include <iterator>
 
-#include "app/application.h"
-#include "app/error_handler.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
 
 namespace lotwise {

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/currency.h"
-#include "app/date.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise {
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <optional>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/error_handler.h"
-#include "app/paths.h"
+#include "data/application.h"
 #include "data/central_file.h"
+#include "data/error_handler.h"
 #include "data/schema.h"
+#include "ground/date.h"
+#include "ground/paths.h"
 #include "reports/basis_report.h"
 #include "reports/listings.h"
 #include "reports/trans_list.h"

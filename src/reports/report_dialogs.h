@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/date.h"
-#include "app/ui_port.h"
+#include "ground/date.h"
+#include "ground/ui_port.h"
 
 namespace lotwise {
 

@@ -11,12 +11,12 @@
 #include <optional>
 #include <sstream>
 
-#include "app/currency.h"
-#include "app/date.h"
-#include "app/lw_error.h"
-#include "app/number_text.h"
-#include "app/value_helpers.h"
 #include "data/database.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "ground/lw_error.h"
+#include "ground/number_text.h"
+#include "ground/value_helpers.h"
 #include "reports/report_layout.h"
 
 namespace lotwise {

@@ -1,6 +1,6 @@
 #include "reports/report_layout.h"
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 #include "reports/pdf_writer.h"
 
 namespace lotwise {

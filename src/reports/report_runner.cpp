@@ -1,10 +1,10 @@
 #include "reports/report_runner.h"
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/lw_error.h"
-#include "app/ui_port.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
 #include "reports/report_engine.h"
 
 namespace lotwise {

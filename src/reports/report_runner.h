@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "reports/basis_report.h"
+#include "reports/basis_request.h"
 
 namespace lotwise {
 

@@ -5,13 +5,13 @@
 #include <fstream>
 #include <string_view>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/paths.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "ground/number_text.h"
+#include "ground/paths.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
 
 namespace lotwise {
 

@@ -7,16 +7,16 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/paths.h"
-#include "app/ui_port.h"
-#include "app/value_helpers.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
+#include "ground/number_text.h"
+#include "ground/paths.h"
+#include "ground/ui_port.h"
+#include "ground/value_helpers.h"
 #include "reports/report_db.h"
 #include "reports/report_runner.h"
 

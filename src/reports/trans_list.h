@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "app/date.h"
+#include "ground/date.h"
 #include "reports/basis_report.h"
 
 namespace lotwise {

@@ -5,7 +5,7 @@
 #include <typeinfo>
 #include <unordered_map>
 
-#include "app/ui_port.h"
+#include "ground/ui_port.h"
 #include "ui/form_window.h"
 
 class QWidget;

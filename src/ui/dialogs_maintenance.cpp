@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "data/maintenance.h"
+#include "app/maintenance.h"
+#include "data/application.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 

@@ -7,7 +7,7 @@
 #include <tuple>
 #include <vector>
 
-#include "app/application.h"
+#include "data/application.h"
 #include "reports/report_dialogs.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"

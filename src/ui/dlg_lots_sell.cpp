@@ -15,8 +15,8 @@
 #include <QStringList>
 #include <QTableView>
 
-#include "app/application.h"
-#include "app/number_text.h"
+#include "data/application.h"
+#include "ground/number_text.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "lots/sell_specific.h"

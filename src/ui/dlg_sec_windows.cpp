@@ -4,10 +4,10 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "app/value_helpers.h"
+#include "app/add_mod_sec.h"
+#include "app/sec_symbol.h"
 #include "data/schema.h"
-#include "lots/add_mod_sec.h"
-#include "lots/sec_symbol.h"
+#include "ground/value_helpers.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 

@@ -4,9 +4,9 @@
 #include <QPushButton>
 
 #include "app/file_location_dialog.h"
-#include "data/portfolio_dialogs.h"
+#include "app/portfolio_dialogs.h"
+#include "app/taxpayer_dialog.h"
 #include "data/schema.h"
-#include "data/taxpayer_dialog.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 

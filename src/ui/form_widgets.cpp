@@ -12,10 +12,10 @@
 #include <QTextEdit>
 #include <QValidator>
 
-#include "app/application.h"
-#include "app/date.h"
-#include "app/number_text.h"
-#include "app/ui_port.h"
+#include "data/application.h"
+#include "ground/date.h"
+#include "ground/number_text.h"
+#include "ground/ui_port.h"
 
 namespace lotwise::ui {
 

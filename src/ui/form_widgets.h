@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/currency.h"
-#include "app/date.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 class QLineEdit;
 class QWidget;

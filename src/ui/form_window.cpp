@@ -17,8 +17,8 @@
 #include <QVBoxLayout>
 #include <map>
 
-#include "app/application.h"
-#include "app/ui_port.h"
+#include "data/application.h"
+#include "ground/ui_port.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::ui {

@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "app/currency.h"
+#include "ground/currency.h"
 
 class QButtonGroup;
 class QCheckBox;

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "app/number_text.h"
+#include "ground/number_text.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::ui {

@@ -12,9 +12,9 @@
 #include <cstdlib>
 #include <memory>
 
-#include "app/application.h"
-#include "app/environment.h"
 #include "app/startup.h"
+#include "data/application.h"
+#include "ground/environment.h"
 #include "ui/main_window.h"
 #include "ui/qt_ui_port.h"
 #include "ui/splash.h"

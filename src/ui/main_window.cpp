@@ -25,12 +25,13 @@
 #include <iterator>
 #include <vector>
 
-#include "app/application.h"
 #include "app/main_window_commands.h"
-#include "app/security_display.h"
-#include "app/ui_port.h"
+#include "app/security_commands.h"
+#include "app/taxpayer_file.h"
+#include "data/application.h"
 #include "data/central_file.h"
-#include "data/taxpayer_file.h"
+#include "ground/ui_port.h"
+#include "lots/security_display.h"
 #include "lots/security_list.h"
 #include "lots/sell_shares.h"
 #include "ui/form_widgets.h"

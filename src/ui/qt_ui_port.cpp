@@ -14,7 +14,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
-#include "app/application.h"
+#include "data/application.h"
 #include "ui/form_widgets.h"
 #include "ui/main_window.h"
 #include "ui/report_viewer.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "app/ui_port.h"
+#include "ground/ui_port.h"
 #include "ui/dialog_registry.h"
 
 class QWidget;

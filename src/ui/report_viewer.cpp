@@ -28,7 +28,7 @@
 #include <memory>
 #include <utility>
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 #include "reports/pdf_writer.h"
 #include "reports/report_document.h"
 #include "ui/form_widgets.h"

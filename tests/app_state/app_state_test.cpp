@@ -6,8 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "app/security_display.h"
+#include "app/security_commands.h"
 #include "app_state/window_fixture.h"
+#include "lots/security_display.h"
 
 namespace lotwise::testing {
 namespace {

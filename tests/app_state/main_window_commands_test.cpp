@@ -5,9 +5,10 @@
 #include <ostream>
 #include <string>
 
-#include "app/security_display.h"
+#include "app/security_commands.h"
 #include "app_state/window_fixture.h"
 #include "data/transaction_store.h"
+#include "lots/security_display.h"
 #include "lots/security_list.h"
 
 namespace lotwise::testing {

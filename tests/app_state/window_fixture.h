@@ -6,11 +6,11 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/application.h"
-#include "app/currency.h"
-#include "app/date.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

@@ -1,4 +1,4 @@
-#include "app/error_handler.h"
+#include "data/error_handler.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/number_text.h"
+#include "ground/number_text.h"
 #include "lots_buy/lots_fixture.h"
 
 namespace lotwise::testing {

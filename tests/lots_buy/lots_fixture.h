@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "app/error_handler.h"
-#include "app/security_display.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "lots/security_display.h"
 #include "support/app_fixture.h"
 #include "support/values.h"
 

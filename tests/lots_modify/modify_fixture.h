@@ -6,11 +6,12 @@
 #include <string_view>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "lots/security_display.h"
 #include "support/app_fixture.h"
 #include "support/values.h"
 

@@ -1,4 +1,4 @@
-#include "lots/add_mod_sec.h"
+#include "app/add_mod_sec.h"
 
 #include <gtest/gtest.h>
 

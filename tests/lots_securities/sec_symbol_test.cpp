@@ -1,4 +1,4 @@
-#include "lots/sec_symbol.h"
+#include "app/sec_symbol.h"
 
 #include <gtest/gtest.h>
 
@@ -7,10 +7,11 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/date.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
 #include "data/central_file.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
+#include "lots/security_display.h"
 #include "lots_securities/securities_fixture.h"
 
 namespace lotwise::testing {

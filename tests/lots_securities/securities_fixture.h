@@ -5,11 +5,11 @@
 #include <functional>
 #include <string>
 
-#include "app/application.h"
+#include "app/add_mod_sec.h"
+#include "app/sec_symbol.h"
+#include "app/taxpayer_file.h"
+#include "data/application.h"
 #include "data/database.h"
-#include "data/taxpayer_file.h"
-#include "lots/add_mod_sec.h"
-#include "lots/sec_symbol.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

@@ -6,12 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
-#include "app/number_text.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "ground/number_text.h"
+#include "lots/security_display.h"
 #include "lots/sell_shares.h"
 #include "lots/sell_specific.h"
 #include "support/app_fixture.h"

@@ -1,12 +1,12 @@
-#include "data/maintenance.h"
+#include "app/maintenance.h"
 
 #include <filesystem>
 #include <fstream>
 
 #include "app/app_state.h"
-#include "app/paths.h"
 #include "app/startup.h"
 #include "data/database.h"
+#include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
 
 namespace lotwise::testing {

@@ -7,10 +7,10 @@
 #include <utility>
 #include <vector>
 
-#include "app/application.h"
-#include "app/number_text.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/number_text.h"
 #include "reports/basis_report.h"
 #include "support/app_fixture.h"
 #include "support/values.h"

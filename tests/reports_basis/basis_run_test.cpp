@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "app/app_state.h"
-#include "app/error_handler.h"
+#include "data/error_handler.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "reports/report_runner.h"

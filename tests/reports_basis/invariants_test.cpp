@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "app/value_helpers.h"
+#include "ground/value_helpers.h"
 #include "lots/sell_shares.h"
 #include "reports/basis_walk.h"
 #include "reports_basis/basis_fixture.h"

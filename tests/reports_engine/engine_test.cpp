@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 #include "reports/pdf_writer.h"
 #include "reports/report_engine.h"
 #include "reports_engine/report_fixture.h"

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "app/error_handler.h"
-#include "app/lw_error.h"
+#include "data/error_handler.h"
+#include "ground/lw_error.h"
 #include "reports/pdf_writer.h"
 #include "reports_engine/report_fixture.h"
 

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "app/app_state.h"
+#include "app/taxpayer_file.h"
 #include "data/central_file.h"
-#include "data/taxpayer_file.h"
 #include "reports/trans_list.h"
 #include "reports_listings/listing_fixture.h"
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "app/error_handler.h"
+#include "data/error_handler.h"
 #include "reports_listings/listing_fixture.h"
 
 namespace lotwise::testing {

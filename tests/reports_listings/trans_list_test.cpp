@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "app/app_state.h"
-#include "app/number_text.h"
+#include "app/taxpayer_file.h"
 #include "data/central_file.h"
-#include "data/taxpayer_file.h"
 #include "data/transaction_store.h"
+#include "ground/number_text.h"
 #include "reports_listings/listing_fixture.h"
 
 namespace lotwise::testing {

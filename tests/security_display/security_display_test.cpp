@@ -1,4 +1,4 @@
-#include "app/security_display.h"
+#include "lots/security_display.h"
 
 #include <gtest/gtest.h>
 
@@ -6,13 +6,15 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
+#include "app/add_mod_sec.h"
+#include "app/security_commands.h"
 #include "app_state/window_fixture.h"
+#include "data/application.h"
 #include "data/central_file.h"
 #include "data/database.h"
 #include "data/schema.h"
 #include "data/transaction_store.h"
-#include "lots/add_mod_sec.h"
+#include "lots/block_edit.h"
 #include "lots/security_list.h"
 #include "support/values.h"
 

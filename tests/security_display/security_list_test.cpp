@@ -5,10 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
 #include "app_state/window_fixture.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "lots/security_display.h"
 
 namespace lotwise::testing {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "app/application.h"
 #include "app/startup.h"
+#include "app/taxpayer_dialog.h"
+#include "data/application.h"
 #include "data/database.h"
-#include "data/taxpayer_dialog.h"
 #include "startup_fixture.h"
 
 namespace lotwise {

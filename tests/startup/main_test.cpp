@@ -2,12 +2,12 @@
 
 #include <filesystem>
 
-#include "app/application.h"
-#include "app/error_handler.h"
 #include "app/file_location_dialog.h"
-#include "app/paths.h"
 #include "app/startup.h"
+#include "data/application.h"
 #include "data/central_file.h"
+#include "data/error_handler.h"
+#include "ground/paths.h"
 #include "startup_fixture.h"
 
 namespace lotwise {

@@ -2,10 +2,10 @@
 
 #include <filesystem>
 
-#include "app/application.h"
-#include "app/ini_file.h"
-#include "app/lw_error.h"
 #include "app/startup.h"
+#include "data/application.h"
+#include "ground/ini_file.h"
+#include "ground/lw_error.h"
 #include "startup_fixture.h"
 
 namespace lotwise {

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <string>
 
-#include "app/ini_file.h"
+#include "ground/ini_file.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

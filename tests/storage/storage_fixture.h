@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/error_handler.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <random>
 
-#include "app/error_handler.h"
-#include "app/paths.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/schema.h"
+#include "ground/paths.h"
 
 namespace lotwise::testing {
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "app/application.h"
+#include "data/application.h"
 #include "support/fake_environment.h"
 #include "support/scenario.h"
 #include "support/scripted_ui.h"

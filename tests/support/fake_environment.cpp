@@ -1,6 +1,6 @@
 #include "support/fake_environment.h"
 
-#include "app/date.h"
+#include "ground/date.h"
 
 namespace lotwise::testing {
 

@@ -3,7 +3,7 @@
 #include <chrono>
 #include <string>
 
-#include "app/environment.h"
+#include "ground/environment.h"
 
 namespace lotwise::testing {
 

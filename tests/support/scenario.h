@@ -4,10 +4,10 @@
 #include <functional>
 #include <string>
 
-#include "app/currency.h"
-#include "app/date.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise::testing {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/ui_port.h"
+#include "ground/ui_port.h"
 #include "reports/report_document.h"
 
 namespace lotwise::testing {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/currency.h"
-#include "app/date.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise::testing {
 

@@ -5,10 +5,10 @@
 #include <functional>
 #include <string>
 
-#include "app/application.h"
+#include "app/portfolio_dialogs.h"
+#include "app/taxpayer_dialog.h"
+#include "data/application.h"
 #include "data/database.h"
-#include "data/portfolio_dialogs.h"
-#include "data/taxpayer_dialog.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

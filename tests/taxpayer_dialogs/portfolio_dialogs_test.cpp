@@ -1,4 +1,4 @@
-#include "data/portfolio_dialogs.h"
+#include "app/portfolio_dialogs.h"
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/date.h"
-#include "data/taxpayer_file.h"
+#include "app/taxpayer_file.h"
 #include "data/transaction_store.h"
+#include "ground/date.h"
 #include "taxpayer_dialogs/dialogs_fixture.h"
 
 namespace lotwise::testing {

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/paths.h"
-#include "data/taxpayer_dialog.h"
+#include "app/taxpayer_dialog.h"
+#include "ground/paths.h"
 #include "taxpayer_dialogs/dialogs_fixture.h"
 
 namespace lotwise::testing {

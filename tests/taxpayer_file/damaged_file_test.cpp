@@ -3,8 +3,9 @@
 #include <fstream>
 
 #include "app/app_state.h"
-#include "app/error_handler.h"
-#include "data/taxpayer_file.h"
+#include "app/taxpayer_dialog.h"
+#include "app/taxpayer_file.h"
+#include "data/error_handler.h"
 #include "taxpayer_fixture.h"
 
 namespace lotwise::testing {

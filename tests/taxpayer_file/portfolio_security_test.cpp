@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "app/app_state.h"
+#include "app/taxpayer_file.h"
 #include "data/central_file.h"
-#include "data/taxpayer_file.h"
 #include "taxpayer_file/taxpayer_fixture.h"
 
 namespace lotwise::testing {

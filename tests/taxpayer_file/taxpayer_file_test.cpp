@@ -1,4 +1,4 @@
-#include "data/taxpayer_file.h"
+#include "app/taxpayer_file.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/error_handler.h"
-#include "data/taxpayer_dialog.h"
+#include "app/taxpayer_dialog.h"
+#include "data/error_handler.h"
 #include "taxpayer_file/taxpayer_fixture.h"
 
 namespace lotwise::testing {

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/paths.h"
+#include "data/application.h"
 #include "data/database.h"
+#include "ground/paths.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {

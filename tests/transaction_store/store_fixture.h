@@ -5,10 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "app/currency.h"
-#include "app/date.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
 #include "support/values.h"

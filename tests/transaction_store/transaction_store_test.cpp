@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "app/error_handler.h"
 #include "data/database.h"
+#include "data/error_handler.h"
+#include "lots/block_edit.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {

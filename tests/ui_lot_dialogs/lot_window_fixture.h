@@ -13,11 +13,12 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
-#include "app/number_text.h"
-#include "app/security_display.h"
+#include "app/security_commands.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "ground/number_text.h"
+#include "lots/security_display.h"
 #include "support/app_fixture.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"

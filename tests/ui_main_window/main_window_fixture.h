@@ -10,9 +10,10 @@
 #include <vector>
 
 #include "app/app_state.h"
-#include "app/application.h"
+#include "app/security_commands.h"
+#include "app/taxpayer_file.h"
 #include "app_state/window_fixture.h"
-#include "data/taxpayer_file.h"
+#include "data/application.h"
 #include "lots/security_list.h"
 #include "ui/form_widgets.h"
 #include "ui/main_window.h"

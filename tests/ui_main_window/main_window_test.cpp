@@ -11,9 +11,9 @@
 #include <string>
 #include <vector>
 
-#include "app/security_display.h"
 #include "data/database.h"
 #include "data/transaction_store.h"
+#include "lots/security_display.h"
 #include "ui/grid_models.h"
 #include "ui_main_window/main_window_fixture.h"
 

@@ -11,7 +11,7 @@
 #include <ostream>
 #include <string>
 
-#include "app/application.h"
+#include "data/application.h"
 #include "lots/buy_reinvest.h"
 #include "ui/form_widgets.h"
 #include "ui/qt_ui_port.h"

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "app/add_mod_sec.h"
+#include "app/portfolio_dialogs.h"
 #include "app/startup.h"
+#include "app/taxpayer_dialog.h"
 #include "data/database.h"
-#include "data/portfolio_dialogs.h"
-#include "data/taxpayer_dialog.h"
-#include "lots/add_mod_sec.h"
 #include "lots/buy_reinvest.h"
 #include "lots/sell_shares.h"
 #include "ui/grid_models.h"

@@ -7,8 +7,8 @@
 #include <QtTest/QTest>
 #include <functional>
 
-#include "app/paths.h"
-#include "data/maintenance.h"
+#include "app/maintenance.h"
+#include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
 #include "ui/dialog_registry.h"
 

@@ -14,7 +14,7 @@
 #include <string>
 #include <vector>
 
-#include "app/application.h"
+#include "data/application.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
 #include "ui/dialog_registry.h"

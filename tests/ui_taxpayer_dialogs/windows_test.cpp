@@ -1,14 +1,14 @@
 #include <QLabel>
 
+#include "app/add_mod_sec.h"
 #include "app/app_state.h"
 #include "app/file_location_dialog.h"
-#include "app/ini_file.h"
+#include "app/portfolio_dialogs.h"
+#include "app/sec_symbol.h"
 #include "app/startup.h"
-#include "data/portfolio_dialogs.h"
-#include "data/taxpayer_dialog.h"
-#include "data/taxpayer_file.h"
-#include "lots/add_mod_sec.h"
-#include "lots/sec_symbol.h"
+#include "app/taxpayer_dialog.h"
+#include "app/taxpayer_file.h"
+#include "ground/ini_file.h"
 #include "ui_taxpayer_dialogs/window_fixture.h"
 
 namespace lotwise::testing {

@@ -7,10 +7,10 @@
 #include <ostream>
 #include <string>
 
-#include "app/error_handler.h"
-#include "app/paths.h"
 #include "data/database.h"
+#include "data/error_handler.h"
 #include "data/schema.h"
+#include "ground/paths.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
 

@@ -1,8 +1,8 @@
-#include "app/currency.h"
+#include "ground/currency.h"
 
 #include <gtest/gtest.h>
 
-#include "app/lw_error.h"
+#include "ground/lw_error.h"
 
 namespace lotwise {
 namespace {

@@ -1,4 +1,4 @@
-#include "app/date.h"
+#include "ground/date.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "app/value_helpers.h"
+#include "ground/value_helpers.h"
 
 #include <gtest/gtest.h>
 
-#include "app/lw_error.h"
-#include "app/number_text.h"
+#include "ground/lw_error.h"
+#include "ground/number_text.h"
 #include "support/scripted_ui.h"
 
 namespace lotwise {
