@@ -14,8 +14,8 @@
 #include "app/ui_port.h"
 #include "app/value_helpers.h"
 #include "data/central_file.h"
-#include "data/database.h"
-#include "data/query_builders.h"
+#include "data/entry_rows.h"
+#include "data/security_rows.h"
 #include "data/upgrades.h"
 #include "lots/add_mod_sec.h"
 #include "lots/security_list.h"
@@ -48,34 +48,18 @@ bool AskReEnterDeletedSymbol(Application& app, const std::string& symbol) {
          Answer::kYes;
 }
 
-// The security's row of the saved query "Get a Security" in the current
-// portfolio.
-struct SecurityRecord {
-  int64_t sec_id = 0;
-  std::string symbol;
-  std::optional<std::string> second_line;
-  std::optional<int64_t> sell_method;
-};
-
-// Returns the security's row, or nothing when the portfolio no longer holds
-// it (another user of a shared file may have deleted it).
-std::optional<SecurityRecord> GetASecurity(Application& app, const std::string& symbol) {
-  const std::string port = GetCurrPortInfo(app, "[Port Name]");
-  Query q =
-      ClientFile(app).SelectSaved("Get a Security", {{"sPortName", port}, {"sSecSymbol", symbol}});
-  if (!q.Next()) return std::nullopt;
-  SecurityRecord record;
-  record.sec_id = q.Int("Sec ID");
-  record.symbol = q.Text("Sec Symbol");
-  record.second_line = q.OptionalText("2nd Line");
-  if (!q.IsNull("Sell Method")) record.sell_method = q.Int("Sell Method");
-  return record;
+// Returns the security's row in the current portfolio, or nothing when the
+// portfolio no longer holds it (another user of a shared file may have
+// deleted it).
+std::optional<SecurityOnFile> GetASecurity(Application& app, const std::string& symbol) {
+  return FindSecurity(ClientFile(app), GetCurrPortInfo(app, "[Port Name]"), symbol);
 }
 
 std::vector<BlockRow> ReadBlocks(Application& app, int64_t sec_id) {
   std::vector<BlockRow> rows;
-  Query q = Select(ClientFile(app), Query_GetBlocksInSec(sec_id));
-  while (q.Next()) rows.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date")});
+  for (const BlockOnFile& block : BlocksOfSecurity(ClientFile(app), sec_id)) {
+    rows.push_back({block.block_no, block.block_id, block.date});
+  }
   return rows;
 }
 
@@ -95,11 +79,7 @@ int FindBlockId(const std::vector<BlockRow>& rows, std::string_view block_id) {
 
 void ComputeTotalShares(Application& app) {
   app.ui().SetHelpBarText("Calculating Total Shares");
-  double total = 0;
-  Query q = ClientFile(app).SelectSaved("Total Shares Per Table", {{"lSecID", app.current.sec_id}});
-  while (q.Next()) {
-    if (!q.IsNull("Total Shares")) total += q.Double("Total Shares");
-  }
+  const double total = TotalSharesOfSecurity(ClientFile(app), app.current.sec_id);
   app.window.display.total_shares = NumberText(RoundShares(total));
 }
 
@@ -121,7 +101,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
       if (app.ended) return;
     }
 
-    std::optional<SecurityRecord> found = GetASecurity(app, symbol);
+    std::optional<SecurityOnFile> found = GetASecurity(app, symbol);
     if (found && !found->sell_method) {
       AddSellMethod(app, symbol, kNotSelectedMethod);
       if (app.ended) return;
@@ -134,7 +114,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
                           "Security not found", Icon::kInformation, Buttons::kOk);
       return;
     }
-    const SecurityRecord& record = *found;
+    const SecurityOnFile& record = *found;
 
     SecurityDisplay& display = app.window.display;
     display.sec_name = name;
@@ -193,30 +173,18 @@ void UpdateTransInBlock(Application& app, int16_t type_index) {
 
     BlockRow& block = display.blocks[static_cast<size_t>(display.selected_block)];
     Database& db = ClientFile(app);
-    {
-      // A re-dated block keeps its row in the grid; its new id and date are
-      // read here so that the caption and the current block never go stale.
-      Query fresh = db.Select(R"(SELECT "Block ID", "Date" FROM "Blocks" WHERE "Block No" = :n)",
-                              {{"n", block.block_no}});
-      if (fresh.Next()) {
-        block.block_id = fresh.Text("Block ID");
-        block.date = fresh.DateValue("Date");
-      }
+    // A re-dated block keeps its row in the grid; its new id and date are
+    // read here so that the caption and the current block never go stale.
+    if (const std::optional<BlockOnFile> fresh = FindBlock(db, block.block_no)) {
+      block.block_id = fresh->block_id;
+      block.date = fresh->date;
     }
     std::vector<TransactionRow> rows;
-    Query q = Select(db, Query_TransInBlock(block.block_no, static_cast<TransKind>(type_index)));
-    while (q.Next()) {
-      TransactionRow row;
-      row.date = q.DateValue("Date");
-      row.transaction = q.Text("Transaction");
-      row.cost = q.Money("Cost");
-      row.sale_price = q.Money("Sale Price");
-      row.shares = q.Double("Shares");
-      row.fee = q.Money("Fee");
-      row.notes = q.Text("Notes");
-      row.unique_id = q.Int("Unique ID");
-      row.prec_sort = static_cast<int16_t>(q.Int("Prec Sort"));
-      rows.push_back(std::move(row));
+    for (ListedTransaction& listed :
+         TransactionsInBlock(db, block.block_no, static_cast<TransKind>(type_index))) {
+      rows.push_back({listed.date, std::move(listed.transaction), listed.cost, listed.sale_price,
+                      listed.shares, listed.fee, std::move(listed.notes), listed.unique_id,
+                      listed.prec_sort});
     }
     display.transactions = std::move(rows);
     display.selected_transaction = display.transactions.empty() ? -1 : 0;

@@ -7,7 +7,6 @@
 #include "app/value_helpers.h"
 #include "data/database.h"
 #include "data/entry_rows.h"
-#include "data/query_builders.h"
 #include "data/transaction_store.h"
 #include "lots/rebook.h"
 
@@ -185,7 +184,7 @@ void RemoveEmptyBlocks(Application& app) {
       const int count = static_cast<int>(blocks.size());
       for (int i = 0; i < count; ++i) {
         if (BlockIsEmpty(app, blocks[i].block_no)) {
-          Execute(*app.client, Query_DeleteBlock(blocks[i].block_no));
+          DeleteBlockRow(*app.client, blocks[i].block_no);
           removed.push_back(blocks[i].block_id);
         }
         app.ui().SetGauge(kGaugeDeleted + (kGaugeDone - kGaugeDeleted) * (i + 1) / count);

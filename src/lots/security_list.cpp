@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "app/application.h"
@@ -11,8 +12,7 @@
 #include "app/lw_error.h"
 #include "app/security_display.h"
 #include "app/ui_port.h"
-#include "data/database.h"
-#include "data/query_builders.h"
+#include "data/security_rows.h"
 #include "data/taxpayer_file.h"
 
 namespace lotwise {
@@ -39,9 +39,8 @@ int FindSymbol(const std::vector<SecurityRow>& rows, std::string_view symbol) {
 
 std::vector<SecurityRow> ReadSecurities(Application& app) {
   std::vector<SecurityRow> rows;
-  Query q = Select(ClientFile(app), Query_SecsInPort(app.current.port_name));
-  while (q.Next()) {
-    rows.push_back({q.Text("Sec Symbol"), q.Text("2nd Line"), q.Int("Sec ID")});
+  for (SecurityOnFile& sec : SecurityListOfPort(ClientFile(app), app.current.port_name)) {
+    rows.push_back({std::move(sec.symbol), sec.second_line.value_or(""), sec.sec_id});
   }
   return rows;
 }
