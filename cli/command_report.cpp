@@ -12,6 +12,9 @@
 #include "commands.h"
 #include "data/application.h"
 #include "data/database.h"
+#include "data/application.h"
+#include "ground/lw_error.h"
+#include "data/security_rows.h"
 #include "lots/sell_shares.h"
 #include "report_output.h"
 #include "reports/basis_report.h"
@@ -109,9 +112,9 @@ std::optional<ReportScope> ResolveScope(const ScopeOptions& where) {
 std::string OnlyPortfolioHolding(Session& session, const std::string& symbol) {
   std::vector<std::string> holders;
   try {
-    Query ports = session.app.client->SelectSaved(
-        "Get Ports For Sec", {{"sSecSymbol", symbol}, {"sPortName", std::string("*")}});
-    while (ports.Next()) holders.push_back(ports.Text("Port Name"));
+    for (const SecurityOnFile& holding : HoldingsOfSecurity(*session.app.client, symbol, "*")) {
+      holders.push_back(holding.port_name);
+    }
   } catch (const LwError& error) {
     std::cerr << "cannot look up the portfolios of " << symbol << ": " << error.text() << '\n';
     return {};

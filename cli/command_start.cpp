@@ -9,6 +9,7 @@
 #include "commands.h"
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_index.h"
 #include "data/database.h"
 #include "ground/paths.h"
 
@@ -19,18 +20,13 @@ namespace fs = std::filesystem;
 
 std::string DataVersion(Database& central) {
   try {
-    Query query = central.Select(R"(SELECT "Version" FROM "Version")");
-    return query.Next() ? query.Text("Version") : "(none)";
+    return CentralDataVersion(central).value_or("(none)");
   } catch (const LwError& error) {
     return "(unreadable: " + error.text() + ")";
   }
 }
 
-long long CountIndexed(Database& central) {
-  Query query = central.Select(R"(SELECT count(*) AS n FROM "Clients")");
-  query.Next();
-  return query.Int("n");
-}
+long long CountIndexed(Database& central) { return CountIndexedClients(central); }
 
 // `start`: the start-up and shut-down of the program against its data
 // folders, telling what happened on the way.

@@ -6,6 +6,11 @@
 #include "data/application.h"
 #include "data/database.h"
 #include "data/query_builders.h"
+#include "data/application.h"
+#include "data/client_info.h"
+#include "app/portfolio_dialogs.h"
+#include "data/security_rows.h"
+#include "app/add_mod_sec.h"
 
 namespace lotwise::cli {
 
@@ -17,18 +22,16 @@ DialogPlay::DialogPlay(ConsoleUi& ui, ConsoleUi::ModalHandler play)
 DialogPlay::~DialogPlay() { ui_.SetModalHandler(std::move(previous_)); }
 
 std::optional<std::string> FindPortfolio(Application& app, const std::string& name) {
-  Query port = Select(*app.client, Query_GetPort(name));
-  if (!port.Next()) return std::nullopt;
-  return port.Text("Port Name");
+  std::optional<PortfolioOnFile> port = lotwise::FindPortfolio(*app.client, name);
+  if (!port) return std::nullopt;
+  return port->name;
 }
 
 std::optional<std::string> FindSecurity(Application& app, const std::string& port_name,
                                         const std::string& symbol) {
-  Query security = app.client->Select(
-      R"(SELECT "Sec Symbol" FROM "Security" WHERE "Port Name" = :port AND "Sec Symbol" = :symbol)",
-      {{"port", port_name}, {"symbol", symbol}});
-  if (!security.Next()) return std::nullopt;
-  return security.Text("Sec Symbol");
+  std::optional<SecurityOnFile> security = lotwise::FindSecurity(*app.client, port_name, symbol);
+  if (!security) return std::nullopt;
+  return security->symbol;
 }
 
 bool NewPortfolio(Session& session, const std::string& name, const std::string& second_line) {

@@ -9,6 +9,7 @@
 #include "data/database.h"
 #include "ground/date.h"
 #include "ground/number_text.h"
+#include "reports/report_db.h"
 
 namespace lotwise::cli {
 
@@ -99,15 +100,6 @@ std::string ValueJson(const Query& row, const std::string& column) {
   return JsonString(row.Text(name));
 }
 
-std::string QuotedIdentifier(std::string_view name) {
-  std::string quoted = "\"";
-  for (char c : name) {
-    if (c == '"') quoted += '"';
-    quoted += c;
-  }
-  return quoted + '"';
-}
-
 }  // namespace
 
 FieldKind KindOfField(std::string_view field) {
@@ -157,7 +149,7 @@ std::string ReportTablesJson(Database& report_db, const std::vector<std::string>
     json += first_table ? "\n  " : ",\n  ";
     first_table = false;
     json += JsonString(table) + ": [";
-    Query rows = report_db.Select("SELECT * FROM " + QuotedIdentifier(table) + " ORDER BY rowid");
+    Query rows = ReadReportTable(report_db, table);
     std::vector<std::string> columns;
     for (int i = 0; i < rows.ColumnCount(); ++i) {
       std::string column = rows.ColumnName(i);

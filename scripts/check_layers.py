@@ -8,7 +8,12 @@ layer above, and no set of modules may include each other in a cycle.
     python3 scripts/check_layers.py            # the verdict and the offences
     python3 scripts/check_layers.py --counts   # also the counts, for notes
 
-Exits 1 when an include points up or modules form a cycle, 0 otherwise.
+It also checks that SQL stays in the storage layer: outside src/data (and
+the report database's own module, src/reports/report_db) no source file
+includes SQLiteCpp or holds a SQL statement in a string literal.
+
+Exits 1 when an include points up, modules form a cycle or SQL is found
+outside its home, 0 otherwise.
 """
 import pathlib
 import re
@@ -23,6 +28,31 @@ FOLDER_LAYER = {"src/ground": GROUND, "src/data": DATA, "src/lots": LOTS,
                 "src/reports": REPORTS, "src/app": APPLICATION, "src/ui": FRONT, "cli": FRONT}
 
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.M)
+
+SQL_HOMES = ("src/data/", "src/reports/report_db.")
+# Character literals first, so that '"' opens no string; raw strings whole.
+LITERAL = re.compile(r"'(?:[^'\\\n]|\\.)*'|R\"\((.*?)\)\"|\"((?:[^\"\\\n]|\\.)*)\"", re.S)
+STATEMENT = re.compile(r'\b(SELECT\s+[\w"*(]|INSERT\s+INTO|DELETE\s+FROM|UPDATE\s+"|CREATE\s+TABLE)')
+SQLITE_INCLUDE = re.compile(r'^\s*#\s*include\s+[<"]SQLiteCpp', re.M)
+
+
+def sql_offences():
+    """Source files outside the storage layer with SQL or SQLiteCpp in them."""
+    found = []
+    for folder in ("src", "cli"):
+        for path in sorted((ROOT / folder).rglob("*")):
+            rel = path.relative_to(ROOT).as_posix()
+            if path.suffix not in (".h", ".cpp") or rel.startswith(SQL_HOMES):
+                continue
+            text = path.read_text(encoding="utf-8")
+            if SQLITE_INCLUDE.search(text):
+                found.append(f"sql: {rel} includes SQLiteCpp")
+            for match in LITERAL.finditer(text):
+                literal = match.group(1) or match.group(2) or ""
+                if STATEMENT.search(literal):
+                    line = text.count("\n", 0, match.start()) + 1
+                    found.append(f"sql: {rel}:{line} holds a SQL statement")
+    return found
 
 
 def module_of(path: pathlib.Path) -> str:
@@ -103,11 +133,14 @@ def main():
         print(f"up: {a} ({LAYER_NAMES[layer_of(a)]}) includes {b} ({LAYER_NAMES[layer_of(b)]})")
     for component in found:
         print(f"cycle of {len(component)} modules: " + " ".join(component))
+    misplaced_sql = sql_offences()
+    for offence in misplaced_sql:
+        print(offence)
     if "--counts" in sys.argv:
         largest = max((len(c) for c in found), default=0)
         print(f"{len(edges)} modules, {len(upward)} upward includes, "
               f"{len(found)} cycles, largest {largest} modules")
-    return 1 if upward or found else 0
+    return 1 if upward or found or misplaced_sql else 0
 
 
 if __name__ == "__main__":

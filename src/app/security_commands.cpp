@@ -13,6 +13,7 @@
 #include "data/central_file.h"
 #include "data/current_context.h"
 #include "data/database.h"
+#include "data/security_rows.h"
 #include "data/error_handler.h"
 #include "data/transaction_store.h"
 #include "data/upgrades.h"
@@ -44,28 +45,11 @@ bool AskReEnterDeletedSymbol(Application& app, const std::string& symbol) {
          Answer::kYes;
 }
 
-// The security's row of the saved query "Get a Security" in the current
-// portfolio.
-struct SecurityRecord {
-  int64_t sec_id = 0;
-  std::string symbol;
-  std::optional<std::string> second_line;
-  std::optional<int64_t> sell_method;
-};
-
-// Returns the security's row, or nothing when the portfolio no longer holds
-// it (another user of a shared file may have deleted it).
-std::optional<SecurityRecord> GetASecurity(Application& app, const std::string& symbol) {
-  const std::string port = GetCurrPortInfo(app, "[Port Name]");
-  Query q =
-      ClientFile(app).SelectSaved("Get a Security", {{"sPortName", port}, {"sSecSymbol", symbol}});
-  if (!q.Next()) return std::nullopt;
-  SecurityRecord record;
-  record.sec_id = q.Int("Sec ID");
-  record.symbol = q.Text("Sec Symbol");
-  record.second_line = q.OptionalText("2nd Line");
-  if (!q.IsNull("Sell Method")) record.sell_method = q.Int("Sell Method");
-  return record;
+// Returns the security's row in the current portfolio, or nothing when the
+// portfolio no longer holds it (another user of a shared file may have
+// deleted it).
+std::optional<SecurityOnFile> GetASecurity(Application& app, const std::string& symbol) {
+  return FindSecurity(ClientFile(app), GetCurrPortInfo(app, "[Port Name]"), symbol);
 }
 
 // Shows the add/modify security dialog until the user closes it.
@@ -98,7 +82,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
       if (app.ended) return;
     }
 
-    std::optional<SecurityRecord> found = GetASecurity(app, symbol);
+    std::optional<SecurityOnFile> found = GetASecurity(app, symbol);
     if (found && !found->sell_method) {
       AddSellMethod(app, symbol, kNotSelectedMethod);
       if (app.ended) return;
@@ -111,7 +95,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
                           "Security not found", Icon::kInformation, Buttons::kOk);
       return;
     }
-    const SecurityRecord& record = *found;
+    const SecurityOnFile& record = *found;
 
     SecurityDisplay& display = app.window.display;
     display.sec_name = name;

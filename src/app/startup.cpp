@@ -10,6 +10,8 @@
 #include "app/taxpayer_file.h"
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_index.h"
+#include "data/client_info.h"
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "ground/environment.h"
@@ -81,40 +83,14 @@ void CopyTemplate(const Application& app, const char* template_name, const std::
   if (ec) throw FileSystemError(ec, to);
 }
 
-struct IndexRow {
-  std::string client_name;
-  std::string sort_name;
-  std::string client_code;
-  std::string file_name;
-};
-
-std::vector<IndexRow> ReadClientInfo(Database& central) {
-  std::vector<IndexRow> rows;
-  Query query = central.SelectSaved("ClientInfo");
-  while (query.Next()) {
-    rows.push_back({query.Text("Client Name"), query.Text("Sort Name"), query.Text("Client Code"),
-                    query.Text("File Name")});
-  }
-  return rows;
-}
-
-void DeleteIndexRow(Database& central, const std::string& client_code) {
-  central.Execute(R"(DELETE FROM "Clients" WHERE "Client Code" = :code)", {{"code", client_code}});
-}
-
-struct ClientRow {
-  std::string name;
-  std::string code;
-};
-
 // Reads the one Client row of a Taxpayer File. Throws LwError 3011 when the
 // file has no Client table or no row in it: either way it cannot say whose
 // file it is.
-ClientRow ReadClientRow(Application& app, const std::string& path) {
+ClientOnFile ReadClientRow(Application& app, const std::string& path) {
   auto db = Database::Open(path, Database::Mode::kReadOnly, app.storage_faults);
-  Query query = db->Select(R"(SELECT "Client Name", "Client Code" FROM "Client")");
-  if (!query.Next()) throw LwError(err::kObjectNotFound, "No Client record in " + path);
-  return {query.Text("Client Name"), query.Text("Client Code")};
+  std::optional<ClientOnFile> client = ReadClientNameAndCode(*db);
+  if (!client) throw LwError(err::kObjectNotFound, "No Client record in " + path);
+  return *client;
 }
 
 }  // namespace
@@ -262,16 +238,16 @@ void CheckDBFiles(Application& app, Database& central) {
     for (const std::string& name : ListFiles(app.taxpayer_folder, "*")) {
       on_disk.insert(ToUpperAscii(name));
     }
-    for (const IndexRow& row : ReadClientInfo(central)) {
+    for (const IndexedClient& row : ReadClientIndex(central)) {
       if (on_disk.count(ToUpperAscii(row.file_name)) != 0) continue;
-      ChkFilesChoice choice = ShowNoFile(app, row.client_name);
+      ChkFilesChoice choice = ShowNoFile(app, row.name);
       if (app.ended) return;
       if (choice == ChkFilesChoice::kCreate) {
-        DeleteIndexRow(central, row.client_code);
-        ShowNewModClient(app, "New Taxpayer", row.client_name, row.sort_name, row.client_code);
+        DeleteIndexedClient(central, row.code);
+        ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
         if (app.ended) return;
       } else if (choice == ChkFilesChoice::kDelete) {
-        DeleteIndexRow(central, row.client_code);
+        DeleteIndexedClient(central, row.code);
       }
     }
 
@@ -281,7 +257,9 @@ void CheckDBFiles(Application& app, Database& central) {
 
     // One read of the index serves every file: an office keeps thousands.
     std::set<std::string> indexed;
-    for (const IndexRow& row : ReadClientInfo(central)) indexed.insert(ToUpperAscii(row.file_name));
+    for (const IndexedClient& row : ReadClientIndex(central)) {
+      indexed.insert(ToUpperAscii(row.file_name));
+    }
     for (const std::string& name : ListFiles(app.taxpayer_folder, "*.mdb")) {
       if (ToUpperAscii(name) == "CENTRAL.MDB") continue;
       if (indexed.count(ToUpperAscii(name)) != 0) continue;
@@ -315,7 +293,7 @@ ChkFilesChoice ShowNoClient(Application& app, const std::string& file_name) {
     std::string text;
     bool create_enabled = true;
     try {
-      ClientRow client = ReadClientRow(app, file_name);
+      const ClientOnFile client = ReadClientRow(app, file_name);
       text = "The Taxpayer File for " + FixAmpersand(client.name) +
              " exists, but there is no Taxpayer record." + " You can:" + kCrLf +
              "        'Delete' this Taxpayer File." + kCrLf +
@@ -350,14 +328,9 @@ ChkFilesChoice ShowNoClient(Application& app, const std::string& file_name) {
 
 void MakeClientFromFile(Application& app, Database& central, const std::string& file_name) {
   TrapVoid(app, "MakeClientFromFile", [&] {
-    ClientRow client = ReadClientRow(app, file_name);
-    central.Execute(
-        R"(INSERT INTO "Clients" ("Client Name", "Sort Name", "Client Code", "File Name") )"
-        R"(VALUES (:name, :sort, :code, :file))",
-        {{"name", client.name},
-         {"sort", CalcSortName(client.name)},
-         {"code", client.code},
-         {"file", GetFileNameFromPath(file_name)}});
+    const ClientOnFile client = ReadClientRow(app, file_name);
+    AddIndexedClient(central, {client.name, CalcSortName(client.name), client.code,
+                               GetFileNameFromPath(file_name)});
   });
 }
 

@@ -6,6 +6,11 @@
 #include "data/query_builders.h"
 #include "ground/text.h"
 #include "ground/value_helpers.h"
+#include "data/application.h"
+#include "data/error_handler.h"
+#include "ground/text.h"
+#include "ground/value_helpers.h"
+#include "data/client_info.h"
 
 namespace lotwise {
 
@@ -19,13 +24,12 @@ void UpdateCurrClient(Application& app, std::string_view file_name, std::string_
     c.client_2nd_line.clear();
     c.year_end.clear();
     if (!app.client) return;
-    Query q = Select(*app.client, Query_GetClient(code));
-    if (q.Next()) {
-      c.client_name = q.Text("Client Name");
-      c.sort_name = q.Text("Sort Name");
-      c.client_2nd_line = q.Text("2nd Line");
+    if (const std::optional<ClientOnFile> client = FindClient(*app.client, code)) {
+      c.client_name = client->name;
+      c.sort_name = client->sort_name;
+      c.client_2nd_line = client->second_line;
       c.client_code = std::string(code);
-      if (!q.IsNull("Year End")) c.year_end = q.DateValue("Year End").ToString();
+      if (client->year_end) c.year_end = client->year_end->ToString();
     }
   });
 }
@@ -36,10 +40,9 @@ void UpdateCurrPort(Application& app, std::string_view port_name) {
     c.port_name.clear();
     c.port_2nd_line.clear();
     if (!app.client) return;
-    Query q = Select(*app.client, Query_GetPort(port_name));
-    if (q.Next()) {
-      c.port_name = q.Text("Port Name");
-      c.port_2nd_line = std::string(TrimEnd(q.Text("2nd Line")));
+    if (const std::optional<PortfolioOnFile> port = FindPortfolio(*app.client, port_name)) {
+      c.port_name = port->name;
+      c.port_2nd_line = std::string(TrimEnd(port->second_line));
     }
     app.window.portfolio_panel = FixAmpersand(c.port_name);
   });

@@ -81,4 +81,38 @@ std::optional<Date> FirstTransactionDate(Database& client, int64_t block_no) {
   return first.DateValue("First");
 }
 
+std::vector<BlockOnFile> BlocksOfSecurity(Database& client, int64_t sec_id) {
+  std::vector<BlockOnFile> rows;
+  Query q = Select(client, Query_GetBlocksInSec(sec_id));
+  while (q.Next()) rows.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date")});
+  return rows;
+}
+
+std::vector<ListedTransaction> TransactionsInBlock(Database& client, int64_t block_no,
+                                                   TransKind kind) {
+  std::vector<ListedTransaction> rows;
+  Query q = Select(client, Query_TransInBlock(block_no, kind));
+  while (q.Next()) {
+    ListedTransaction& row = rows.emplace_back();
+    row.date = q.DateValue("Date");
+    row.transaction = q.Text("Transaction");
+    row.cost = q.Money("Cost");
+    row.sale_price = q.Money("Sale Price");
+    row.shares = q.Double("Shares");
+    row.fee = q.Money("Fee");
+    row.notes = q.Text("Notes");
+    row.unique_id = q.Int("Unique ID");
+    row.prec_sort = static_cast<int16_t>(q.Int("Prec Sort"));
+  }
+  return rows;
+}
+
+void DeleteTransactionRow(Database& client, std::string_view table, int64_t unique_id) {
+  Execute(client, Query_DeleteTrans(table, unique_id));
+}
+
+void DeleteBlockRow(Database& client, int64_t block_no) {
+  Execute(client, Query_DeleteBlock(block_no));
+}
+
 }  // namespace lotwise

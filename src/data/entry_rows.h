@@ -3,8 +3,12 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "data/query_builders.h"
 #include "data/transaction_store.h"
 #include "ground/currency.h"
 #include "ground/date.h"
@@ -62,5 +66,30 @@ bool BlockHasNoTransactions(Database& client, int64_t block_no);
 std::optional<BlockOnFile> FindBlock(Database& client, int64_t block_no);
 // The date of the block's first transaction (its purchase), if it has one.
 std::optional<Date> FirstTransactionDate(Database& client, int64_t block_no);
+
+// The security's blocks, oldest first (date, then block id).
+std::vector<BlockOnFile> BlocksOfSecurity(Database& client, int64_t sec_id);
+
+// One row of a block's transaction list, whatever its table.
+struct ListedTransaction {
+  Date date;
+  std::string transaction;  // "Buy", "Sell", "Stock Split (1 to 2)", ...
+  Currency cost;
+  Currency sale_price;
+  double shares = 0;
+  Currency fee;
+  std::string notes;
+  int64_t unique_id = 0;
+  int16_t prec_sort = 0;
+};
+// The block's transactions of one kind (kAll: every kind), in the order of
+// Query_TransInBlock.
+std::vector<ListedTransaction> TransactionsInBlock(Database& client, int64_t block_no,
+                                                   TransKind kind);
+
+// Deletes one row of `table` (one of the program's transaction tables) /
+// the block's own row, inside the caller's unit of work if any.
+void DeleteTransactionRow(Database& client, std::string_view table, int64_t unique_id);
+void DeleteBlockRow(Database& client, int64_t block_no);
 
 }  // namespace lotwise

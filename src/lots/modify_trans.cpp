@@ -7,6 +7,12 @@
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
+#include "data/application.h"
+#include "ground/date.h"
+#include "data/error_handler.h"
+#include "lots/security_display.h"
+#include "ground/value_helpers.h"
+#include "data/entry_rows.h"
 #include "data/transaction_store.h"
 #include "ground/date.h"
 #include "ground/value_helpers.h"
@@ -286,14 +292,14 @@ void DeleteTransaction(Application& app) {
                           "Error!", Icon::kExclamation, Buttons::kOk);
       return;
     }
-    Execute(*app.client, Query_DeleteTrans(Info(*kind).table, row->unique_id));
+    DeleteTransactionRow(*app.client, Info(*kind).table, row->unique_id);
 
     // The data first, then the display: an emptied block must go even when
     // the display cannot be refreshed.
     const int64_t block_no = app.current.block_no;
     const bool block_removed = BlockIsEmpty(app, block_no);
     if (block_removed) {
-      Execute(*app.client, Query_DeleteBlock(block_no));
+      DeleteBlockRow(*app.client, block_no);
       app.current.block_no = 0;
       app.current.block_id.clear();
     }

@@ -185,7 +185,7 @@ void RemoveEmptyBlocks(Application& app) {
       const int count = static_cast<int>(blocks.size());
       for (int i = 0; i < count; ++i) {
         if (BlockIsEmpty(app, blocks[i].block_no)) {
-          Execute(*app.client, Query_DeleteBlock(blocks[i].block_no));
+          DeleteBlockRow(*app.client, blocks[i].block_no);
           removed.push_back(blocks[i].block_id);
         }
         app.ui().SetGauge(kGaugeDeleted + (kGaugeDone - kGaugeDeleted) * (i + 1) / count);

@@ -15,12 +15,13 @@
 #include "ground/number_text.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
+#include "data/entry_rows.h"
+#include "data/security_rows.h"
 
 namespace lotwise {
 
 namespace {
 
-constexpr int16_t kNotSelectedMethod = 255;
 constexpr int16_t kFilterCount = 7;
 
 Database& ClientFile(Application& app) {
@@ -35,8 +36,9 @@ bool SameSymbol(std::string_view a, std::string_view b) {
 
 std::vector<BlockRow> ReadBlocks(Application& app, int64_t sec_id) {
   std::vector<BlockRow> rows;
-  Query q = Select(ClientFile(app), Query_GetBlocksInSec(sec_id));
-  while (q.Next()) rows.push_back({q.Int("Block No"), q.Text("Block ID"), q.DateValue("Date")});
+  for (const BlockOnFile& block : BlocksOfSecurity(ClientFile(app), sec_id)) {
+    rows.push_back({block.block_no, block.block_id, block.date});
+  }
   return rows;
 }
 
@@ -56,11 +58,7 @@ int FindBlockId(const std::vector<BlockRow>& rows, std::string_view block_id) {
 
 void ComputeTotalShares(Application& app) {
   app.ui().SetHelpBarText("Calculating Total Shares");
-  double total = 0;
-  Query q = ClientFile(app).SelectSaved("Total Shares Per Table", {{"lSecID", app.current.sec_id}});
-  while (q.Next()) {
-    if (!q.IsNull("Total Shares")) total += q.Double("Total Shares");
-  }
+  const double total = TotalSharesOfSecurity(ClientFile(app), app.current.sec_id);
   app.window.display.total_shares = NumberText(RoundShares(total));
 }
 
@@ -116,30 +114,18 @@ void UpdateTransInBlock(Application& app, int16_t type_index) {
 
     BlockRow& block = display.blocks[static_cast<size_t>(display.selected_block)];
     Database& db = ClientFile(app);
-    {
-      // A re-dated block keeps its row in the grid; its new id and date are
-      // read here so that the caption and the current block never go stale.
-      Query fresh = db.Select(R"(SELECT "Block ID", "Date" FROM "Blocks" WHERE "Block No" = :n)",
-                              {{"n", block.block_no}});
-      if (fresh.Next()) {
-        block.block_id = fresh.Text("Block ID");
-        block.date = fresh.DateValue("Date");
-      }
+    // A re-dated block keeps its row in the grid; its new id and date are
+    // read here so that the caption and the current block never go stale.
+    if (const std::optional<BlockOnFile> fresh = FindBlock(db, block.block_no)) {
+      block.block_id = fresh->block_id;
+      block.date = fresh->date;
     }
     std::vector<TransactionRow> rows;
-    Query q = Select(db, Query_TransInBlock(block.block_no, static_cast<TransKind>(type_index)));
-    while (q.Next()) {
-      TransactionRow row;
-      row.date = q.DateValue("Date");
-      row.transaction = q.Text("Transaction");
-      row.cost = q.Money("Cost");
-      row.sale_price = q.Money("Sale Price");
-      row.shares = q.Double("Shares");
-      row.fee = q.Money("Fee");
-      row.notes = q.Text("Notes");
-      row.unique_id = q.Int("Unique ID");
-      row.prec_sort = static_cast<int16_t>(q.Int("Prec Sort"));
-      rows.push_back(std::move(row));
+    for (ListedTransaction& listed :
+         TransactionsInBlock(db, block.block_no, static_cast<TransKind>(type_index))) {
+      rows.push_back({listed.date, std::move(listed.transaction), listed.cost, listed.sale_price,
+                      listed.shares, listed.fee, std::move(listed.notes), listed.unique_id,
+                      listed.prec_sort});
     }
     display.transactions = std::move(rows);
     display.selected_transaction = display.transactions.empty() ? -1 : 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "data/application.h"
@@ -13,6 +14,13 @@
 #include "ground/lw_error.h"
 #include "ground/ui_port.h"
 #include "lots/security_display.h"
+#include "data/application.h"
+#include "data/current_context.h"
+#include "data/error_handler.h"
+#include "ground/lw_error.h"
+#include "lots/security_display.h"
+#include "ground/ui_port.h"
+#include "data/security_rows.h"
 
 namespace lotwise {
 
@@ -38,9 +46,8 @@ int FindSymbol(const std::vector<SecurityRow>& rows, std::string_view symbol) {
 
 std::vector<SecurityRow> ReadSecurities(Application& app) {
   std::vector<SecurityRow> rows;
-  Query q = Select(ClientFile(app), Query_SecsInPort(app.current.port_name));
-  while (q.Next()) {
-    rows.push_back({q.Text("Sec Symbol"), q.Text("2nd Line"), q.Int("Sec ID")});
+  for (SecurityOnFile& sec : SecurityListOfPort(ClientFile(app), app.current.port_name)) {
+    rows.push_back({std::move(sec.symbol), sec.second_line.value_or(""), sec.sec_id});
   }
   return rows;
 }

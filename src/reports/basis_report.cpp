@@ -10,6 +10,7 @@
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
 #include "ground/window_state.h"
+#include "data/security_rows.h"
 #include "reports/basis_walk.h"
 #include "reports/report_db.h"
 #include "reports/report_runner.h"
@@ -33,25 +34,9 @@ const char* ScopeType(ReportScope scope) {
 
 void AddBAInfoRow(Application& app, Database& report_db, ReportScope scope, Date year_end) {
   const std::string name = GetCurrClientInfo(app, "[Client Name]");
-  report_db.Execute(
-      R"(INSERT INTO "BA Info" ("Client Name", "Client Code", "2nd Line", "Year End", "Type") )"
-      R"(VALUES (:name, :code, :line, :ye, :type))",
-      {{"name", name},
-       {"code", GetCurrClientInfo(app, "[Client Code]")},
-       {"line", JoinNameAnd2ndLine(name, GetCurrClientInfo(app, "[2nd Line]"))},
-       {"ye", year_end},
-       {"type", std::string(ScopeType(scope))}});
-}
-
-// The blocks the walk will visit, so that the gauge can show its progress.
-int64_t CountBlocks(Database& client, const std::string& port_filter,
-                    const std::string& sec_filter) {
-  Query q =
-      client.Select(R"(SELECT count(*) AS "Blocks" FROM "Blocks" AS B JOIN "Security" AS S )"
-                    R"(ON S."Sec ID" = B."Sec ID" WHERE (:port = '*' OR S."Port Name" = :port) )"
-                    R"(AND (:sym = '*' OR S."Sec Symbol" = :sym))",
-                    {{"port", port_filter}, {"sym", sec_filter}});
-  return q.Next() ? q.Int("Blocks") : 0;
+  AddBAInfo(report_db, name, GetCurrClientInfo(app, "[Client Code]"),
+            JoinNameAnd2ndLine(name, GetCurrClientInfo(app, "[2nd Line]")), year_end,
+            ScopeType(scope));
 }
 
 struct ReportRun {
@@ -170,7 +155,8 @@ bool CalcBasisSchedDRpt(Application& app, ReportScope scope, Date year_end, Basi
                  .year_start = YearStart(year_end),
                  .port_filter = port_filter,
                  .sec_filter = sec_filter};
-    run.blocks_total = CountBlocks(*app.client, port_filter, sec_filter);
+    // The blocks the walk will visit, so that the gauge can show its progress.
+    run.blocks_total = CountBlocksInScope(*app.client, port_filter, sec_filter);
     if (!CalcSecurities(run)) {
       CloseBasisRecordsets(run);
       return false;

@@ -11,6 +11,8 @@
 #include "data/error_handler.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
+#include "data/report_source.h"
+#include "data/security_rows.h"
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "reports/report_db.h"
@@ -31,41 +33,6 @@ constexpr int64_t kCentUnits = 100;
 // holds and not from a rounded copy of them.
 constexpr int16_t kShareDigits = 9;
 constexpr double kShareScale = 1e9;
-
-// The blocks of one security in one portfolio, each announced by a header
-// row (Row Kind 0) and followed by its transactions in the shape of a
-// block's transaction listing: a sale's Cost as 0, the split and dividend
-// texts built from their ratios. One statement per security and portfolio
-// instead of one per block keeps a whole taxpayer's walk to one pass over
-// the transaction tables. Nothing dated after the year end is read.
-constexpr const char* kBlockRowsSql =
-    R"(SELECT B."Date" AS "Block Date", B."Block ID" AS "Block ID", B."Block No" AS "Block No", )"
-    R"(0 AS "Row Kind", NULL AS "Date", NULL AS "Transaction", 0 AS "Cost", 0 AS "Sale Price", )"
-    R"(0 AS "Shares", 0 AS "Fee", 0 AS "Prec Sort", 0 AS "Unique ID" )"
-    R"(FROM "Blocks" AS B WHERE B."Sec ID" = :id )"
-    R"(UNION ALL SELECT B."Date", B."Block ID", B."Block No", 1, T."Date", )"
-    R"(CASE T."Type" WHEN 10 THEN 'Buy' ELSE 'Reinvestment' END, T."Cost", 0, T."Shares", )"
-    R"(T."Fee", T."Prec Sort", T."Unique ID" FROM "Blocks" AS B )"
-    R"(JOIN "Buy" AS T ON T."Block No" = B."Block No" WHERE B."Sec ID" = :id AND T."Type" IN (10, 20) )"
-    R"(AND T."Date" <= :ye )"
-    R"(UNION ALL SELECT B."Date", B."Block ID", B."Block No", 1, T."Date", 'Sell', 0, )"
-    R"(T."Sale Price", T."Shares", T."Fee", T."Prec Sort", T."Unique ID" FROM "Blocks" AS B )"
-    R"(JOIN "Sell" AS T ON T."Block No" = B."Block No" WHERE B."Sec ID" = :id AND T."Date" <= :ye )"
-    R"(UNION ALL SELECT B."Date", B."Block ID", B."Block No", 1, T."Date", )"
-    R"(CASE T."Type" WHEN 11 THEN 'Stock Split (' || lw_number_text(T."Pre Ratio") || ' to ' || )"
-    R"(lw_number_text(T."Post Ratio") || ')' ELSE 'Stock Div. (' || lw_number_text(T."Pre Ratio") )"
-    R"(|| ' per ' || lw_number_text(T."Post Ratio") || ')' END, 0, 0, T."Shares", 0, )"
-    R"(T."Prec Sort", T."Unique ID" FROM "Blocks" AS B )"
-    R"(JOIN "Split" AS T ON T."Block No" = B."Block No" WHERE B."Sec ID" = :id AND T."Type" IN (11, 21) )"
-    R"(AND T."Date" <= :ye )"
-    R"(UNION ALL SELECT B."Date", B."Block ID", B."Block No", 1, T."Date", 'Adjustment', T."Cost", )"
-    R"(0, T."Shares", 0, T."Prec Sort", T."Unique ID" FROM "Blocks" AS B )"
-    R"(JOIN "Adjust" AS T ON T."Block No" = B."Block No" WHERE B."Sec ID" = :id AND T."Date" <= :ye )"
-    R"(ORDER BY "Block Date", "Block ID", "Block No", "Row Kind", "Date", "Prec Sort", "Unique ID")";
-
-constexpr const char* kInsertSecs =
-    R"(INSERT INTO "BA Secs" ("Sec Symbol", "Sec Name", "Sell Name", "Total Shares", )"
-    R"("Total Cost", "Basis Per Share") VALUES (:sym, :name, :sell, :sh, :c, :bps))";
 
 bool IsAcquisition(const std::string& transaction) {
   return transaction == "Buy" || transaction == "Reinvestment";
@@ -223,9 +190,7 @@ bool CreatePools(BasisRun& run, SecurityWalk& sec) {
 }
 
 bool HeldInScope(BasisRun& run, const std::string& symbol) {
-  return run.client
-      .SelectSaved("Get Ports For Sec", {{"sSecSymbol", symbol}, {"sPortName", run.port_filter}})
-      .Next();
+  return !HoldingsOfSecurity(run.client, symbol, run.port_filter).empty();
 }
 
 // True iff the security has a sale in the run's scope. A security without a
@@ -233,12 +198,7 @@ bool HeldInScope(BasisRun& run, const std::string& symbol) {
 // Sales without one come from a file whose method row was kept under a
 // shortened symbol, and must not drop out of a report unseen.
 bool SoldInScope(BasisRun& run, const std::string& symbol) {
-  return run.client
-      .Select(R"(SELECT 1 AS found FROM "Sell" AS T JOIN "Blocks" AS B USING ("Block No") )"
-              R"(JOIN "Security" AS S USING ("Sec ID") WHERE S."Sec Symbol" = :sym AND )"
-              R"((:port = '*' OR S."Port Name" = :port) LIMIT 1)",
-              {{"sym", symbol}, {"port", run.port_filter}})
-      .Next();
+  return SecuritySoldIn(run.client, symbol, run.port_filter);
 }
 
 // Reads the security's blocks and transactions in one portfolio, all at
@@ -246,24 +206,23 @@ bool SoldInScope(BasisRun& run, const std::string& symbol) {
 void ReadBlockRows(BasisRun& run, int64_t sec_id) {
   run.block_rows.clear();
   run.next_row = 0;
-  Query rows = run.client.Select(kBlockRowsSql, {{"id", sec_id}, {"ye", run.year_end}});
-  while (rows.Next()) {
+  ReadWalkRows(run.client, sec_id, run.year_end, [&](WalkSourceRow& source) {
     WalkRow& row = run.block_rows.emplace_back();
-    row.header = rows.Int("Row Kind") == 0;
+    row.header = source.header;
     if (row.header) {
-      row.block_id = rows.Text("Block ID");
-      row.block_date = ReportDate(rows.Text("Block Date"));
-      continue;
+      row.block_id = std::move(source.block_id);
+      row.block_date = source.block_date;
+      return;
     }
     BasisTrans& trans = row.trans;
-    trans.date = ReportDate(rows.Text("Date"));
-    trans.transaction = rows.Text("Transaction");
-    trans.prec_sort = static_cast<int16_t>(rows.Int("Prec Sort"));
-    trans.shares = rows.Double("Shares");
-    trans.sale_price = rows.Money("Sale Price");
-    trans.cost = rows.Money("Cost");
-    trans.fee = rows.Money("Fee");
-  }
+    trans.date = source.date;
+    trans.transaction = std::move(source.transaction);
+    trans.prec_sort = source.prec_sort;
+    trans.shares = source.shares;
+    trans.sale_price = source.sale_price;
+    trans.cost = source.cost;
+    trans.fee = source.fee;
+  });
 }
 
 // The security's totals at the year end: under the average methods what
@@ -334,14 +293,8 @@ bool CalcSecurities(BasisRun& run) {
       int16_t method;
     };
     std::vector<Candidate> candidates;
-    {
-      Query q = run.client.SelectSaved("Distinct Secs", {{"sSymbol", run.sec_filter}});
-      while (q.Next()) {
-        candidates.push_back(
-            {q.Text("Sec Symbol"), q.IsNull("Sell Method")
-                                       ? kSellNotSelected
-                                       : static_cast<int16_t>(q.Int("Sell Method"))});
-      }
+    for (SecurityOnFile& sec : DistinctSecurities(run.client, run.sec_filter)) {
+      candidates.push_back({std::move(sec.symbol), sec.sell_method.value_or(kSellNotSelected)});
     }
     // Every security of the file is held somewhere; only a portfolio scope
     // leaves some out, and a portfolio holding none has none to report.
@@ -378,12 +331,9 @@ bool CalcSecurities(BasisRun& run) {
       if (!sec.applied) continue;
       BlockTotals totals;
       if (!SecurityTotals(run, sec, totals)) return false;
-      run.report.Execute(kInsertSecs, {{"sym", sec.symbol},
-                                       {"name", GetSecInfoFromCDB(app, sec.symbol, "[Sec Name]")},
-                                       {"sell", GetSellName(app, method)},
-                                       {"sh", totals.shares},
-                                       {"c", totals.cost},
-                                       {"bps", totals.basis_per_share}});
+      AddBASecs(run.report,
+                {sec.symbol, GetSecInfoFromCDB(app, sec.symbol, "[Sec Name]"),
+                 GetSellName(app, method), totals.shares, totals.cost, totals.basis_per_share});
       any = true;
     }
     if (!any) {
@@ -396,14 +346,8 @@ bool CalcSecurities(BasisRun& run) {
 
 bool CalcPortfolios(BasisRun& run, SecurityWalk& sec) {
   return Trap(run.app, "CalcPortfolios", false, [&] {
-    std::vector<std::pair<std::string, int64_t>> ports;
-    {
-      Query q = run.client.SelectSaved(
-          "Get Ports For Sec", {{"sSecSymbol", sec.symbol}, {"sPortName", run.port_filter}});
-      while (q.Next()) ports.emplace_back(q.Text("Port Name"), q.Int("Sec ID"));
-    }
-    for (const auto& [port_name, sec_id] : ports) {
-      if (!CalcBlocks(run, sec, port_name, sec_id)) return false;
+    for (const SecurityOnFile& held : HoldingsOfSecurity(run.client, sec.symbol, run.port_filter)) {
+      if (!CalcBlocks(run, sec, held.port_name, held.sec_id)) return false;
     }
     return true;
   });
@@ -523,24 +467,21 @@ bool CalcAvgBlock(BasisRun& run, int16_t method, const std::string& symbol,
     }
     totals = BlockTotals();
     const std::string xfer_to = kXferTo;
-    if (run.pool_rows_sql.empty())
-      run.pool_rows_sql = run.report.SavedQuerySql("Get Basis Rpt Trans");
-    run.pool_rows = run.report.Select(run.pool_rows_sql, {{"lBlockNo", pool_no}});
-    Query& rows = *run.pool_rows;
-    while (rows.Next()) {
-      const std::string transaction = rows.Text("Transaction");
-      const Date date = ReportDate(rows.Text("Date"));
-      const Date date_acqrd = ReportDate(rows.Text("Date Acqrd"));
-      const double shares = rows.Double("Shares");
-      const Currency sale_price = rows.Money("Sale Price");
-      const Currency fee = rows.Money("Fee");
-      Currency cost = rows.Money("Cost");
+    run.pool_rows.emplace(run.report, pool_no, run.pool_rows_sql);
+    PoolTransRow row;
+    while (run.pool_rows->Next(row)) {
+      const std::string& transaction = row.transaction;
+      const Date date = row.date;
+      const Date date_acqrd = row.date_acqrd;
+      const double shares = row.shares;
+      const Currency sale_price = row.sale_price;
+      const Currency fee = row.fee;
+      Currency cost = row.cost;
       const bool moves_out = transaction.starts_with(xfer_to);
       // What leaves the pool leaves at its average cost of the moment.
       if (IsSale(transaction) || moves_out) cost = SaleCost(shares, totals);
       ApplyToTotals(totals, shares, cost, kPoolShareFloor);
-      if (!UpdateAvgBlockRpt(app, run.report, rows.Int("Trans Row"),
-                             static_cast<int>(rows.Int("TransNo")), totals.shares, cost,
+      if (!UpdateAvgBlockRpt(app, run.report, row.trans_row, row.trans_no, totals.shares, cost,
                              totals.cost, totals.basis_per_share)) {
         return false;
       }

@@ -10,6 +10,9 @@
 #include "ground/currency.h"
 #include "ground/date.h"
 #include "reports/basis_request.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "reports/report_db.h"
 
 namespace lotwise {
 
@@ -91,7 +94,7 @@ struct BasisRun {
   size_t next_row = 0;
   // The rows of the pool being averaged, and the text of the saved query
   // that reads them.
-  std::optional<Query> pool_rows{};
+  std::optional<PoolRows> pool_rows{};
   std::string pool_rows_sql{};
   // The report blocks GetCreateBlockNum has given out in this run, by
   // security, portfolio and block ID (the run starts from empty tables).

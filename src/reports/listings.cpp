@@ -6,11 +6,14 @@
 
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_index.h"
+#include "data/client_info.h"
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
 #include "ground/paths.h"
 #include "ground/ui_port.h"
+#include "data/security_rows.h"
 #include "lots/sell_shares.h"
 #include "reports/report_db.h"
 #include "reports/report_runner.h"
@@ -19,7 +22,7 @@ namespace lotwise {
 
 namespace {
 
-// The sort keys of Query_GetClientCDBSorted.
+// The sort keys of ReadClientIndexSorted.
 constexpr int kSortBySortName = 1;
 constexpr int kSortByCode = 2;
 
@@ -38,49 +41,27 @@ bool PortfolioOpenFor(Application& app, int list_from) {
 
 // Adds the "Client Report" row of one indexed taxpayer and, when its file
 // is there, the taxpayer's year end, second line and portfolios.
-void AddClientToReport(Application& app, Database& report, const Query& client_row) {
-  const std::string code = client_row.Text("Client Code");
-  const std::string name = client_row.Text("Client Name");
-  const std::string file_name = client_row.Text("File Name");
-  const std::string path = JoinPath(app.taxpayer_folder, file_name);
-
-  Value second_line;
-  Value year_end;
-  Value no_file;
-  struct Portfolio {
-    std::string name;
-    std::string second_line;
-  };
-  std::vector<Portfolio> portfolios;
+void AddClientToReport(Application& app, Database& report, const IndexedClient& client) {
+  ClientReportRow row;
+  row.client_name = client.name;
+  row.sort_name = client.sort_name;
+  row.client_code = client.code;
+  row.file_name = client.file_name;
+  const std::string path = JoinPath(app.taxpayer_folder, client.file_name);
+  std::vector<PortfolioOnFile> portfolios;
   if (!FileExists(path)) {
-    no_file = std::string("Taxpayer File Missing");
+    row.no_file = "Taxpayer File Missing";
   } else {
     auto taxpayer = Database::Open(path, Database::Mode::kReadOnly);
-    Query c = taxpayer->Select(R"(SELECT "2nd Line", "Year End" FROM "Client")");
-    if (c.Next()) {
-      second_line = JoinNameAnd2ndLine(name, c.Text("2nd Line"));
-      if (!c.IsNull("Year End")) year_end = c.DateValue("Year End");
+    if (const std::optional<ClientOnFile> heading = ReadClientHeading(*taxpayer)) {
+      row.second_line = JoinNameAnd2ndLine(client.name, heading->second_line);
+      row.year_end = heading->year_end;
     }
-    Query p =
-        taxpayer->Select(R"(SELECT "Port Name", "2nd Line" FROM "Portfolio" ORDER BY "Port Name")");
-    while (p.Next()) portfolios.push_back({p.Text("Port Name"), p.Text("2nd Line")});
+    portfolios = ListPortfolios(*taxpayer);
   }
-
-  report.Execute(
-      R"(INSERT INTO "Client Report" ("Client Name", "Sort Name", "Client Code", "2nd Line", )"
-      R"("Year End", "File Name", "No File") VALUES (:name, :sort, :code, :line, :ye, :file, )"
-      R"(:nofile))",
-      {{"name", name},
-       {"sort", client_row.Text("Sort Name")},
-       {"code", code},
-       {"line", second_line},
-       {"ye", year_end},
-       {"file", file_name},
-       {"nofile", no_file}});
-  for (const Portfolio& port : portfolios) {
-    report.Execute(R"(INSERT INTO "Portfolio Report" ("Port Name", "2nd Line", "Client Code") )"
-                   R"(VALUES (:port, :line, :code))",
-                   {{"port", port.name}, {"line", port.second_line}, {"code", code}});
+  AddClientReport(report, row);
+  for (const PortfolioOnFile& port : portfolios) {
+    AddPortfolioReport(report, port.name, port.second_line, client.code);
   }
 }
 
@@ -110,11 +91,9 @@ bool CreateClientReportTables(Application& app, ClientSort sort) {
     Database::Transaction unit(*report);
     ClearReportTables(*report, {"Client Report", "Portfolio Report", "Usage"});
     AddUsageRow(app, *report);
-    Query clients = Select(
-        *app.central,
-        Query_GetClientCDBSorted(app, sort == ClientSort::kCode ? kSortByCode : kSortBySortName));
-    while (clients.Next()) {
-      AddClientToReport(app, *report, clients);
+    for (const IndexedClient& client : ReadClientIndexSorted(
+             app, *app.central, sort == ClientSort::kCode ? kSortByCode : kSortBySortName)) {
+      AddClientToReport(app, *report, client);
       app.ui().ProcessEvents();
     }
     unit.Commit();
@@ -155,9 +134,7 @@ bool CreateSecReportTables(Application& app, int list_from) {
     Database::Transaction unit(*report);
     ClearReportTables(*report, {"Sec List Report", "Client Report", "Usage"});
     AddUsageRow(app, *report);
-    report->Execute(
-        R"(INSERT INTO "Client Report" ("Client Name", "Client Code") VALUES (:name, :code))",
-        {{"name", app.current.client_name}, {"code", app.current.client_code}});
+    AddClientReportHeading(*report, app.current.client_name, app.current.client_code);
 
     // Read in full first: a fatal error in the look-ups below ends the
     // program, which closes the Taxpayer File, and no query may stay open on
@@ -169,31 +146,18 @@ bool CreateSecReportTables(Application& app, int list_from) {
       int16_t method = kSellNotSelected;
     };
     std::vector<SecRow> rows;
-    {
-      Query secs =
-          list_from == static_cast<int>(SecListFrom::kTaxpayer)
-              ? app.client->SelectSaved("All Secs")
-              : app.client->SelectSaved("Secs In Port", {{"sPortName", app.current.port_name}});
-      while (secs.Next()) {
-        SecRow row{secs.Text("Port Name"), secs.Text("Sec Symbol"), secs.Text("2nd Line")};
-        if (!secs.IsNull("Sell Method")) row.method = static_cast<int16_t>(secs.Int("Sell Method"));
-        rows.push_back(std::move(row));
-      }
+    for (SecurityOnFile& sec : list_from == static_cast<int>(SecListFrom::kTaxpayer)
+                                   ? AllSecurities(*app.client)
+                                   : SecuritiesInPort(*app.client, app.current.port_name)) {
+      rows.push_back({std::move(sec.port_name), std::move(sec.symbol), sec.second_line.value_or(""),
+                      sec.sell_method.value_or(kSellNotSelected)});
     }
     for (const SecRow& row : rows) {
       const std::string name = GetSecInfoFromCDB(app, row.symbol, "[Sec Name]");
       const std::string cusip = GetSecInfoFromCDB(app, row.symbol, "CUSIP");
       const std::string method = GetSellName(app, row.method);
       if (app.ended) return false;
-      report->Execute(
-          R"(INSERT INTO "Sec List Report" ("Port Name", "Sec Symbol", "Sec Name", "CUSIP", )"
-          R"("2nd Line", "Sell Method") VALUES (:port, :symbol, :name, :cusip, :line, :method))",
-          {{"port", row.port_name},
-           {"symbol", row.symbol},
-           {"name", name},
-           {"cusip", cusip},
-           {"line", row.second_line},
-           {"method", method}});
+      AddSecListReport(*report, {row.port_name, row.symbol, name, cusip, row.second_line, method});
     }
     unit.Commit();
     return true;

@@ -9,6 +9,7 @@
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
+#include "data/report_source.h"
 
 namespace lotwise {
 
@@ -26,6 +27,22 @@ constexpr const char* kInsertTrans =
 constexpr const char* kInsertSchedD =
     R"(INSERT INTO "Sched D" ("Date Acqrd", "Date Sold", "Shares", "Sec Symbol", "Sale Price", )"
     R"("Cost", "GainLoss", "Long Term") VALUES (:acq, :sold, :sh, :sym, :sp, :c, :gl, :lt))";
+constexpr const char* kInsertSecs =
+    R"(INSERT INTO "BA Secs" ("Sec Symbol", "Sec Name", "Sell Name", "Total Shares", )"
+    R"("Total Cost", "Basis Per Share") VALUES (:sym, :name, :sell, :sh, :c, :bps))";
+constexpr const char* kInsertTLTrans =
+    R"(INSERT INTO "TL Trans" ("Sec ID", "Date", "Transaction", "Shares", "Cost", "Fee", )"
+    R"("Sale Price") VALUES (:sec, :date, :trans, :shares, :cost, :fee, :price))";
+// One "Sched D" row per line, each exported once: a symbol that appears
+// twice in "BA Secs" must not report its sales twice to the tax software,
+// so the name is taken from one of its rows. The rows keep the order in
+// which the Schedule D was computed.
+constexpr const char* kExportQuery =
+    R"(SELECT D."Sec Symbol", S."Sec Name", D."Date Acqrd", D."Date Sold", D."Sale Price", )"
+    R"(D."Cost", D."Shares" FROM "Sched D" AS D )"
+    R"(INNER JOIN (SELECT "Sec Symbol", min("Sec Name") AS "Sec Name" FROM "BA Secs" )"
+    R"(GROUP BY "Sec Symbol" COLLATE NOCASE) AS S )"
+    R"(ON S."Sec Symbol" = D."Sec Symbol" COLLATE NOCASE ORDER BY D.rowid)";
 constexpr const char* kUpdateAvgTrans =
     R"(UPDATE "BA Trans" SET "TransNo" = :no, "Total Shares" = :tsh, "Cost" = :c, )"
     R"("Total Cost" = :tc, "Basis Per Share" = :bps WHERE "Trans Row" = :row)";
@@ -36,7 +53,19 @@ namespace chr = std::chrono;
 constexpr chr::sys_days kDateEpoch =
     chr::sys_days(chr::year_month_day(chr::year(1899), chr::month(12), chr::day(30)));
 
-int Digit(char c) { return c >= '0' && c <= '9' ? c - '0' : -1; }
+template <class T>
+Value Nullable(const std::optional<T>& value) {
+  return value ? Value(*value) : Value();
+}
+
+std::string QuotedIdentifier(std::string_view name) {
+  std::string quoted = "\"";
+  for (char c : name) {
+    if (c == '"') quoted += '"';
+    quoted += c;
+  }
+  return quoted + '"';
+}
 
 std::string TrimRight(const std::string& text) {
   size_t end = text.find_last_not_of(' ');
@@ -83,20 +112,7 @@ std::string ReportDateText(Date date) {
   return std::string(text, sizeof text);
 }
 
-Date ReportDate(std::string_view text) {
-  if (text.size() == 10 && text[4] == '-' && text[7] == '-') {
-    int digits[8];
-    int n = 0;
-    for (size_t i : {0, 1, 2, 3, 5, 6, 8, 9}) digits[n++] = Digit(text[i]);
-    if (std::all_of(std::begin(digits), std::end(digits), [](int d) { return d >= 0; })) {
-      const int year = digits[0] * 1000 + digits[1] * 100 + digits[2] * 10 + digits[3];
-      const int month = digits[4] * 10 + digits[5];
-      const int day = digits[6] * 10 + digits[7];
-      if (Date::IsValidYmd(year, month, day)) return Date::FromYmd(year, month, day);
-    }
-  }
-  return Date::ParseIso(text).value_or(Date());
-}
+Date ReportDate(std::string_view text) { return StoredDate(text); }
 
 bool AddBABlock(Application& app, Database& report_db, const std::string& sec_symbol,
                 const std::string& port_name, const std::string& block_id, Date date_acqrd,
@@ -160,6 +176,142 @@ bool UpdateAvgBlockRpt(Application& app, Database& report_db, int64_t trans_row,
     }
     return true;
   });
+}
+
+void AddBAInfo(Database& report_db, const std::string& client_name, const std::string& client_code,
+               const std::string& second_line, Date year_end, const std::string& type) {
+  report_db.Execute(
+      R"(INSERT INTO "BA Info" ("Client Name", "Client Code", "2nd Line", "Year End", "Type") )"
+      R"(VALUES (:name, :code, :line, :ye, :type))",
+      {{"name", client_name},
+       {"code", client_code},
+       {"line", second_line},
+       {"ye", year_end},
+       {"type", type}});
+}
+
+void AddBASecs(Database& report_db, const BASecsRow& row) {
+  report_db.Execute(kInsertSecs, {{"sym", row.sec_symbol},
+                                  {"name", row.sec_name},
+                                  {"sell", row.sell_name},
+                                  {"sh", row.total_shares},
+                                  {"c", row.total_cost},
+                                  {"bps", row.basis_per_share}});
+}
+
+void AddTLInfo(Database& report_db, const std::string& client_name, const std::string& client_code,
+               const std::string& second_line, Date begin, Date end, const std::string& type) {
+  report_db.Execute(
+      R"(INSERT INTO "TL Info" ("Client Name", "Client Code", "2nd Line", "Beginning Date", )"
+      R"("End Date", "Type") VALUES (:name, :code, :line, :begin, :end, :type))",
+      {{"name", client_name},
+       {"code", client_code},
+       {"line", second_line},
+       {"begin", begin},
+       {"end", end},
+       {"type", type}});
+}
+
+void AddTLPort(Database& report_db, const std::string& port_name) {
+  report_db.Execute(R"(INSERT INTO "TL Port" ("Port Name") VALUES (:port))", {{"port", port_name}});
+}
+
+void AddTLSec(Database& report_db, const std::string& port_name, const std::string& sec_name,
+              const std::string& sec_symbol, int64_t sec_id) {
+  report_db.Execute(
+      R"(INSERT INTO "TL Sec" ("Port Name", "Sec Name", "Sec Symbol", "Sec ID") )"
+      R"(VALUES (:port, :name, :symbol, :id))",
+      {{"port", port_name}, {"name", sec_name}, {"symbol", sec_symbol}, {"id", sec_id}});
+}
+
+void AddTLTrans(Database& report_db, const TLTransRow& row) {
+  report_db.Execute(kInsertTLTrans, {{"sec", row.sec_id},
+                                     {"date", row.date},
+                                     {"trans", row.transaction},
+                                     {"shares", row.shares},
+                                     {"cost", row.cost},
+                                     {"fee", row.fee},
+                                     {"price", Nullable(row.sale_price)}});
+}
+
+void AddClientReport(Database& report_db, const ClientReportRow& row) {
+  report_db.Execute(
+      R"(INSERT INTO "Client Report" ("Client Name", "Sort Name", "Client Code", "2nd Line", )"
+      R"("Year End", "File Name", "No File") VALUES (:name, :sort, :code, :line, :ye, :file, )"
+      R"(:nofile))",
+      {{"name", row.client_name},
+       {"sort", row.sort_name},
+       {"code", row.client_code},
+       {"line", Nullable(row.second_line)},
+       {"ye", Nullable(row.year_end)},
+       {"file", row.file_name},
+       {"nofile", Nullable(row.no_file)}});
+}
+
+void AddClientReportHeading(Database& report_db, const std::string& client_name,
+                            const std::string& client_code) {
+  report_db.Execute(
+      R"(INSERT INTO "Client Report" ("Client Name", "Client Code") VALUES (:name, :code))",
+      {{"name", client_name}, {"code", client_code}});
+}
+
+void AddPortfolioReport(Database& report_db, const std::string& port_name,
+                        const std::string& second_line, const std::string& client_code) {
+  report_db.Execute(R"(INSERT INTO "Portfolio Report" ("Port Name", "2nd Line", "Client Code") )"
+                    R"(VALUES (:port, :line, :code))",
+                    {{"port", port_name}, {"line", second_line}, {"code", client_code}});
+}
+
+void AddSecListReport(Database& report_db, const SecListRow& row) {
+  report_db.Execute(
+      R"(INSERT INTO "Sec List Report" ("Port Name", "Sec Symbol", "Sec Name", "CUSIP", )"
+      R"("2nd Line", "Sell Method") VALUES (:port, :symbol, :name, :cusip, :line, :method))",
+      {{"port", row.port_name},
+       {"symbol", row.sec_symbol},
+       {"name", row.sec_name},
+       {"cusip", row.cusip},
+       {"line", row.second_line},
+       {"method", row.sell_method}});
+}
+
+PoolRows::PoolRows(Database& report_db, int64_t pool_no, std::string& sql_cache)
+    : rows_([&] {
+        if (sql_cache.empty()) sql_cache = report_db.SavedQuerySql("Get Basis Rpt Trans");
+        return report_db.Select(sql_cache, {{"lBlockNo", pool_no}});
+      }()) {}
+
+bool PoolRows::Next(PoolTransRow& row) {
+  if (!rows_.Next()) return false;
+  row.trans_row = rows_.Int("Trans Row");
+  row.trans_no = static_cast<int>(rows_.Int("TransNo"));
+  row.transaction = rows_.Text("Transaction");
+  row.date = ReportDate(rows_.Text("Date"));
+  row.date_acqrd = ReportDate(rows_.Text("Date Acqrd"));
+  row.shares = rows_.Double("Shares");
+  row.sale_price = rows_.Money("Sale Price");
+  row.fee = rows_.Money("Fee");
+  row.cost = rows_.Money("Cost");
+  return true;
+}
+
+std::vector<SchedDExportRow> ReadSchedDExport(Database& report_db) {
+  std::vector<SchedDExportRow> rows;
+  Query q = report_db.Select(kExportQuery);
+  while (q.Next()) {
+    SchedDExportRow& row = rows.emplace_back();
+    row.sec_symbol = q.Text("Sec Symbol");
+    row.sec_name = q.Text("Sec Name");
+    if (!q.IsNull("Date Acqrd")) row.date_acqrd = q.DateValue("Date Acqrd");
+    if (!q.IsNull("Date Sold")) row.date_sold = q.DateValue("Date Sold");
+    if (!q.IsNull("Sale Price")) row.sale_price = q.Money("Sale Price");
+    if (!q.IsNull("Cost")) row.cost = q.Money("Cost");
+    if (!q.IsNull("Shares")) row.shares = q.Double("Shares");
+  }
+  return rows;
+}
+
+Query ReadReportTable(Database& report_db, std::string_view table) {
+  return report_db.Select("SELECT * FROM " + QuotedIdentifier(table) + " ORDER BY rowid");
 }
 
 }  // namespace lotwise

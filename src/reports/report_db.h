@@ -3,11 +3,16 @@
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/currency.h"
+#include "ground/date.h"
+#include "data/database.h"
 
 namespace lotwise {
 
@@ -85,5 +90,107 @@ bool AddSchedD(Application& app, Database& report_db, const SchedDRow& row);
 bool UpdateAvgBlockRpt(Application& app, Database& report_db, int64_t trans_row, int trans_no,
                        double total_shares, Currency cost, Currency total_cost,
                        double basis_per_share);
+
+// The writers below leave errors to their caller, which fills its tables
+// as one unit.
+
+// The "BA Info" heading of a Basis Analysis / Schedule D run.
+void AddBAInfo(Database& report_db, const std::string& client_name, const std::string& client_code,
+               const std::string& second_line, Date year_end, const std::string& type);
+// One security's "BA Secs" row: its totals at the year end.
+struct BASecsRow {
+  std::string sec_symbol;
+  std::string sec_name;
+  std::string sell_name;
+  double total_shares = 0;
+  Currency total_cost;
+  double basis_per_share = 0;
+};
+void AddBASecs(Database& report_db, const BASecsRow& row);
+
+// The Transaction Listing's tables: its heading, each portfolio, each
+// security and each transaction row (a sale price only for sales).
+void AddTLInfo(Database& report_db, const std::string& client_name, const std::string& client_code,
+               const std::string& second_line, Date begin, Date end, const std::string& type);
+void AddTLPort(Database& report_db, const std::string& port_name);
+void AddTLSec(Database& report_db, const std::string& port_name, const std::string& sec_name,
+              const std::string& sec_symbol, int64_t sec_id);
+struct TLTransRow {
+  int64_t sec_id = 0;
+  Date date;
+  std::string transaction;
+  double shares = 0;
+  Currency cost;
+  Currency fee;
+  std::optional<Currency> sale_price;
+};
+void AddTLTrans(Database& report_db, const TLTransRow& row);
+
+// The listings' tables. A taxpayer whose file is missing has no second
+// line or year end, and says so in "No File".
+struct ClientReportRow {
+  std::string client_name;
+  std::string sort_name;
+  std::string client_code;
+  std::optional<std::string> second_line;
+  std::optional<Date> year_end;
+  std::string file_name;
+  std::optional<std::string> no_file;
+};
+void AddClientReport(Database& report_db, const ClientReportRow& row);
+// The heading row of the Security Listing: name and code alone.
+void AddClientReportHeading(Database& report_db, const std::string& client_name,
+                            const std::string& client_code);
+void AddPortfolioReport(Database& report_db, const std::string& port_name,
+                        const std::string& second_line, const std::string& client_code);
+struct SecListRow {
+  std::string port_name;
+  std::string sec_symbol;
+  std::string sec_name;
+  std::string cusip;
+  std::string second_line;
+  std::string sell_method;
+};
+void AddSecListReport(Database& report_db, const SecListRow& row);
+
+// One "BA Trans" row of an average pool, as the pool's averaging reads it.
+struct PoolTransRow {
+  int64_t trans_row = 0;
+  int trans_no = 0;
+  std::string transaction;
+  Date date;
+  Date date_acqrd;
+  double shares = 0;
+  Currency sale_price;
+  Currency fee;
+  Currency cost;
+};
+// Reads the rows of pool `pool_no` in the order they are averaged, with the
+// saved query "Get Basis Rpt Trans" (its text read once into `sql_cache`
+// and kept for the run's other pools). The rows may be rewritten while read.
+class PoolRows {
+ public:
+  PoolRows(Database& report_db, int64_t pool_no, std::string& sql_cache);
+  bool Next(PoolTransRow& row);
+
+ private:
+  Query rows_;
+};
+
+// One line of the Schedule D export: a "Sched D" row with the name of its
+// security (a NULL field stays empty), in the order computed.
+struct SchedDExportRow {
+  std::string sec_symbol;
+  std::string sec_name;
+  std::optional<Date> date_acqrd;
+  std::optional<Date> date_sold;
+  std::optional<Currency> sale_price;
+  std::optional<Currency> cost;
+  std::optional<double> shares;
+};
+std::vector<SchedDExportRow> ReadSchedDExport(Database& report_db);
+
+// Every row of a report table, in the order written, every column.
+Query ReadReportTable(Database& report_db, std::string_view table);
 
 }  // namespace lotwise

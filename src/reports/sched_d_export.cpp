@@ -3,6 +3,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string_view>
 
 #include "data/application.h"
@@ -12,6 +13,7 @@
 #include "ground/paths.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
+#include "reports/report_db.h"
 
 namespace lotwise {
 
@@ -19,17 +21,6 @@ namespace {
 
 constexpr const char* kInfoTitle = "Export File Information";
 constexpr const char* kLineEnd = "\r\n";
-
-// One "Sched D" row per line, each exported once: a symbol that appears
-// twice in "BA Secs" must not report its sales twice to the tax software,
-// so the name is taken from one of its rows. The rows keep the order in
-// which the Schedule D was computed.
-constexpr const char* kExportQuery =
-    R"(SELECT D."Sec Symbol", S."Sec Name", D."Date Acqrd", D."Date Sold", D."Sale Price", )"
-    R"(D."Cost", D."Shares" FROM "Sched D" AS D )"
-    R"(INNER JOIN (SELECT "Sec Symbol", min("Sec Name") AS "Sec Name" FROM "BA Secs" )"
-    R"(GROUP BY "Sec Symbol" COLLATE NOCASE) AS S )"
-    R"(ON S."Sec Symbol" = D."Sec Symbol" COLLATE NOCASE ORDER BY D.rowid)";
 
 enum class ExportOutcome { kWritten, kEmpty, kFailed };
 
@@ -59,19 +50,19 @@ std::string CsvLine(const std::array<std::string, 5>& fields) {
   return line + kLineEnd;
 }
 
-std::string DateField(const Query& q, const char* column) {
-  return q.IsNull(column) ? std::string() : q.DateValue(column).ToString();
+std::string DateField(const std::optional<Date>& date) {
+  return date ? date->ToString() : std::string();
 }
 
-std::string MoneyField(const Query& q, const char* column) {
-  return q.IsNull(column) ? std::string() : q.Money(column).ToString();
+std::string MoneyField(const std::optional<Currency>& money) {
+  return money ? money->ToString() : std::string();
 }
 
 // The shares sold and what they are: the name, else the symbol.
-std::string Description(const Query& q) {
-  std::string shares = q.IsNull("Shares") ? std::string() : NumberText(q.Double("Shares"));
-  std::string what = TrimRight(q.Text("Sec Name"));
-  if (what.empty()) what = q.Text("Sec Symbol");
+std::string Description(const SchedDExportRow& row) {
+  std::string shares = row.shares ? NumberText(*row.shares) : std::string();
+  std::string what = TrimRight(row.sec_name);
+  if (what.empty()) what = row.sec_symbol;
   return shares + " " + what;
 }
 
@@ -91,11 +82,10 @@ ExportOutcome WriteExportRecords(Application& app, const std::string& file_name,
                                  const std::string& report_db_path) {
   return Trap(app, "AddExportRecords", ExportOutcome::kFailed, [&] {
     auto report = Database::Open(report_db_path, Database::Mode::kReadOnly);
-    Query q = report->Select(kExportQuery);
     std::string lines;
-    while (q.Next()) {
-      lines += CsvLine({Description(q), DateField(q, "Date Acqrd"), DateField(q, "Date Sold"),
-                        MoneyField(q, "Sale Price"), MoneyField(q, "Cost")});
+    for (const SchedDExportRow& row : ReadSchedDExport(*report)) {
+      lines += CsvLine({Description(row), DateField(row.date_acqrd), DateField(row.date_sold),
+                        MoneyField(row.sale_price), MoneyField(row.cost)});
     }
     if (lines.empty()) return ExportOutcome::kEmpty;
     WriteOrFail(file_name, std::ios::app, lines);

@@ -9,9 +9,13 @@
 
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_info.h"
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
+#include "data/entry_rows.h"
+#include "data/report_source.h"
+#include "data/security_rows.h"
 #include "data/transaction_store.h"
 #include "ground/number_text.h"
 #include "ground/paths.h"
@@ -26,16 +30,10 @@ namespace {
 
 constexpr const char* kEvery = "*";
 
-// One "TL Trans" row. Money a kind of transaction does not carry is 0; the
-// sale price is written for sales only and stays NULL for the others.
-struct TLTransRow {
-  int64_t sec_id = 0;
-  Date date;
-  std::string transaction;
-  double shares = 0;
-  Currency cost;
-  Currency fee;
-  std::optional<Currency> sale_price;
+// One "TL Trans" row gathered. Money a kind of transaction does not carry
+// is 0; the sale price is written for sales only and stays NULL for the
+// others.
+struct GatheredRow : TLTransRow {
   // Where the computation applies it among the day's rows: by same-day
   // rank, then block by block in the blocks' order, then in order of entry.
   int64_t prec_sort = 0;
@@ -43,30 +41,15 @@ struct TLTransRow {
   int64_t unique_id = 0;
 };
 
-void AddTLTrans(Database& report, const TLTransRow& row) {
-  Value sale_price;
-  if (row.sale_price) sale_price = *row.sale_price;
-  report.Execute(
-      R"(INSERT INTO "TL Trans" ("Sec ID", "Date", "Transaction", "Shares", "Cost", "Fee", )"
-      R"("Sale Price") VALUES (:sec, :date, :trans, :shares, :cost, :fee, :price))",
-      {{"sec", row.sec_id},
-       {"date", row.date},
-       {"trans", row.transaction},
-       {"shares", row.shares},
-       {"cost", row.cost},
-       {"fee", row.fee},
-       {"price", sale_price}});
-}
-
 // The listing shows a security's rows in the order the Basis Analysis
 // applies them, so that a day with a sale and an adjustment or a split
 // reads as it was computed: the rows are gathered, ordered, then written.
-void AddTLTransInOrder(Database& report, std::vector<TLTransRow>& rows) {
-  std::stable_sort(rows.begin(), rows.end(), [](const TLTransRow& a, const TLTransRow& b) {
+void AddTLTransInOrder(Database& report, std::vector<GatheredRow>& rows) {
+  std::stable_sort(rows.begin(), rows.end(), [](const GatheredRow& a, const GatheredRow& b) {
     return std::tie(a.date, a.prec_sort, a.block_pos, a.unique_id) <
            std::tie(b.date, b.prec_sort, b.block_pos, b.unique_id);
   });
-  for (const TLTransRow& row : rows) AddTLTrans(report, row);
+  for (const GatheredRow& row : rows) AddTLTrans(report, row);
 }
 
 // The inclusive date range of one listing.
@@ -92,34 +75,33 @@ size_t BlockPos(const BlockOrder& order, int64_t block_no) {
   return found == order.pos.end() ? order.blocks.size() : found->second;
 }
 
-// Gathers a row for each row of `q` dated inside the range, the kind's own
+// Gathers a row for each of `found` dated inside the range, the kind's own
 // fields filled in by `fill`.
 template <class Fill>
-void AddRowsInRange(std::vector<TLTransRow>& rows, Query& q, int64_t sec_id,
-                    const BlockOrder& blocks, Range range, Fill fill) {
-  while (q.Next()) {
-    const Date date = q.DateValue("Date");
-    if (!range.Holds(date)) continue;
-    TLTransRow& row = rows.emplace_back();
+void AddRowsInRange(std::vector<GatheredRow>& rows, const std::vector<TransOnFile>& found,
+                    int64_t sec_id, const BlockOrder& blocks, Range range, Fill fill) {
+  for (const TransOnFile& trans : found) {
+    if (!range.Holds(trans.date)) continue;
+    GatheredRow& row = rows.emplace_back();
     row.sec_id = sec_id;
-    row.date = date;
-    row.prec_sort = q.Int("Prec Sort");
-    row.block_pos = BlockPos(blocks, q.Int("Block No"));
-    row.unique_id = q.Int("Unique ID");
-    fill(q, row);
+    row.date = trans.date;
+    row.prec_sort = trans.prec_sort;
+    row.block_pos = BlockPos(blocks, trans.block_no);
+    row.unique_id = trans.unique_id;
+    row.shares = trans.shares;
+    fill(trans, row);
   }
 }
 
-bool CalcTLBuys(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+bool CalcTLBuys(Application& app, std::vector<GatheredRow>& rows, int64_t sec_id,
                 const BlockOrder& blocks, Range range) {
   return Trap(app, "CalcTLBuys", false, [&] {
-    Query q = app.client->SelectSaved("Buys In Security", {{"lSecID", sec_id}});
-    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& buy, TLTransRow& row) {
-      row.transaction = buy.Int("Type") == kTypeReinvest ? "Reinvestment" : "Buy";
-      row.shares = buy.Double("Shares");
-      row.cost = buy.Money("Cost");
-      row.fee = buy.Money("Fee");
-    });
+    AddRowsInRange(rows, BuysInSecurity(*app.client, sec_id), sec_id, blocks, range,
+                   [](const TransOnFile& buy, GatheredRow& row) {
+                     row.transaction = buy.type == kTypeReinvest ? "Reinvestment" : "Buy";
+                     row.cost = buy.cost;
+                     row.fee = buy.fee;
+                   });
     return true;
   });
 }
@@ -128,67 +110,54 @@ bool CalcTLBuys(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
 // left the block), as the block's own transaction list and the Basis
 // Analysis show them; a security's Shares column then adds up to the change
 // in its holding over the period. A sale carries no cost of its own.
-bool CalcTLSells(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+bool CalcTLSells(Application& app, std::vector<GatheredRow>& rows, int64_t sec_id,
                  const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLSells", false, [&] {
-    Query q = app.client->SelectSaved("Sells In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& sell, TLTransRow& row) {
-      row.transaction = "Sell";
-      row.shares = sell.Double("Shares");
-      row.fee = sell.Money("Fee");
-      row.sale_price = sell.Money("Sale Price");
-    });
+    AddRowsInRange(rows, SellsInBlock(*app.client, block_no), sec_id, blocks, range,
+                   [](const TransOnFile& sell, GatheredRow& row) {
+                     row.transaction = "Sell";
+                     row.fee = sell.fee;
+                     row.sale_price = sell.sale_price;
+                   });
     return true;
   });
 }
 
-bool CalcTLSplits(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+bool CalcTLSplits(Application& app, std::vector<GatheredRow>& rows, int64_t sec_id,
                   const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLSplits", false, [&] {
-    Query q = app.client->SelectSaved("Splits In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& split, TLTransRow& row) {
-      const bool stock_split = split.Int("Type") == kTypeSplit;
-      row.transaction = std::string(stock_split ? "Stock Split " : "Stock Div. ") +
-                        NumberText(split.Double("Pre Ratio")) + (stock_split ? " for " : " per ") +
-                        NumberText(split.Double("Post Ratio"));
-      row.shares = split.Double("Shares");
-    });
+    AddRowsInRange(rows, SplitsInBlock(*app.client, block_no), sec_id, blocks, range,
+                   [](const TransOnFile& split, GatheredRow& row) {
+                     const bool stock_split = split.type == kTypeSplit;
+                     row.transaction = std::string(stock_split ? "Stock Split " : "Stock Div. ") +
+                                       NumberText(split.pre_ratio) +
+                                       (stock_split ? " for " : " per ") +
+                                       NumberText(split.post_ratio);
+                   });
     return true;
   });
 }
 
-bool CalcTLAdjusts(Application& app, std::vector<TLTransRow>& rows, int64_t sec_id,
+bool CalcTLAdjusts(Application& app, std::vector<GatheredRow>& rows, int64_t sec_id,
                    const BlockOrder& blocks, int64_t block_no, Range range) {
   return Trap(app, "CalcTLAdjusts", false, [&] {
-    Query q = app.client->SelectSaved("Adjusts In Block", {{"lBlockNo", block_no}});
-    AddRowsInRange(rows, q, sec_id, blocks, range, [](Query& adjust, TLTransRow& row) {
-      row.transaction = "Adjustment";
-      row.shares = adjust.Double("Shares");
-      row.cost = adjust.Money("Cost");
-    });
+    AddRowsInRange(rows, AdjustsInBlock(*app.client, block_no), sec_id, blocks, range,
+                   [](const TransOnFile& adjust, GatheredRow& row) {
+                     row.transaction = "Adjustment";
+                     row.cost = adjust.cost;
+                   });
     return true;
   });
 }
 
 std::vector<std::string> PortfoliosOfScope(Database& client, const std::string& port_filter) {
-  Query q = port_filter == kEvery
-                ? client.Select(R"(SELECT "Port Name" FROM "Portfolio" ORDER BY "Port Name")")
-                : Select(client, Query_GetPort(port_filter));
   std::vector<std::string> names;
-  while (q.Next()) names.push_back(q.Text("Port Name"));
+  if (port_filter == kEvery) {
+    for (PortfolioOnFile& port : ListPortfolios(client)) names.push_back(std::move(port.name));
+  } else if (std::optional<PortfolioOnFile> port = FindPortfolio(client, port_filter)) {
+    names.push_back(std::move(port->name));
+  }
   return names;
-}
-
-// The number of blocks the walk will visit, so that the gauge can show the
-// share done.
-int64_t BlocksInScope(Database& client, const std::string& port_filter,
-                      const std::string& sec_filter) {
-  Query q =
-      client.Select(R"(SELECT count(*) AS n FROM "Blocks" AS B INNER JOIN "Security" AS S )"
-                    R"(ON B."Sec ID" = S."Sec ID" WHERE (:port = '*' OR S."Port Name" = :port) )"
-                    R"(AND (:sec = '*' OR S."Sec Symbol" = :sec))",
-                    {{"port", port_filter}, {"sec", sec_filter}});
-  return q.Next() ? q.Int("n") : 0;
 }
 
 const char* ScopeType(const std::string& port_filter, const std::string& sec_filter) {
@@ -205,20 +174,17 @@ struct SecurityOfPort {
 std::vector<SecurityOfPort> SecuritiesOfPort(Database& client, const std::string& port_name,
                                              const std::string& sec_filter) {
   std::vector<SecurityOfPort> securities;
-  Query q = client.SelectSaved("Secs In Port", {{"sPortName", port_name}});
-  while (q.Next()) {
-    std::string symbol = q.Text("Sec Symbol");
-    if (Matches(sec_filter, symbol)) securities.push_back({symbol, q.Int("Sec ID")});
+  for (SecurityOnFile& sec : SecuritiesInPort(client, port_name)) {
+    if (Matches(sec_filter, sec.symbol)) securities.push_back({std::move(sec.symbol), sec.sec_id});
   }
   return securities;
 }
 
 BlockOrder BlocksOfSec(Database& client, int64_t sec_id) {
   BlockOrder order;
-  Query q = Select(client, Query_GetBlocksInSec(sec_id));
-  while (q.Next()) {
-    order.pos.emplace(q.Int("Block No"), order.blocks.size());
-    order.blocks.push_back(q.Int("Block No"));
+  for (const BlockOnFile& block : BlocksOfSecurity(client, sec_id)) {
+    order.pos.emplace(block.block_no, order.blocks.size());
+    order.blocks.push_back(block.block_no);
   }
   return order;
 }
@@ -288,28 +254,23 @@ bool CalcTransListRpt(Application& app, const std::string& port_filter,
     Database::Transaction unit(*report);
     ClearReportTables(*report, {"TL Info", "TL Port", "TL Sec", "TL Trans", "Usage"});
     AddUsageRow(app, *report);
-    report->Execute(
-        R"(INSERT INTO "TL Info" ("Client Name", "Client Code", "2nd Line", "Beginning Date", )"
-        R"("End Date", "Type") VALUES (:name, :code, :line, :begin, :end, :type))",
-        {{"name", app.current.client_name},
-         {"code", app.current.client_code},
-         {"line", JoinNameAnd2ndLine(app.current.client_name, app.current.client_2nd_line)},
-         {"begin", begin},
-         {"end", end},
-         {"type", ScopeType(port_filter, sec_filter)}});
+    AddTLInfo(*report, app.current.client_name, app.current.client_code,
+              JoinNameAnd2ndLine(app.current.client_name, app.current.client_2nd_line), begin, end,
+              ScopeType(port_filter, sec_filter));
 
+    // The number of blocks the walk will visit, so that the gauge can show
+    // the share done.
     const int64_t total_blocks =
-        std::max<int64_t>(1, BlocksInScope(client, port_filter, sec_filter));
+        std::max<int64_t>(1, CountBlocksInScope(client, port_filter, sec_filter));
     int64_t blocks_done = 0;
     for (const std::string& port_name : PortfoliosOfScope(client, port_filter)) {
-      report->Execute(R"(INSERT INTO "TL Port" ("Port Name") VALUES (:port))",
-                      {{"port", port_name}});
+      AddTLPort(*report, port_name);
       for (const SecurityOfPort& sec : SecuritiesOfPort(client, port_name, sec_filter)) {
         const std::string sec_name = GetSecInfoFromCDB(app, sec.symbol, "[Sec Name]");
         // A fatal error there has closed the files.
         if (app.ended) return false;
         const BlockOrder blocks = BlocksOfSec(client, sec.sec_id);
-        std::vector<TLTransRow> rows;
+        std::vector<GatheredRow> rows;
         if (!CalcTLBuys(app, rows, sec.sec_id, blocks, range)) return false;
         for (const int64_t block_no : blocks.blocks) {
           if (!CalcTLSells(app, rows, sec.sec_id, blocks, block_no, range)) return false;
@@ -320,10 +281,7 @@ bool CalcTransListRpt(Application& app, const std::string& port_filter,
           ui.ProcessEvents();
         }
         AddTLTransInOrder(*report, rows);
-        report->Execute(
-            R"(INSERT INTO "TL Sec" ("Port Name", "Sec Name", "Sec Symbol", "Sec ID") )"
-            R"(VALUES (:port, :name, :symbol, :id))",
-            {{"port", port_name}, {"name", sec_name}, {"symbol", sec.symbol}, {"id", sec.sec_id}});
+        AddTLSec(*report, port_name, sec_name, sec.symbol, sec.sec_id);
       }
     }
     unit.Commit();
