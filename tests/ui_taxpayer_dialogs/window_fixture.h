@@ -2,12 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
 #include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTableWidget>
-#include <QTest>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -17,6 +15,7 @@
 #include "app/application.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/tests_c_helpers.h"
 #include "ui/dialog_registry.h"
 
 namespace lotwise::testing {
@@ -58,35 +57,6 @@ class WindowUi : public UiPort {
   ui::DialogRegistry registry_;
   Application* app_ = nullptr;
 };
-
-// The offscreen platform warns about every window it cannot pass size
-// hints on to; that is the platform's limit, not the window's.
-inline QtMessageHandler qt_message_handler = nullptr;
-inline void QuietSizeHints(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-  if (text.contains(QLatin1String("propagateSizeHints"))) return;
-  if (qt_message_handler != nullptr) qt_message_handler(type, context, text);
-}
-
-// The one QApplication of the test program, made before the first test and
-// gone before the program's exit handlers run (Qt's own statics go first).
-class QtEnvironment : public ::testing::Environment {
- public:
-  void SetUp() override {
-    // Run straight from the build folder, the windows still need no display.
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-    app_ = std::make_unique<QApplication>(argc_, argv_);
-    qt_message_handler = qInstallMessageHandler(QuietSizeHints);
-  }
-  void TearDown() override { app_.reset(); }
-
- private:
-  int argc_ = 1;
-  char name_[16] = "lotwise_windows";
-  char* argv_[2] = {name_, nullptr};
-  std::unique_ptr<QApplication> app_;
-};
-inline ::testing::Environment* const kQtEnvironment =
-    ::testing::AddGlobalTestEnvironment(new QtEnvironment);
 
 // An Application talking to WindowUi with a fresh central file, and the
 // means to play the user's part on a modal window once it shows.
@@ -162,6 +132,13 @@ class DialogWindowTest : public AppTest {
     QTest::keyClick(field, Qt::Key_Backspace);
     QTest::keyClick(field, Qt::Key_Home);
     QTest::keyClicks(field, text);
+  }
+  // Types "field=keys;..." into the window's fields, leaving each with Tab.
+  static void Fill(QDialog& window, const char* entries) {
+    for (const QString& entry : QString(entries).split(';')) {
+      Type(window, entry.section('=', 0, 0).toLatin1(), entry.section('=', 1));
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    }
   }
   static void Choose(QDialog& window, const char* grid, int row) {
     Get<QTableWidget>(window, grid)->setCurrentCell(row, 0);

@@ -26,8 +26,7 @@ class TaxpayerWindowsTest : public DialogWindowTest {
   void SetUp() override {
     DialogWindowTest::SetUp();
     OpenFreshTaxpayer();
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
-                           R"(VALUES ('IBM', 'International Business Machines', '459200101'))");
+    SecurityName("IBM", "International Business Machines", "459200101");
     ASSERT_TRUE(NewPort(*app_, "Growth & Value", "long term"));
   }
   std::string Stored() {
@@ -42,145 +41,114 @@ class TaxpayerWindowsTest : public DialogWindowTest {
 // Every window opens captioned with its mode, showing the form's values,
 // button captions and list rows, with its fields limited to the stored
 // sizes ("name<size"); its Cancel or Close button closes it unwritten.
-struct OpenCase {
-  const char* label;
-  Show show;
-  const char* window;
-  const char* title;
-  const char* shown;  // "control=text;control<max length;..."
-  const char* close;
-};
-
-void PrintTo(const OpenCase& c, std::ostream* os) { *os << c.label; }
-
-class OpenTest : public TaxpayerWindowsTest, public ::testing::WithParamInterface<OpenCase> {};
-
-TEST_P(OpenTest, Window_OpensWithFormValues) {
-  const OpenCase& c = GetParam();
+TEST_F(TaxpayerWindowsTest, Windows_OpenWithFormValues) {
+  struct Case {
+    Show show;
+    const char *window, *title;
+    const char* shown;  // "control=text;control<max length;..."
+    const char* close = "btnCancel";
+  };
+  const Case cases[] = {
+      {ShowNewClient, "dlgNewModClient", "New Taxpayer",
+       "txtClientName=;dtYearEnd=__/__/____;txtClientName<50;txtSortName<50;txtClientCode<10;"
+       "txtOptLine<50"},
+      {ShowModifyClient, "dlgNewModClient", "Modify Taxpayer",
+       "txtClientName=John Doe;txtClientCode=DOE01;dtYearEnd=12/31/2025"},
+      {[](Application& app) { ShowOpenClient(app, kOpenClientCaption); }, "dlgOpenClient",
+       "Open Taxpayer File", "SSdgClients=John Doe|John Doe|DOE01;btnOpen=Open;btnCancel=Cancel"},
+      {[](Application& app) { ShowOpenClient(app, kDeleteClientCaption); }, "dlgOpenClient",
+       "Select Taxpayer to Delete", "btnOpen=Delete;btnCancel=Close"},
+      {ShowNewPort, "dlgNewModPort", "New Portfolio", "txtPortName=;txtPortName<50;txt2ndLine<50"},
+      {ShowModPort, "dlgNewModPort", "Modify Portfolio",
+       "txtPortName=Growth & Value;txt2ndLine=long term"},
+      {ShowOpenPort, "dlgOpenDelPort", "Open Portfolio",
+       "SSdgPortfolios=Growth & Value|long term;btnOK=Open;btnCancel=Cancel"},
+      {ShowDelPort, "dlgOpenDelPort", "Delete Portfolio", "btnOK=Delete;btnCancel=Close"},
+      {ShowAddSec, "dlgAddModSec", "Add a Security",
+       "pnlPortfolio=Growth & Value;txtSymbol<10;txtSecName<50;txtCusip<12;txt2ndLine<50"},
+      {[](Application& app) { ShowModSecInCDB(app, "IBM"); }, "dlgAddModSec",
+       "Modify a Security (SSF)",
+       "txtSymbol=IBM;txtSecName=International Business Machines;txtCusip=459200101"},
+      {ShowSecSymbol, "dlgSecSymbol", "Security Symbols File",
+       "SSdgSecSymbols=IBM|International Business Machines|459200101;btnAdd=Add", "btnClose"},
+      {RunDlgFileLoc, "dlgFileLoc", "Designate File Locations", "btnSSF=&Browse..."}};
   const std::string before = Stored();
-  WhenShown(c.window, [&](QDialog& window) {
-    EXPECT_EQ(window.windowTitle().toStdString(), c.title);
-    for (const QString& item : Items(c.shown)) {
-      const bool limit = item.contains('<');
-      const QStringList parts = item.split(limit ? '<' : '=');
-      const std::string name = parts[0].toStdString();
-      auto* control = Get<QWidget>(window, name.c_str());
-      QString text;
-      if (auto* edit = qobject_cast<QLineEdit*>(control)) {
-        // A limit in characters (not UTF-16 units) is the field's own property.
-        const QVariant chars = edit->property("lw_max_characters");
-        const int max = chars.isValid() ? chars.toInt() : edit->maxLength();
-        text = limit ? QString::number(max) : edit->displayText();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.title);
+    WhenShown(c.window, [&](QDialog& window) {
+      EXPECT_EQ(window.windowTitle().toStdString(), c.title);
+      for (const QString& item : Items(c.shown)) {
+        const bool limit = item.contains('<');
+        const QStringList parts = item.split(limit ? '<' : '=');
+        const std::string name = parts[0].toStdString();
+        auto* control = Get<QWidget>(window, name.c_str());
+        QString text;
+        if (auto* edit = qobject_cast<QLineEdit*>(control)) {
+          // A limit in characters (not UTF-16 units) is the field's own property.
+          const QVariant chars = edit->property("lw_max_characters");
+          const int max = chars.isValid() ? chars.toInt() : edit->maxLength();
+          text = limit ? QString::number(max) : edit->displayText();
+        }
+        if (auto* button = qobject_cast<QPushButton*>(control)) text = button->text();
+        if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();
+        if (qobject_cast<QTableWidget*>(control)) text = GridRows(window, name.c_str()).c_str();
+        EXPECT_EQ(text.toStdString(), parts[1].toStdString()) << name;
       }
-      if (auto* button = qobject_cast<QPushButton*>(control)) text = button->text();
-      if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();
-      if (qobject_cast<QTableWidget*>(control))
-        text = QString::fromStdString(GridRows(window, name.c_str()));
-      EXPECT_EQ(text.toStdString(), parts[1].toStdString()) << name;
-    }
-    Click(window, c.close);
-  });
-  c.show(*app_);
+      Click(window, c.close);
+    });
+    c.show(*app_);
+  }
   EXPECT_EQ(Stored(), before);
   EXPECT_EQ(app_->current.client_code, "DOE01");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Windows, OpenTest,
-    ::testing::Values(
-        OpenCase{"NewTaxpayer", ShowNewClient, "dlgNewModClient", "New Taxpayer",
-                 "txtClientName=;dtYearEnd=__/__/____;btnOK=OK;btnCancel=Cancel;"
-                 "txtClientName<50;txtSortName<50;txtClientCode<10;txtOptLine<50",
-                 "btnCancel"},
-        OpenCase{"ModifyTaxpayer", ShowModifyClient, "dlgNewModClient", "Modify Taxpayer",
-                 "txtClientName=John Doe;txtClientCode=DOE01;dtYearEnd=12/31/2025", "btnCancel"},
-        OpenCase{"OpenTaxpayer", [](Application& app) { ShowOpenClient(app, kOpenClientCaption); },
-                 "dlgOpenClient", "Open Taxpayer File",
-                 "SSdgClients=John Doe|John Doe|DOE01;btnOpen=Open;btnCancel=Cancel", "btnCancel"},
-        OpenCase{"DeleteTaxpayer",
-                 [](Application& app) { ShowOpenClient(app, kDeleteClientCaption); },
-                 "dlgOpenClient", "Select Taxpayer to Delete", "btnOpen=Delete;btnCancel=Close",
-                 "btnCancel"},
-        OpenCase{"NewPortfolio", ShowNewPort, "dlgNewModPort", "New Portfolio",
-                 "txtPortName=;txtPortName<50;txt2ndLine<50", "btnCancel"},
-        OpenCase{"ModifyPortfolio", ShowModPort, "dlgNewModPort", "Modify Portfolio",
-                 "txtPortName=Growth & Value;txt2ndLine=long term", "btnCancel"},
-        OpenCase{"OpenPortfolio", ShowOpenPort, "dlgOpenDelPort", "Open Portfolio",
-                 "SSdgPortfolios=Growth & Value|long term;btnOK=Open;btnCancel=Cancel",
-                 "btnCancel"},
-        OpenCase{"DeletePortfolio", ShowDelPort, "dlgOpenDelPort", "Delete Portfolio",
-                 "btnOK=Delete;btnCancel=Close", "btnCancel"},
-        OpenCase{"AddSecurity", ShowAddSec, "dlgAddModSec", "Add a Security",
-                 "pnlPortfolio=Growth & Value;txtSymbol<10;txtSecName<50;txtCusip<12;txt2ndLine<50",
-                 "btnCancel"},
-        OpenCase{"ModifySecurityInSsf", [](Application& app) { ShowModSecInCDB(app, "IBM"); },
-                 "dlgAddModSec", "Modify a Security (SSF)",
-                 "txtSymbol=IBM;txtSecName=International Business Machines;txtCusip=459200101",
-                 "btnCancel"},
-        OpenCase{"SecuritySymbols", ShowSecSymbol, "dlgSecSymbol", "Security Symbols File",
-                 "SSdgSecSymbols=IBM|International Business Machines|459200101;btnAdd=Add;"
-                 "lblInstructions=To Delete or Modify a Security, click on the Security, then "
-                 "click on the appropriate button",
-                 "btnClose"},
-        OpenCase{"DataLocations", RunDlgFileLoc, "dlgFileLoc", "Designate File Locations",
-                 "btnSSF=&Browse...;btnOK=OK", "btnCancel"}),
-    [](const auto& info) { return std::string(info.param.label); });
-
 // Enter moves the focus from field to field, as Tab does, and never
 // accepts: the window stays up and nothing is stored until OK is clicked,
-// which then stores the entry through the core.
-struct EnterCase {
-  const char* label;
-  Show show;
-  const char* window;
-  const char* typed;   // "field=text;..." in Tab order; Enter after each
-  const char* stored;  // the rows Stored() gained
-};
-
-void PrintTo(const EnterCase& c, std::ostream* os) { *os << c.label; }
-
-class EnterTest : public TaxpayerWindowsTest, public ::testing::WithParamInterface<EnterCase> {};
-
-TEST_P(EnterTest, Enter_MovesFocusAndOnlyOkStores) {
-  const EnterCase& c = GetParam();
-  const std::string before = Stored();
-  WhenShown(c.window, [&](QDialog& window) {
-    const QStringList typed = Items(c.typed);
-    Get(window, typed[0].section('=', 0, 0).toLatin1())->setFocus(Qt::TabFocusReason);
-    for (int i = 0; i < typed.size(); ++i) {
-      ASSERT_EQ(Focused(), typed[i].section('=', 0, 0).toStdString());
-      QTest::keyClicks(QApplication::focusWidget(), typed[i].section('=', 1));
-      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+// which then stores the entry through the core. (The new taxpayer's
+// name filled the sort name when left, so the next field kept it.)
+TEST_F(TaxpayerWindowsTest, Enter_MovesFocusAndOnlyOkStores) {
+  struct Case {
+    Show show;
+    const char* window;
+    const char* typed;   // "field=text;..." in Tab order; Enter after each
+    const char* stored;  // the rows Stored() gained
+  };
+  const Case cases[] = {
+      {ShowNewClient, "dlgNewModClient",
+       "txtClientName=Ann Lee;txtSortName=;txtClientCode=LEE01;txtOptLine=c/o Bank;"
+       "dtYearEnd=06302025",
+       "LEE01|Ann Lee|Lee, Ann|Lee73.mdb;LEE01|2025-06-30;"},
+      {ShowNewPort, "dlgNewModPort", "txtPortName=Income;txt2ndLine=dividends",
+       "Income|dividends ;"},
+      {ShowAddSec, "dlgAddModSec",
+       "txtSymbol=MSFT;txtSecName=Microsoft;txtCusip=594918104;txt2ndLine=note",
+       "MSFT|Microsoft|594918104;MSFT|note ;"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.window);
+    const std::string before = Stored();
+    WhenShown(c.window, [&](QDialog& window) {
+      const QStringList typed = Items(c.typed);
+      Get(window, typed[0].section('=', 0, 0).toLatin1())->setFocus(Qt::TabFocusReason);
+      for (const QString& entry : typed) {
+        ASSERT_EQ(Focused(), entry.section('=', 0, 0).toStdString());
+        QTest::keyClicks(QApplication::focusWidget(), entry.section('=', 1));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+      }
+      EXPECT_EQ(Focused(), "btnOK");
+      EXPECT_TRUE(window.isVisible());
+      EXPECT_EQ(Stored(), before);
+      Click(window, "btnOK");
+    });
+    c.show(*app_);
+    const QStringList old_rows = Items(before.c_str());
+    QString added;
+    for (const QString& row : Items(Stored().c_str())) {
+      if (!old_rows.contains(row)) added += row + ";";
     }
-    EXPECT_EQ(Focused(), "btnOK");
-    EXPECT_TRUE(window.isVisible());
-    EXPECT_EQ(Stored(), before);
-    Click(window, "btnOK");
-  });
-  c.show(*app_);
-  const QStringList old_rows = Items(before.c_str());
-  QString added;
-  for (const QString& row : Items(Stored().c_str())) {
-    if (!old_rows.contains(row)) added += row + ";";
+    EXPECT_EQ(added.toStdString(), c.stored);
+    EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   }
-  EXPECT_EQ(added.toStdString(), c.stored);
-  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Windows, EnterTest,
-    ::testing::Values(
-        // Leaving the name filled the sort name, so the next field kept it.
-        EnterCase{"NewTaxpayer", ShowNewClient, "dlgNewModClient",
-                  "txtClientName=Ann Lee;txtSortName=;txtClientCode=LEE01;txtOptLine=c/o Bank;"
-                  "dtYearEnd=06302025",
-                  "LEE01|Ann Lee|Lee, Ann|Lee73.mdb;LEE01|2025-06-30;"},
-        EnterCase{"NewPortfolio", ShowNewPort, "dlgNewModPort",
-                  "txtPortName=Income;txt2ndLine=dividends", "Income|dividends ;"},
-        EnterCase{"AddSecurity", ShowAddSec, "dlgAddModSec",
-                  "txtSymbol=MSFT;txtSecName=Microsoft;txtCusip=594918104;txt2ndLine=note",
-                  "MSFT|Microsoft|594918104;MSFT|note ;"}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // Leaving the name with no sort name shows the one OK would store; a sort
 // name the user typed is left alone. Each field explains itself on the help
@@ -210,9 +178,7 @@ TEST_F(TaxpayerWindowsTest, NewTaxpayer_LeaveCheckHelpAndRefusal) {
 // The list's chosen row is the taxpayer opened, the portfolio deleted.
 TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
   WriteTaxpayerFile("LEE0101.mdb", "LEE01", "Ann Lee");
-  app_->central->Execute(
-      R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-      R"(VALUES ('LEE01', 'Ann Lee', 'Lee, Ann', 'LEE0101.mdb'))");
+  TaxpayerIndex("LEE01", "Ann Lee", "Lee, Ann", "LEE0101.mdb");
   WhenShown("dlgOpenClient", [&](QDialog& window) {
     Choose(window, "SSdgClients", 1);
     Click(window, "btnOpen");
