@@ -77,8 +77,10 @@ TEST_F(MainWindowTest, RunCommand_ClosesPortfolioAndTaxpayer) {
   EXPECT_FALSE(window_->RunCommand("mnuPortfolioClose"));
 }
 
-// Option items flip their check marks in the core, and the bars follow.
+// The help bar first welcomes the user. Option items flip their check
+// marks in the core, and the bars follow.
 TEST_F(MainWindowTest, OptionItems_ToggleMarksAndBars) {
+  EXPECT_EQ(Label("pnlHelpBar"), "Welcome to Lotwise!");
   for (const char* item : {"mnuShowToolbar", "mnuHelpBar", "mnuRecalcShares"}) {
     Action(item)->trigger();
   }
