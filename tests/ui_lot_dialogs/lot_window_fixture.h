@@ -2,11 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QCheckBox>
 #include <QDialog>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QTimer>
 #include <functional>
 #include <string>
 #include <vector>
@@ -19,7 +15,6 @@
 #include "support/app_fixture.h"
 #include "support/tests_c_helpers.h"
 #include "support/values.h"
-#include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::testing {
@@ -46,30 +41,9 @@ class LotWindowTest : public AppTest {
     app_->current.sec_symbol = "T";
   }
 
-  // Expects the window of form `name` next; `drive` runs once it is shown
-  // and must close it (a window left open fails the test and is closed).
+  // Expects the window of form `name` next (see ShowWindow).
   void OnWindow(const char* name, Drive drive) {
-    ui_.ExpectDialog(name, [this, drive = std::move(drive)](DialogForm& form) {
-      const ui::DialogRunner* runner = registry_.Find(form);
-      ASSERT_NE(runner, nullptr) << form.Name();
-      QTimer::singleShot(0, [drive, name = std::string(form.Name())] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr) << name;
-        // Offscreen, a window opened from inside another window's event
-        // handling is not activated by being shown.
-        QApplication::setActiveWindow(dialog);
-        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog)) << name;
-        drive(*dialog);
-        if (dialog->isVisible()) {
-          ADD_FAILURE() << name << " is still open";
-          dialog->done(QDialog::Rejected);
-        }
-      });
-      QWidget* outer = QApplication::activeModalWidget();
-      (*runner)(*app_, form, outer);
-      // Nor is the window below activated again when it closes.
-      if (outer != nullptr) QApplication::setActiveWindow(outer);
-    });
+    testing::OnWindow(ui_, *app_, name, std::move(drive));
   }
 
   void Buy(Day date, double shares, Amount cost) { Scenario::Buy(sec_id_, date, shares, cost); }
@@ -77,45 +51,6 @@ class LotWindowTest : public AppTest {
   void Open(int method) {
     SellMethod("T", method);
     ShowSecDisplay(*app_, "T");
-  }
-
-  template <class W = QLineEdit>
-  static W* Get(QDialog& dialog, const char* name) {
-    W* control = dialog.findChild<W*>(QString::fromUtf8(name));
-    EXPECT_NE(control, nullptr) << name;
-    return control;
-  }
-  static std::string Shown(QDialog& dialog, const char* name) {
-    QLineEdit* field = Get(dialog, name);
-    return field == nullptr ? "" : ui::FromQ(field->displayText());
-  }
-  // Clicks into field `name` and replaces its text by typing `keys`; with
-  // `tab` leaves it with Tab.
-  static void Type(QDialog& dialog, const char* name, const char* keys, bool tab = false) {
-    QLineEdit* edit = Get(dialog, name);
-    if (edit == nullptr) return;
-    QTest::mouseClick(edit, Qt::LeftButton);
-    edit->selectAll();
-    QTest::keyClick(edit, Qt::Key_Backspace);
-    QTest::keyClick(edit, Qt::Key_Home);
-    QTest::keyClicks(edit, QString::fromUtf8(keys));
-    if (tab) QTest::keyClick(edit, Qt::Key_Tab);
-  }
-  static void TypeTab(QDialog& dialog, const char* name, const char* keys) {
-    Type(dialog, name, keys, true);
-  }
-  static void Click(QDialog& dialog, const char* name) {
-    auto* control = Get<QWidget>(dialog, name);
-    if (control == nullptr) return;
-    // A check box or option takes clicks on its box and caption only; its
-    // row may be wider.
-    const bool boxed = qobject_cast<QCheckBox*>(control) || qobject_cast<QRadioButton*>(control);
-    QTest::mouseClick(control, Qt::LeftButton, {},
-                      boxed ? QPoint(6, control->height() / 2) : control->rect().center());
-  }
-  static std::string FocusName() {
-    QWidget* focus = QApplication::focusWidget();
-    return focus == nullptr ? "(none)" : ui::FromQ(focus->objectName());
   }
 
   // Each row of `sql` with its columns joined by "|"; `kinds` gives each
@@ -148,7 +83,6 @@ class LotWindowTest : public AppTest {
   }
 
   int64_t sec_id_ = 0;
-  ui::DialogRegistry registry_ = ui::AllDialogs();
 };
 
 }  // namespace lotwise::testing

@@ -17,13 +17,12 @@ using Texts = std::vector<std::string>;
 // portfolio, a security, two buys and a FIFO sale; the grids and the total
 // then show what was stored.
 TEST_F(DialogWindowTest, Flow_NewTaxpayerToFifoSale) {
-  window_ui_.Use(ui::AllDialogs());
   State(*app_, kClientClosed);
   ui::MainWindow main(*app_);
   main.show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(&main));
   auto click = [this, &main](const char* name, const char* window, const char* entries) {
-    WhenShown(window, [entries](QDialog& dialog) {
+    OnWindow(window, [entries](QDialog& dialog) {
       Fill(dialog, entries);
       if (auto* methods = dialog.findChild<QComboBox*>("SScboSellMethod")) {
         methods->setFocus(Qt::TabFocusReason);
