@@ -161,77 +161,14 @@ TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 }
 
-// An open taxpayer with the portfolio "Income" (not open), which holds IBM
-// with one block.
-class PortfolioDialogsTest : public DialogsTest {
- protected:
-  void SetUp() override {
-    DialogsTest::SetUp();
-    OpenFreshTaxpayer();
-    AddPortfolio("Income", "IBM");
-  }
-  void AddPortfolio(const std::string& port, const std::string& symbol) {
-    Portfolio(port, "dividends");
-    Buy(Security(symbol, port), "03/01/2021", 10, "1000");
-  }
-  // "name|2nd line" of every portfolio, by name.
-  Names Portfolios() {
-    Names out;
-    Query q = app_->client->SelectSaved("dlgOpenDelPort");
-    while (q.Next()) out.push_back(q.Text("Port Name") + "|" + q.Text("2nd Line"));
-    return out;
-  }
-  // "securities/blocks/buys" of the whole file.
-  std::string Rows() {
-    return std::to_string(CountClientRows("Security")) + "/" +
-           std::to_string(CountClientRows("Blocks")) + "/" + std::to_string(CountClientRows("Buy"));
-  }
-};
-
-// "&New Portfolio...": a taken name is refused, the dialog keeping the
-// user's values; an accepted name adds the portfolio and opens it.
-TEST_F(PortfolioDialogsTest, ShowNewPort_RefusesTakenThenAdds) {
-  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
-    EXPECT_EQ(form.caption, "New Portfolio");
-    form.port_name = "income";
-    form.second_line = "text";
-    ui_.Expect("The Portfolio Name: income is already in use. Please enter a new Portfolio Name.",
-               "Portfolio Name in use!", Icon::kInformation, Buttons::kOk);
-    NewModPort_OK(*app_, form);
-    EXPECT_FALSE(form.closed);
-    EXPECT_EQ(form.port_name + "|" + form.second_line, "income|text");
-    EXPECT_EQ(app_->window.state, kClientOpen);
-    form.port_name = " Retirement ";
-    NewModPort_OK(*app_, form);
-    EXPECT_TRUE(form.closed);
-  });
-  ShowNewPort(*app_);
-  EXPECT_EQ(Portfolios(), (Names{"Income|dividends", "Retirement|text "}));
-  EXPECT_EQ(app_->window.state, kPortOpen);
-  EXPECT_EQ(app_->current.port_name, "Retirement");
-}
-
-// "&Modify Portfolio Info..." starts from the open portfolio; a new name
-// carries the securities along.
-TEST_F(PortfolioDialogsTest, ShowModPort_RenamesOpenPortfolio) {
-  ASSERT_TRUE(OpenPort(*app_, "Income"));
-  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
-    EXPECT_EQ(form.caption + "|" + form.port_name + "|" + form.second_line,
-              "Modify Portfolio|Income|dividends");
-    form.port_name = "Dividends";
-    form.second_line = "quarterly";
-    NewModPort_OK(*app_, form);
-    EXPECT_TRUE(form.closed);
-  });
-  ShowModPort(*app_);
-  EXPECT_EQ(Portfolios(), Names{"Dividends|quarterly "});
-  EXPECT_EQ(app_->current.port_name + "|" + app_->window.portfolio_panel, "Dividends|Dividends");
-  EXPECT_EQ(app_->window.securities.size(), 1u);
-}
-
 // "&Open Portfolio..." lists the portfolios by name and opens the selected
-// one; "&Close Portfolio" goes back to the taxpayer.
-TEST_F(PortfolioDialogsTest, ShowOpenPort_OpensSelectedThenClose) {
+// one; "&Modify Portfolio Info..." starts from it, and a new name carries
+// the securities along; "&Close Portfolio" goes back to the taxpayer. (New
+// and Delete Portfolio: the window tests.)
+TEST_F(DialogsTest, PortfolioDialogs_OpenModifyClose) {
+  OpenFreshTaxpayer();
+  Portfolio("Income", "dividends");
+  Buy(Security("IBM", "Income"), "03/01/2021", 10, "1000");
   Portfolio("Growth", "long term");
   ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
     EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
@@ -247,46 +184,22 @@ TEST_F(PortfolioDialogsTest, ShowOpenPort_OpensSelectedThenClose) {
   EXPECT_EQ(app_->window.state, kPortOpen);
   EXPECT_EQ(app_->current.port_name, "Income");
   EXPECT_EQ(app_->window.securities.size(), 1u);
-  ClosePort(*app_);
-  EXPECT_EQ(app_->window.state, kClientOpen);
-  EXPECT_EQ(app_->current.port_name, "");
-}
 
-// "&Delete a Portfolio..." asks first; Yes removes the selected portfolio
-// with its securities, blocks and transactions, leaves the others whole and
-// the list shows what is left. Deleting the open portfolio goes back to the
-// taxpayer; deleting another keeps it open.
-TEST_F(PortfolioDialogsTest, ShowDelPort_RemovesPortfolioAndItsRows) {
-  AddPortfolio("Growth", "MSFT");
-  ASSERT_TRUE(OpenPort(*app_, "Growth"));
-  auto question = [](const std::string& port) {
-    return "You are about to delete Portfolio: " + port +
-           ". All Securities, Blocks and Transactions in it will be deleted. Are you sure you "
-           "want to do this?";
-  };
-  ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
-    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
-              "Delete Portfolio|Delete/Close");
-    form.selected = 1;
-    ui_.Expect(question("Income"), "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo,
-               Answer::kNo);
-    OpenDelPort_OK(*app_, form);
-    EXPECT_EQ(Rows(), "2/2/2");
-    ui_.Expect(question("Income"), "Delete Portfolio?", Answer::kYes);
-    OpenDelPort_OK(*app_, form);
-    EXPECT_EQ(Rows(), "1/1/1");
-    ASSERT_EQ(form.portfolios.size(), 1u);
-    EXPECT_EQ(form.portfolios[0].port_name, "Growth");
-    EXPECT_EQ(app_->window.state, kPortOpen);
-    form.selected = 0;
-    ui_.Expect(question("Growth"), "Delete Portfolio?", Answer::kYes);
-    OpenDelPort_OK(*app_, form);
-    EXPECT_FALSE(form.closed);
-    OpenDelPort_Cancel(*app_, form);
+  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.port_name + "|" + form.second_line,
+              "Modify Portfolio|Income|dividends");
+    form.port_name = "Dividends";
+    form.second_line = "quarterly";
+    NewModPort_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
   });
-  ShowDelPort(*app_);
-  EXPECT_EQ(Rows(), "0/0/0");
-  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+  ShowModPort(*app_);
+  Query q = app_->client->SelectSaved("dlgOpenDelPort");
+  ASSERT_TRUE(q.Next());
+  EXPECT_EQ(q.Text("Port Name") + "|" + q.Text("2nd Line"), "Dividends|quarterly ");
+  EXPECT_EQ(app_->current.port_name + "|" + app_->window.portfolio_panel, "Dividends|Dividends");
+  EXPECT_EQ(app_->window.securities.size(), 1u);
+  ClosePort(*app_);
   EXPECT_EQ(app_->window.state, kClientOpen);
   EXPECT_EQ(app_->current.port_name, "");
 }
