@@ -29,18 +29,24 @@ class DialogsTest : public AppTest {
   }
 };
 
-// "&New Taxpayer File...": an accepted entry creates and opens the
-// taxpayer, quotes and other letters kept as typed. (Refusals: the window
-// tests.)
+// "&New Taxpayer File...": a refused entry keeps the dialog open and
+// writes nothing; an accepted one creates and opens the taxpayer, quotes and
+// other letters kept as typed.
 TEST_F(DialogsTest, ShowNewClient_CreatesAndOpens) {
   ExpectForm<NewModClientForm>([&](NewModClientForm& form) {
     EXPECT_EQ(form.caption, "New Taxpayer");
     EXPECT_EQ(form.client_name + form.sort_name + form.client_code + form.opt_line, "");
     form.client_name = "Zoë O'Brien \"Bee\"";
     form.sort_name = "O'Brien, Zoë";
-    form.client_code = "OBR01";
     form.year_end = "12/31/2025";
     form.opt_line = "c/o \"Trust\" – Ünï";
+    ui_.Expect(
+        "The following items:\r\n - Taxpayer Code\r\nneed to be completed before continuing.",
+        "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+    PressOkNewModClient(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(CountCentralRows("Clients"), 0);
+    form.client_code = "OBR01";
     PressOkNewModClient(*app_, form);
     EXPECT_TRUE(form.closed);
   });
@@ -161,15 +167,31 @@ TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 }
 
-// "&Open Portfolio..." lists the portfolios by name and opens the selected
-// one; "&Modify Portfolio Info..." starts from it, and a new name carries
-// the securities along; "&Close Portfolio" goes back to the taxpayer. (New
-// and Delete Portfolio: the window tests.)
-TEST_F(DialogsTest, PortfolioDialogs_OpenModifyClose) {
+// "&New Portfolio..." refuses a taken name, the dialog keeping the user's
+// values, and opens the portfolio it adds; "&Open Portfolio..." lists the
+// portfolios by name and opens the selected one; "&Modify Portfolio
+// Info..." starts from it, and a new name carries the securities along;
+// "&Close Portfolio" goes back to the taxpayer.
+TEST_F(DialogsTest, PortfolioDialogs_NewOpenModifyClose) {
   OpenFreshTaxpayer();
   Portfolio("Income", "dividends");
   Buy(Security("IBM", "Income"), "03/01/2021", 10, "1000");
-  Portfolio("Growth", "long term");
+  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
+    EXPECT_EQ(form.caption, "New Portfolio");
+    form.port_name = "income";
+    form.second_line = "long term";
+    ui_.Expect("The Portfolio Name: income is already in use. Please enter a new Portfolio Name.",
+               "Portfolio Name in use!", Icon::kInformation, Buttons::kOk);
+    NewModPort_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(form.port_name + "|" + form.second_line, "income|long term");
+    form.port_name = " Growth ";
+    NewModPort_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowNewPort(*app_);
+  EXPECT_EQ(app_->window.state, kPortOpen);
+  EXPECT_EQ(app_->current.port_name, "Growth");
   ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
     EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
               "Open Portfolio|Open/Cancel");
@@ -200,6 +222,52 @@ TEST_F(DialogsTest, PortfolioDialogs_OpenModifyClose) {
   EXPECT_EQ(app_->current.port_name + "|" + app_->window.portfolio_panel, "Dividends|Dividends");
   EXPECT_EQ(app_->window.securities.size(), 1u);
   ClosePort(*app_);
+  EXPECT_EQ(app_->window.state, kClientOpen);
+  EXPECT_EQ(app_->current.port_name, "");
+}
+
+// "&Delete a Portfolio..." asks first; Yes removes the selected portfolio
+// with its securities, blocks and transactions and the list shows what is
+// left. Deleting another portfolio keeps the open one open; deleting the
+// open one goes back to the taxpayer.
+TEST_F(DialogsTest, ShowDelPort_RemovesPortfolioAndItsRows) {
+  OpenFreshTaxpayer();
+  for (const char* port : {"Growth", "Income"}) {
+    Portfolio(port);
+    Buy(Security("IBM", port), "03/01/2021", 10, "1000");
+  }
+  ASSERT_TRUE(OpenPort(*app_, "Growth"));
+  auto expect_question = [&](const std::string& port, Answer answer) {
+    ui_.Expect("You are about to delete Portfolio: " + port +
+                   ". All Securities, Blocks and Transactions in it will be deleted. Are you "
+                   "sure you want to do this?",
+               "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo, answer);
+  };
+  auto rows = [&] {
+    return CountClientRows("Security") + CountClientRows("Blocks") + CountClientRows("Buy");
+  };
+  ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
+              "Delete Portfolio|Delete/Close");
+    form.selected = 1;
+    expect_question("Income", Answer::kNo);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_EQ(rows(), 6);
+    expect_question("Income", Answer::kYes);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_EQ(rows(), 3);
+    ASSERT_EQ(form.portfolios.size(), 1u);
+    EXPECT_EQ(app_->window.state, kPortOpen);
+    form.selected = 0;
+    expect_question("Growth", Answer::kYes);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_TRUE(form.portfolios.empty());
+    OpenDelPort_Cancel(*app_, form);
+  });
+  ShowDelPort(*app_);
+  EXPECT_EQ(rows(), 0);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   EXPECT_EQ(app_->window.state, kClientOpen);
   EXPECT_EQ(app_->current.port_name, "");
 }
