@@ -4,13 +4,10 @@
 #include "app/app_state.h"
 #include "app/portfolio_dialogs.h"
 #include "data/application.h"
+#include "data/client_info.h"
 #include "data/database.h"
 #include "data/query_builders.h"
-#include "data/application.h"
-#include "data/client_info.h"
-#include "app/portfolio_dialogs.h"
 #include "data/security_rows.h"
-#include "app/add_mod_sec.h"
 
 namespace lotwise::cli {
 

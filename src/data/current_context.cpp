@@ -1,16 +1,12 @@
 #include "data/current_context.h"
 
 #include "data/application.h"
+#include "data/client_info.h"
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
 #include "ground/text.h"
 #include "ground/value_helpers.h"
-#include "data/application.h"
-#include "data/error_handler.h"
-#include "ground/text.h"
-#include "ground/value_helpers.h"
-#include "data/client_info.h"
 
 namespace lotwise {
 

@@ -6,8 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "ground/currency.h"
-#include "ground/date.h"
 #include "data/query_builders.h"
 #include "data/transaction_store.h"
 #include "ground/currency.h"

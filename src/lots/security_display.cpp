@@ -9,14 +9,14 @@
 #include "data/application.h"
 #include "data/current_context.h"
 #include "data/database.h"
+#include "data/entry_rows.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
+#include "data/security_rows.h"
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
-#include "data/entry_rows.h"
-#include "data/security_rows.h"
 
 namespace lotwise {
 

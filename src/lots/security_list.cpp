@@ -11,16 +11,10 @@
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/query_builders.h"
-#include "ground/lw_error.h"
-#include "ground/ui_port.h"
-#include "lots/security_display.h"
-#include "data/application.h"
-#include "data/current_context.h"
-#include "data/error_handler.h"
-#include "ground/lw_error.h"
-#include "lots/security_display.h"
-#include "ground/ui_port.h"
 #include "data/security_rows.h"
+#include "ground/lw_error.h"
+#include "ground/ui_port.h"
+#include "lots/security_display.h"
 
 namespace lotwise {
 

@@ -10,8 +10,6 @@
 #include "ground/currency.h"
 #include "ground/date.h"
 #include "reports/basis_request.h"
-#include "ground/currency.h"
-#include "ground/date.h"
 #include "reports/report_db.h"
 
 namespace lotwise {

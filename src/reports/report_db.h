@@ -8,11 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "ground/currency.h"
-#include "ground/date.h"
-#include "ground/currency.h"
-#include "ground/date.h"
 #include "data/database.h"
+#include "ground/currency.h"
+#include "ground/date.h"
 
 namespace lotwise {
 

@@ -2,131 +2,89 @@
 
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
+#include "app/main_window_commands.h"
 #include "app/security_commands.h"
 #include "app_state/window_fixture.h"
 #include "lots/security_display.h"
+#include "lots/security_list.h"
 
 namespace lotwise::testing {
 namespace {
 
-enum class Cell { kOff, kOn, kKeep };
-
-struct StateCase {
-  const char* label;
-  int16_t state;
-  const char* name;
-  bool is_menu;  // a menu's visibility rather than an item's or key's enabling
-  Cell expected;
-};
-
-void PrintTo(const StateCase& c, std::ostream* os) { *os << c.label; }
-
 // Each move sets exactly what its state allows: off and on whatever the
-// element was before, "(unchanged)" cells keep either previous value, and
-// names the state does not govern are never touched.
-class StateTableTest : public WindowTest, public ::testing::WithParamInterface<StateCase> {};
-
-TEST_P(StateTableTest, State_SetsElement) {
-  const StateCase& c = GetParam();
-  for (bool before : {false, true}) {
-    auto& values = c.is_menu ? app_->window.visible : app_->window.enabled;
-    values[c.name] = before;
-    EXPECT_EQ(State(*app_, c.state), c.state);
-    const bool after = c.is_menu ? app_->window.IsVisible(c.name) : app_->window.IsEnabled(c.name);
-    const bool expected = c.expected == Cell::kKeep ? before : c.expected == Cell::kOn;
-    EXPECT_EQ(after, expected) << c.name << " was " << before;
+// element was before, "keep" cells keep either previous value, and names
+// the state does not govern are never touched.
+TEST_F(WindowTest, State_SetsEachElement) {
+  enum Cell { kOff, kOn, kKeep };
+  struct Case {
+    int16_t state;
+    const char* name;
+    bool is_menu;  // a menu's visibility rather than an item's or key's enabling
+    Cell expected;
+  };
+  const Case cases[] = {{kClientClosed, "mnuPortfolio", true, kOff},
+                        {kPortOpen, "mnuSecurity", true, kOn},
+                        {kSecOpen, "mnuActions", true, kOn},
+                        {kClientClosed, "mnuFileCloseClient", false, kOff},
+                        {kClientClosed, "mnuPortfolioModify", false, kKeep},
+                        {kClientOpen, "mnuChangeMethod", false, kKeep},
+                        {kSecOpen, "mnuChangeMethod", false, kOn},
+                        {kPortOpen, "mnuDeleteBlock", false, kOff},
+                        {kClientOpen, "mnuSecListing", false, kOn},
+                        {kClientClosed, "NewPort", false, kOff},
+                        {kPortOpen, "AddSec", false, kOn},
+                        {kSecOpen, "mnuFileNewClient", false, kKeep}};
+  for (const Case& c : cases) {
+    for (bool before : {false, true}) {
+      SCOPED_TRACE(std::string(c.name) + " in " + std::to_string(c.state) + " was " +
+                   std::to_string(before));
+      (c.is_menu ? app_->window.visible : app_->window.enabled)[c.name] = before;
+      EXPECT_EQ(State(*app_, c.state), c.state);
+      const bool after =
+          c.is_menu ? app_->window.IsVisible(c.name) : app_->window.IsEnabled(c.name);
+      EXPECT_EQ(after, c.expected == kKeep ? before : c.expected == kOn);
+    }
   }
 }
 
-constexpr int16_t kClosed = kClientClosed;
-constexpr int16_t kOpen = kClientOpen;
-constexpr int16_t kPort = kPortOpen;
-constexpr int16_t kSec = kSecOpen;
-
-INSTANTIATE_TEST_SUITE_P(
-    States, StateTableTest,
-    ::testing::Values(
-        StateCase{"Closed_PortfolioMenu", kClosed, "mnuPortfolio", true, Cell::kOff},
-        StateCase{"Open_SecurityMenu", kOpen, "mnuSecurity", true, Cell::kOff},
-        StateCase{"Port_SecurityMenu", kPort, "mnuSecurity", true, Cell::kOn},
-        StateCase{"Sec_ActionsMenu", kSec, "mnuActions", true, Cell::kOn},
-        StateCase{"Closed_CloseClient", kClosed, "mnuFileCloseClient", false, Cell::kOff},
-        StateCase{"Closed_PortfolioModify", kClosed, "mnuPortfolioModify", false, Cell::kKeep},
-        StateCase{"Open_PortfolioClose", kOpen, "mnuPortfolioClose", false, Cell::kOff},
-        StateCase{"Open_ChangeMethod", kOpen, "mnuChangeMethod", false, Cell::kKeep},
-        StateCase{"Port_SecurityDelete", kPort, "mnuSecurityDelete", false, Cell::kOff},
-        StateCase{"Sec_ChangeMethod", kSec, "mnuChangeMethod", false, Cell::kOn},
-        StateCase{"Port_DeleteBlock", kPort, "mnuDeleteBlock", false, Cell::kOff},
-        StateCase{"Closed_ScheduleD", kClosed, "mnuScheduleD", false, Cell::kOff},
-        StateCase{"Open_SecListing", kOpen, "mnuSecListing", false, Cell::kOn},
-        StateCase{"Closed_NewPortKey", kClosed, "NewPort", false, Cell::kOff},
-        StateCase{"Open_AddSecKey", kOpen, "AddSec", false, Cell::kOff},
-        StateCase{"Port_AddSecKey", kPort, "AddSec", false, Cell::kOn},
-        StateCase{"Sec_NewClientUngoverned", kSec, "mnuFileNewClient", false, Cell::kKeep},
-        StateCase{"Closed_ModEntireSellUngoverned", kClosed, "mnuModEntireSell", false,
-                  Cell::kKeep}),
-    [](const ::testing::TestParamInfo<StateCase>& info) { return std::string(info.param.label); });
-
 // The caption panels show the open taxpayer and portfolio with every "&"
-// doubled, and only in the states that have them.
-TEST_F(WindowTest, State_PanelsDoubleAmpersands) {
+// doubled, and only in the states that have them; the security list and
+// the display follow the state: the portfolio's list is loaded on PORTOPEN,
+// SECOPEN leaves both as its caller set them, and closing the taxpayer
+// drops every row the lists held.
+TEST_F(WindowTest, State_PanelsAndSecurityViews) {
   app_->current.client_name = "Smith & Jones";
   Portfolio("R&D");
   app_->current.port_name = "R&D";
-
+  AddSecurity("MSFT", "Microsoft", "NO CUSIP", " ", "R&D");
+  Buy(AddSecurity("IBM", "Intl Business Machines", "NO CUSIP", " ", "R&D"), "01/15/2024", 10);
+  AddSecurity("OTHER", "Other");
+  auto shown = [this] {
+    std::string text = app_->window.client_panel + "|" + app_->window.portfolio_panel + "|";
+    for (const SecurityRow& row : app_->window.securities) text += row.symbol + ",";
+    return text + (app_->window.sec_list_visible ? "|list" : "|") +
+           (app_->window.display.visible ? "|display" : "|");
+  };
   State(*app_, kClientOpen);
-  EXPECT_EQ(app_->window.client_panel, "Smith && Jones");
-  EXPECT_EQ(app_->window.portfolio_panel, "");
+  EXPECT_EQ(shown(), "Smith && Jones||||");
   State(*app_, kPortOpen);
-  EXPECT_EQ(app_->window.client_panel, "Smith && Jones");
-  EXPECT_EQ(app_->window.portfolio_panel, "R&&D");
-  State(*app_, kSecOpen);
-  EXPECT_EQ(app_->window.portfolio_panel, "R&&D");
-  State(*app_, kClientClosed);
-  EXPECT_EQ(app_->window.client_panel, "");
-  EXPECT_EQ(app_->window.portfolio_panel, "");
-}
-
-// The security list and the display follow the state: the portfolio's list
-// is loaded on PORTOPEN, SECOPEN leaves both as its caller set them, and
-// closing the taxpayer drops every row the lists held.
-TEST_F(WindowTest, State_ShowsAndDropsSecurityViews) {
-  AddSecurity("MSFT", "Microsoft");
-  const int64_t ibm = AddSecurity("IBM", "Intl Business Machines");
-  Buy(ibm, "01/15/2024", 10);
-  Portfolio("Income");
-  AddSecurity("OTHER", "Other", "NO CUSIP", " ", "Income");
-
-  State(*app_, kPortOpen);
-  EXPECT_TRUE(app_->window.sec_list_visible);
-  EXPECT_EQ(ListedSymbols(), (std::vector<std::string>{"IBM", "MSFT"}));
+  EXPECT_EQ(shown(), "Smith && Jones|R&&D|IBM,MSFT,|list|");
   EXPECT_EQ(app_->window.selected_security, 0);
-  EXPECT_FALSE(app_->window.display.visible);
-
   ShowSecDisplay(*app_, "IBM");
   State(*app_, kSecOpen);
-  EXPECT_TRUE(app_->window.sec_list_visible);
-  EXPECT_TRUE(app_->window.display.visible);
-
+  EXPECT_EQ(shown(), "Smith && Jones|R&&D|IBM,MSFT,|list|display");
   State(*app_, kPortOpen);
-  EXPECT_TRUE(app_->window.sec_list_visible);
-  EXPECT_FALSE(app_->window.display.visible);
-
+  EXPECT_EQ(shown(), "Smith && Jones|R&&D|IBM,MSFT,|list|");
   State(*app_, kClientOpen);
-  EXPECT_FALSE(app_->window.sec_list_visible);
-  EXPECT_FALSE(app_->window.display.visible);
-  EXPECT_EQ(app_->window.securities.size(), 2u);
-
+  EXPECT_EQ(shown(), "Smith && Jones||IBM,MSFT,||");
+  ShowSecDisplay(*app_, "IBM");
   State(*app_, kClientClosed);
-  EXPECT_FALSE(app_->window.sec_list_visible);
-  EXPECT_TRUE(app_->window.securities.empty());
+  EXPECT_EQ(shown(), "||||");
   EXPECT_EQ(app_->window.selected_security, -1);
-  EXPECT_TRUE(app_->window.display.blocks.empty());
-  EXPECT_TRUE(app_->window.display.transactions.empty());
+  EXPECT_TRUE(app_->window.display.blocks.empty() && app_->window.display.transactions.empty());
   EXPECT_EQ(app_->window.display.selected_block, -1);
 }
 
@@ -137,20 +95,94 @@ TEST_F(WindowTest, State_QueryNoneAndMisuse) {
   State(*app_, kPortOpen);
   const auto enabled = app_->window.enabled;
   const auto visible = app_->window.visible;
-
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
-  EXPECT_EQ(app_->window.enabled, enabled);
   EXPECT_EQ(app_->window.visible, visible);
-
   ui_.Expect("Incorrect usage of function State", "Incorrect Usage!", Icon::kExclamation,
              Buttons::kOk);
   EXPECT_EQ(State(*app_, 5), kPortOpen);
-  EXPECT_EQ(app_->window.enabled, enabled);
-
   EXPECT_EQ(State(*app_, kStateNone), kStateNone);
   EXPECT_EQ(app_->window.enabled, enabled);
   EXPECT_EQ(app_->window.portfolio_panel, "Growth");
   EXPECT_EQ(ui_.hourglass_depth(), 0);
+}
+
+// The window as the user sees it in each state: from PORTOPEN on the
+// portfolio "Growth" holds IBM (100 shares), SECOPEN with its panel shown.
+class CommandTest : public WindowTest {
+ protected:
+  void Enter(int16_t state) {
+    if (state >= kPortOpen && ibm_ == 0) {
+      ibm_ = AddSecurity("IBM", "Intl Business Machines");
+      Buy(ibm_, "01/15/2024", 100);
+    }
+    State(*app_, state == kSecOpen ? kPortOpen : state);
+    if (state == kSecOpen) SecList_Select(*app_, 0);
+  }
+  int64_t ibm_ = 0;
+};
+
+// A command runs only when it is known and built, enabled in the state, and
+// its menu, the tool bar or the security panel is shown.
+TEST_F(CommandTest, CanRunMenuCommand_FollowsState) {
+  struct Case {
+    int16_t state;
+    const char* name;
+    bool runs;
+  };
+  const Case cases[] = {{kClientClosed, "mnuFileNewClient", true},
+                        {kClientClosed, "mnuFileCloseClient", false},
+                        {kClientClosed, "NewPort", false},
+                        {kClientClosed, "Help", true},
+                        {kClientOpen, "mnuSecurityAdd", false},  // its menu hidden
+                        {kPortOpen, "mnuBuyShares", false},
+                        {kPortOpen, "btnSell", false},  // the panel hidden
+                        {kSecOpen, "btnBuy", true},
+                        {kSecOpen, "mnuBasisAnalysis", true},
+                        {kSecOpen, "mnuNoSuchItem", false}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    Enter(c.state);
+    EXPECT_EQ(CanRunMenuCommand(*app_, c.name), c.runs);
+  }
+}
+
+// A refused command does nothing at all; an available one runs its
+// procedure (here the security's deletion, which first asks).
+TEST_F(CommandTest, RunMenuCommand_RefusesDisabled) {
+  Enter(kPortOpen);
+  EXPECT_FALSE(RunMenuCommand(*app_, "mnuSecurityDelete"));
+  EXPECT_FALSE(RunMenuCommand(*app_, "btnRollback"));
+  EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
+  SecList_Select(*app_, 0);
+  ui_.Expect(
+      "You are about to delete Security: IBM. The Security will be removed from the Portfolio and "
+      "all blocks in it will be deleted. Are you sure you want to do this?",
+      "Delete Security?", Answer::kNo);
+  EXPECT_TRUE(RunMenuCommand(*app_, "mnuSecurityDelete"));
+  EXPECT_EQ(CountClientRows("Security"), 1);
+}
+
+// Turning recalculation back on while a security is shown computes its
+// total at once; "Modify Entire Sell" without a sale selected says what to
+// do; Exit says goodbye on the help bar and ends the program.
+TEST_F(CommandTest, RunMenuCommand_OptionsModifySellAndExit) {
+  app_->window.options.recalc_shares = false;
+  Enter(kSecOpen);
+  EXPECT_EQ(app_->window.display.total_shares, "Recalculate");
+  EXPECT_TRUE(RunMenuCommand(*app_, "mnuRecalcShares"));
+  EXPECT_TRUE(app_->window.options.recalc_shares);
+  EXPECT_EQ(app_->window.display.total_shares, "100");
+  EXPECT_TRUE(RunMenuCommand(*app_, "mnuOpenOnlyPort"));
+  EXPECT_FALSE(app_->window.options.open_only_port);
+  ui_.Expect(
+      "Please click on a Sell transaction in the Transaction List first. Every Sell transaction "
+      "of the Security on its date will be modified together.",
+      "No Sell Selected");
+  EXPECT_TRUE(RunMenuCommand(*app_, "mnuModEntireSell"));
+  EXPECT_TRUE(RunMenuCommand(*app_, "Exit"));
+  EXPECT_EQ(ui_.help_texts().back(), "Thank you for using the Tarnwick Software - Lotwise");
+  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_TRUE(app_->ended);
 }
 
 }  // namespace

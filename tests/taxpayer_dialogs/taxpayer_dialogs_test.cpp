@@ -4,80 +4,61 @@
 #include <vector>
 
 #include "app/app_state.h"
+#include "app/portfolio_dialogs.h"
 #include "app/taxpayer_dialog.h"
+#include "app/taxpayer_file.h"
 #include "ground/paths.h"
-#include "taxpayer_dialogs/dialogs_fixture.h"
+#include "support/app_fixture.h"
 
 namespace lotwise::testing {
 namespace {
 
-// "&New Taxpayer File...": an accepted entry creates and opens the taxpayer
-// (an empty sort name made from the name, a bad year end read as 1/1/1990);
-// a refused one lists what is missing, keeps the dialog open and writes
-// nothing.
-struct NewCase {
-  const char* label;
-  std::string name, sort, code, year_end, opt_line;
-  std::string missing;  // the listed items; empty when accepted
-  std::string central;  // "name|sort|code" written, when accepted
-  std::string client;   // "2nd line|year end" of the new file, when accepted
+using Names = std::vector<std::string>;
+
+// A central file of its own for every test.
+class DialogsTest : public AppTest {
+ protected:
+  void SetUp() override {
+    AppTest::SetUp();
+    OpenFreshCentral();
+  }
+  // Writes a Taxpayer File and indexes it, without opening it.
+  void AddTaxpayer(const std::string& code, const std::string& name, const std::string& file) {
+    WriteTaxpayerFile(file, code, name);
+    TaxpayerIndex(code, name, name, file);
+  }
 };
 
-class NewTaxpayerTest : public DialogsTest, public ::testing::WithParamInterface<NewCase> {};
-
-TEST_P(NewTaxpayerTest, ShowNewClient_Cases) {
-  const NewCase& c = GetParam();
+// "&New Taxpayer File...": a refused entry keeps the dialog open and
+// writes nothing; an accepted one creates and opens the taxpayer, quotes and
+// other letters kept as typed.
+TEST_F(DialogsTest, ShowNewClient_CreatesAndOpens) {
   ExpectForm<NewModClientForm>([&](NewModClientForm& form) {
     EXPECT_EQ(form.caption, "New Taxpayer");
     EXPECT_EQ(form.client_name + form.sort_name + form.client_code + form.opt_line, "");
-    form.client_name = c.name;
-    form.sort_name = c.sort;
-    form.client_code = c.code;
-    form.year_end = c.year_end;
-    form.opt_line = c.opt_line;
-    if (!c.missing.empty()) {
-      ui_.Expect("The following items:\r\n" + c.missing + "need to be completed before continuing.",
-                 "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
-      PressOkNewModClient(*app_, form);
-      EXPECT_FALSE(form.closed);
-      NewModClient_Cancel(*app_, form);
-    } else {
-      PressOkNewModClient(*app_, form);
-    }
+    form.client_name = "Zoë O'Brien \"Bee\"";
+    form.sort_name = "O'Brien, Zoë";
+    form.year_end = "12/31/2025";
+    form.opt_line = "c/o \"Trust\" – Ünï";
+    ui_.Expect(
+        "The following items:\r\n - Taxpayer Code\r\nneed to be completed before continuing.",
+        "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+    PressOkNewModClient(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(CountCentralRows("Clients"), 0);
+    form.client_code = "OBR01";
+    PressOkNewModClient(*app_, form);
     EXPECT_TRUE(form.closed);
   });
   ShowNewClient(*app_);
-  if (!c.missing.empty()) {
-    EXPECT_EQ(CountCentralRows("Clients"), 0);
-    EXPECT_TRUE(ListFiles(app_->taxpayer_folder, "*").empty());
-    EXPECT_EQ(app_->client, nullptr);
-    return;
-  }
-  Query q = app_->central->Select(R"(SELECT * FROM "Clients")");
-  ASSERT_TRUE(q.Next());
-  const std::string file = q.Text("File Name");
-  EXPECT_EQ(CentralRow(c.code), c.central + "|" + file);
-  EXPECT_EQ(ClientRow(file), c.central + "|" + c.client);
+  const std::string row = "Zoë O'Brien \"Bee\"|O'Brien, Zoë|OBR01";
+  const std::string central = CentralRow("OBR01");
+  const std::string file = central.substr(central.rfind('|') + 1);
+  EXPECT_EQ(central, row + "|" + file);
+  EXPECT_EQ(ClientRow(file), row + "|c/o \"Trust\" – Ünï |2025-12-31");
   EXPECT_EQ(app_->window.state, kClientOpen);
-  EXPECT_EQ(app_->current.client_code, c.code);
+  EXPECT_EQ(app_->current.client_code, "OBR01");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, NewTaxpayerTest,
-    ::testing::Values(
-        NewCase{"SortNameFromName", "John Q Public", "", "PUB01", "06/30/2025", "", "",
-                "John Q Public|Public, John Q|PUB01", " |2025-06-30"},
-        NewCase{"NeitherNameNorCode", "", "", "", "06/30/2025", "",
-                " - Taxpayer Name\r\n - Taxpayer Code\r\n", "", ""},
-        NewCase{"CodeOnlyMissing", "Ann Lee", "", "  ", "", "", " - Taxpayer Code\r\n", "", ""},
-        NewCase{"InvalidYearEnd", "Ann Lee", "Lee, Ann", "LEE01", "02/30/2025", "c/o Bank", "",
-                "Ann Lee|Lee, Ann|LEE01", "c/o Bank |1990-01-01"},
-        NewCase{"EmptyYearEnd", "Ann Lee", "Lee, Ann", "LEE01", "__/__/____", "", "",
-                "Ann Lee|Lee, Ann|LEE01", " |1990-01-01"},
-        NewCase{"QuotesAndNonAscii", "Zoë O'Brien \"Bee\"", "O'Brien, Zoë", "OBR01", "12/31/2025",
-                "c/o \"Trust\" – Ünï", "", "Zoë O'Brien \"Bee\"|O'Brien, Zoë|OBR01",
-                "c/o \"Trust\" – Ünï |2025-12-31"}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // "&Modify Taxpayer Info...": the dialog starts from the current taxpayer;
 // the sort-name button rebuilds the sort name; OK changes both files and
@@ -85,10 +66,9 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(DialogsTest, ShowModifyClient_ChangesBothFiles) {
   OpenFreshTaxpayer("DOE01", "John Doe", "DOE0101.mdb");
   ExpectForm<NewModClientForm>([&](NewModClientForm& form) {
-    EXPECT_EQ(form.caption, "Modify Taxpayer");
-    EXPECT_EQ(form.client_name + "|" + form.sort_name + "|" + form.client_code + "|" +
-                  form.opt_line + "|" + form.year_end,
-              "John Doe|John Doe|DOE01| |12/31/2025");
+    EXPECT_EQ(form.caption + "|" + form.client_name + "|" + form.sort_name + "|" +
+                  form.client_code + "|" + form.opt_line + "|" + form.year_end,
+              "Modify Taxpayer|John Doe|John Doe|DOE01| |12/31/2025");
     form.client_name = "John A. Doe";
     NewModClient_CalcSortName(*app_, form);
     EXPECT_EQ(form.sort_name, "Doe, John A.");
@@ -102,20 +82,8 @@ TEST_F(DialogsTest, ShowModifyClient_ChangesBothFiles) {
   EXPECT_EQ(app_->current.client_name, "John A. Doe");
 }
 
-// A caption that names no mode is reported and nothing is written.
-TEST_F(DialogsTest, NewModClient_OK_UnknownCaption) {
-  NewModClientForm form;
-  form.caption = "Delete Taxpayer";
-  form.client_name = "John Doe";
-  form.client_code = "DOE01";
-  ui_.Expect("dlgNewModClient has incorrect caption!", "Error", Icon::kCritical, Buttons::kOk);
-  PressOkNewModClient(*app_, form);
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(CountCentralRows("Clients"), 0);
-}
-
 // With an empty taxpayer index, Open says so and opens nothing.
-TEST_F(DialogsTest, OpenClient_OK_EmptyIndex_NoTaxpayerFiles) {
+TEST_F(DialogsTest, OpenClient_EmptyIndex) {
   State(*app_, kClientClosed);
   ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
     EXPECT_TRUE(form.clients.empty());
@@ -133,55 +101,47 @@ TEST_F(DialogsTest, OpenClient_OK_EmptyIndex_NoTaxpayerFiles) {
   EXPECT_EQ(app_->window.state, kClientClosed);
 }
 
-// Opening a taxpayer: with "Open Only Portfolio" checked and exactly one
-// portfolio the user lands in it; otherwise at the taxpayer.
-struct OnlyPortCase {
-  const char* label;
-  bool option;
-  std::vector<std::string> ports;
-  int16_t state;
-  std::string port;
-};
-
-class OnlyPortTest : public DialogsTest, public ::testing::WithParamInterface<OnlyPortCase> {};
-
-TEST_P(OnlyPortTest, OpenClient_OK_OpenOnlyPortfolio) {
-  const OnlyPortCase& c = GetParam();
-  AddTaxpayer("ADA01", "Ada Byron", "Byron, Ada", "BYRO01.mdb");
-  AddTaxpayer("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
-  {
-    auto db = Database::Open(app_->taxpayer_folder + "DOE0101.mdb");
-    for (const std::string& port : c.ports) Scenario(*db).Portfolio(port);
+// Opening the selected taxpayer: with "Open Only Portfolio" checked and
+// exactly one portfolio the user lands in it; otherwise at the taxpayer.
+TEST_F(DialogsTest, OpenClient_OpensSelectedAndItsOnlyPortfolio) {
+  struct Case {
+    bool option;
+    Names ports;
+    int16_t state;
+    std::string port;
+  };
+  const Case cases[] = {{true, {"Growth"}, kPortOpen, "Growth"},
+                        {true, {"Growth", "Income"}, kClientOpen, ""},
+                        {true, {}, kClientOpen, ""},
+                        {false, {"Growth"}, kClientOpen, ""}};
+  for (int i = 0; i < 4; ++i) {
+    const std::string code = "T" + std::to_string(i);
+    AddTaxpayer(code, code, code + ".mdb");
+    auto db = Database::Open(app_->taxpayer_folder + code + ".mdb");
+    for (const std::string& port : cases[i].ports) Scenario(*db).Portfolio(port, " ", code);
   }
-  app_->window.options.open_only_port = c.option;
-  ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
-    EXPECT_EQ(form.open_caption + "/" + form.cancel_caption, "Open/Cancel");
-    ASSERT_EQ(form.clients.size(), 2u);
-    EXPECT_EQ(form.clients[0].client_code + form.clients[1].client_code, "ADA01DOE01");
-    form.selected = 1;
-    OpenClient_Open(*app_, form);
-    EXPECT_TRUE(form.closed);
-  });
-  ShowOpenClient(*app_, "Open Taxpayer File");
-  EXPECT_EQ(ui_.help_texts().front(), "Opening Taxpayer");
-  EXPECT_EQ(app_->current.client_code, "DOE01");
-  EXPECT_EQ(app_->window.state, c.state);
-  EXPECT_EQ(app_->current.port_name, c.port);
+  for (int i = 0; i < 4; ++i) {
+    SCOPED_TRACE(i);
+    app_->window.options.open_only_port = cases[i].option;
+    ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
+      EXPECT_EQ(form.open_caption + "/" + form.cancel_caption, "Open/Cancel");
+      ASSERT_EQ(form.clients.size(), 4u);
+      form.selected = i;
+      OpenClient_Open(*app_, form);
+      EXPECT_TRUE(form.closed);
+    });
+    ShowOpenClient(*app_, "Open Taxpayer File");
+    EXPECT_EQ(ui_.help_texts().back(), "Opening Taxpayer");
+    EXPECT_EQ(app_->current.client_code, "T" + std::to_string(i));
+    EXPECT_EQ(app_->window.state, cases[i].state);
+    EXPECT_EQ(app_->current.port_name, cases[i].port);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, OnlyPortTest,
-    ::testing::Values(OnlyPortCase{"OneOpensIt", true, {"Growth"}, kPortOpen, "Growth"},
-                      OnlyPortCase{
-                          "TwoStayAtTaxpayer", true, {"Growth", "Income"}, kClientOpen, ""},
-                      OnlyPortCase{"NoneStaysAtTaxpayer", true, {}, kClientOpen, ""},
-                      OnlyPortCase{"OptionOffStaysAtTaxpayer", false, {"Growth"}, kClientOpen, ""}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // The delete mode asks first, deletes the selected taxpayer's file and
 // index row, and stays open on the list that is left.
 TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
-  AddTaxpayer("ADA01", "Ada Byron", "Byron, Ada", "BYRO01.mdb");
+  AddTaxpayer("ADA01", "Ada Byron", "BYRO01.mdb");
   OpenFreshTaxpayer("DOE01", "John Doe", "DOE0101.mdb");
   const std::string question =
       "Are you sure you want to delete all transactions, files and references within this system "
@@ -193,21 +153,123 @@ TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
     ui_.Expect(question, "Warning", Icon::kExclamation, Buttons::kYesNo, Answer::kNo);
     OpenClient_Open(*app_, form);
     EXPECT_EQ(form.clients.size(), 2u);
-    EXPECT_EQ(app_->window.state, kClientOpen);
-
     ui_.Expect(question, "Warning", Answer::kYes);
     OpenClient_Open(*app_, form);
     EXPECT_FALSE(form.closed);
     ASSERT_EQ(form.clients.size(), 1u);
-    EXPECT_EQ(form.clients[0].client_code, "DOE01");
-    EXPECT_EQ(form.selected, 0);
+    EXPECT_EQ(form.clients[0].client_code + "|" + std::to_string(form.selected), "DOE01|0");
     OpenClient_Cancel(*app_, form);
   });
   ShowOpenClient(*app_, "Select Taxpayer to Delete");
   EXPECT_EQ(CentralRow("ADA01"), "-");
-  EXPECT_EQ(ListFiles(app_->taxpayer_folder, "*"), std::vector<std::string>{"DOE0101.mdb"});
+  EXPECT_EQ(ListFiles(app_->taxpayer_folder, "*"), Names{"DOE0101.mdb"});
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
+}
+
+// "&New Portfolio..." refuses a taken name, the dialog keeping the user's
+// values, and opens the portfolio it adds; "&Open Portfolio..." lists the
+// portfolios by name and opens the selected one; "&Modify Portfolio
+// Info..." starts from it, and a new name carries the securities along;
+// "&Close Portfolio" goes back to the taxpayer.
+TEST_F(DialogsTest, PortfolioDialogs_NewOpenModifyClose) {
+  OpenFreshTaxpayer();
+  Portfolio("Income", "dividends");
+  Buy(Security("IBM", "Income"), "03/01/2021", 10, "1000");
+  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
+    EXPECT_EQ(form.caption, "New Portfolio");
+    form.port_name = "income";
+    form.second_line = "long term";
+    ui_.Expect("The Portfolio Name: income is already in use. Please enter a new Portfolio Name.",
+               "Portfolio Name in use!", Icon::kInformation, Buttons::kOk);
+    NewModPort_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(form.port_name + "|" + form.second_line, "income|long term");
+    form.port_name = " Growth ";
+    NewModPort_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowNewPort(*app_);
+  EXPECT_EQ(app_->window.state, kPortOpen);
+  EXPECT_EQ(app_->current.port_name, "Growth");
+  ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
+              "Open Portfolio|Open/Cancel");
+    ASSERT_EQ(form.portfolios.size(), 2u);
+    EXPECT_EQ(form.portfolios[0].port_name + "|" + form.portfolios[0].second_line,
+              "Growth|long term");
+    form.selected = 1;
+    OpenDelPort_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowOpenPort(*app_);
+  EXPECT_EQ(app_->window.state, kPortOpen);
+  EXPECT_EQ(app_->current.port_name, "Income");
+  EXPECT_EQ(app_->window.securities.size(), 1u);
+
+  ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.port_name + "|" + form.second_line,
+              "Modify Portfolio|Income|dividends");
+    form.port_name = "Dividends";
+    form.second_line = "quarterly";
+    NewModPort_OK(*app_, form);
+    EXPECT_TRUE(form.closed);
+  });
+  ShowModPort(*app_);
+  Query q = app_->client->SelectSaved("dlgOpenDelPort");
+  ASSERT_TRUE(q.Next());
+  EXPECT_EQ(q.Text("Port Name") + "|" + q.Text("2nd Line"), "Dividends|quarterly ");
+  EXPECT_EQ(app_->current.port_name + "|" + app_->window.portfolio_panel, "Dividends|Dividends");
+  EXPECT_EQ(app_->window.securities.size(), 1u);
+  ClosePort(*app_);
+  EXPECT_EQ(app_->window.state, kClientOpen);
+  EXPECT_EQ(app_->current.port_name, "");
+}
+
+// "&Delete a Portfolio..." asks first; Yes removes the selected portfolio
+// with its securities, blocks and transactions and the list shows what is
+// left. Deleting another portfolio keeps the open one open; deleting the
+// open one goes back to the taxpayer.
+TEST_F(DialogsTest, ShowDelPort_RemovesPortfolioAndItsRows) {
+  OpenFreshTaxpayer();
+  for (const char* port : {"Growth", "Income"}) {
+    Portfolio(port);
+    Buy(Security("IBM", port), "03/01/2021", 10, "1000");
+  }
+  ASSERT_TRUE(OpenPort(*app_, "Growth"));
+  auto expect_question = [&](const std::string& port, Answer answer) {
+    ui_.Expect("You are about to delete Portfolio: " + port +
+                   ". All Securities, Blocks and Transactions in it will be deleted. Are you "
+                   "sure you want to do this?",
+               "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo, answer);
+  };
+  auto rows = [&] {
+    return CountClientRows("Security") + CountClientRows("Blocks") + CountClientRows("Buy");
+  };
+  ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
+              "Delete Portfolio|Delete/Close");
+    form.selected = 1;
+    expect_question("Income", Answer::kNo);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_EQ(rows(), 6);
+    expect_question("Income", Answer::kYes);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_EQ(rows(), 3);
+    ASSERT_EQ(form.portfolios.size(), 1u);
+    EXPECT_EQ(app_->window.state, kPortOpen);
+    form.selected = 0;
+    expect_question("Growth", Answer::kYes);
+    OpenDelPort_OK(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_TRUE(form.portfolios.empty());
+    OpenDelPort_Cancel(*app_, form);
+  });
+  ShowDelPort(*app_);
+  EXPECT_EQ(rows(), 0);
+  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+  EXPECT_EQ(app_->window.state, kClientOpen);
+  EXPECT_EQ(app_->current.port_name, "");
 }
 
 }  // namespace

@@ -2,13 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
-#include <QCheckBox>
 #include <QDialog>
-#include <QLineEdit>
-#include <QRadioButton>
-#include <QTest>
-#include <QTimer>
 #include <functional>
 #include <string>
 #include <vector>
@@ -20,13 +14,13 @@
 #include "ground/number_text.h"
 #include "lots/security_display.h"
 #include "support/app_fixture.h"
-#include "ui/dialog_registry.h"
+#include "support/tests_c_helpers.h"
+#include "support/values.h"
 #include "ui/form_widgets.h"
 
 namespace lotwise::testing {
 
-inline Date D(const char* text) { return *Date::Parse(text); }
-inline Currency Money(const char* text) { return *Currency::Parse(text); }
+using Strings = std::vector<std::string>;
 
 // The security "T" ("AT&T") of portfolio "Growth", and the real windows of
 // the lot dialogs shown offscreen: a test scripts each window it expects
@@ -40,104 +34,30 @@ class LotWindowTest : public AppTest {
     AppTest::SetUp();
     OpenFreshCentral();
     OpenFreshTaxpayer();
-    app_->client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES ('Growth', ' ', 'DOE01'))");
-    app_->client->Execute(R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-                          R"(VALUES ('T', 'Growth', ' '))");
-    sec_id_ = app_->client->LastInsertId();
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
-                           R"(VALUES ('T', 'AT&T', 'NO CUSIP'))");
+    Portfolio("Growth");
+    sec_id_ = Security("T");
+    SecurityName("T", "AT&T");
     app_->current.port_name = "Growth";
     app_->current.sec_id = sec_id_;
     app_->current.sec_symbol = "T";
   }
 
-  // Expects the window of form `name` next; `drive` runs once it is shown
-  // and must close it (a window left open fails the test and is closed).
+  // Expects the window of form `name` next (see ShowWindow).
   void OnWindow(const char* name, Drive drive) {
-    ui_.ExpectDialog(name, [this, drive = std::move(drive)](DialogForm& form) {
-      const ui::DialogRunner* runner = registry_.Find(form);
-      ASSERT_NE(runner, nullptr) << form.Name();
-      QTimer::singleShot(0, [drive, name = std::string(form.Name())] {
-        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        ASSERT_NE(dialog, nullptr) << name;
-        // Offscreen, a window opened from inside another window's event
-        // handling is not activated by being shown.
-        QApplication::setActiveWindow(dialog);
-        EXPECT_TRUE(QTest::qWaitForWindowActive(dialog)) << name;
-        drive(*dialog);
-        if (dialog->isVisible()) {
-          ADD_FAILURE() << name << " is still open";
-          dialog->done(QDialog::Rejected);
-        }
-      });
-      QWidget* outer = QApplication::activeModalWidget();
-      (*runner)(*app_, form, outer);
-      // Nor is the window below activated again when it closes.
-      if (outer != nullptr) QApplication::setActiveWindow(outer);
-    });
+    testing::OnWindow(ui_, *app_, name, std::move(drive));
   }
 
-  // Enters a buy straight through the store.
-  void Buy(const char* date, double shares, const char* cost) {
-    std::string block_id;
-    EXPECT_TRUE(
-        AddBuy(*app_, sec_id_, block_id, kTypeBuy, D(date), Money(cost), shares, Currency(), ""));
-  }
+  void Buy(Day date, double shares, Amount cost) { Scenario::Buy(sec_id_, date, shares, cost); }
   // Gives the security its sell method and opens it in the main window.
   void Open(int method) {
-    app_->client->Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") )"
-                          R"(VALUES ('T', :m))",
-                          {{"m", method}});
+    SellMethod("T", method);
     ShowSecDisplay(*app_, "T");
-  }
-
-  template <class W>
-  static W* Get(QDialog& dialog, const char* name) {
-    W* control = dialog.findChild<W*>(QString::fromUtf8(name));
-    EXPECT_NE(control, nullptr) << name;
-    return control;
-  }
-  static QLineEdit* Field(QDialog& dialog, const char* name) {
-    return Get<QLineEdit>(dialog, name);
-  }
-  static std::string Shown(QDialog& dialog, const char* name) {
-    QLineEdit* field = Field(dialog, name);
-    return field == nullptr ? "" : ui::FromQ(field->displayText());
-  }
-  // Clicks into field `name` and replaces its text by typing `keys`.
-  static void Type(QDialog& dialog, const char* name, const char* keys) {
-    QLineEdit* edit = Field(dialog, name);
-    if (edit == nullptr) return;
-    QTest::mouseClick(edit, Qt::LeftButton);
-    edit->selectAll();
-    QTest::keyClick(edit, Qt::Key_Backspace);
-    QTest::keyClick(edit, Qt::Key_Home);
-    QTest::keyClicks(edit, QString::fromUtf8(keys));
-  }
-  // Types into the field and leaves it with Tab.
-  static void TypeTab(QDialog& dialog, const char* name, const char* keys) {
-    Type(dialog, name, keys);
-    if (QLineEdit* edit = Field(dialog, name)) QTest::keyClick(edit, Qt::Key_Tab);
-  }
-  static void Click(QDialog& dialog, const char* name) {
-    auto* control = Get<QWidget>(dialog, name);
-    if (control == nullptr) return;
-    // A check box or option takes clicks on its box and caption only; its
-    // row may be wider.
-    const bool boxed = qobject_cast<QCheckBox*>(control) || qobject_cast<QRadioButton*>(control);
-    QTest::mouseClick(control, Qt::LeftButton, {},
-                      boxed ? QPoint(6, control->height() / 2) : control->rect().center());
-  }
-  static std::string FocusName() {
-    QWidget* focus = QApplication::focusWidget();
-    return focus == nullptr ? "(none)" : ui::FromQ(focus->objectName());
   }
 
   // Each row of `sql` with its columns joined by "|"; `kinds` gives each
   // column's kind: t text, n number, m money.
-  std::vector<std::string> Rows(const char* sql, const char* kinds) {
-    std::vector<std::string> rows;
+  Strings Rows(const char* sql, const char* kinds) {
+    Strings rows;
     Query q = app_->client->Select(sql);
     while (q.Next()) {
       std::string row;
@@ -152,24 +72,18 @@ class LotWindowTest : public AppTest {
     }
     return rows;
   }
-  std::vector<std::string> BuyRows() {
+  Strings BuyRows() {
     return Rows(R"(SELECT B."Block ID", T."Shares", T."Cost", T."Fee", T."Notes" FROM "Buy" AS T )"
                 R"(JOIN "Blocks" AS B USING ("Block No") ORDER BY B."Date", B."Block ID")",
                 "tnmmt");
   }
-  std::vector<std::string> SellRows() {
+  Strings SellRows() {
     return Rows(R"(SELECT B."Block ID", T."Shares", T."Sale Price", T."Fee" FROM "Sell" AS T )"
                 R"(JOIN "Blocks" AS B USING ("Block No") ORDER BY B."Date", B."Block ID")",
                 "tnmm");
   }
 
-  // The last help-bar text.
-  std::string HelpBar() const {
-    return ui_.help_texts().empty() ? std::string() : ui_.help_texts().back();
-  }
-
   int64_t sec_id_ = 0;
-  ui::DialogRegistry registry_ = ui::AllDialogs();
 };
 
 }  // namespace lotwise::testing

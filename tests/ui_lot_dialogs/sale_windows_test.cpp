@@ -2,15 +2,12 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTableView>
-#include <ostream>
 
 #include "lots/sell_shares.h"
 #include "ui_lot_dialogs/lot_window_fixture.h"
 
 namespace lotwise::testing {
 namespace {
-
-using Strings = std::vector<std::string>;
 
 // Blocks of 100 shares bought 01/02/2024 and 03/01/2024, open in the main
 // window under the sell method of each test.
@@ -65,7 +62,7 @@ TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
   Arrange(kSellSpecificId);
   OnWindow("dlgSellShares", [&](QDialog& dialog) {
     EXPECT_TRUE(Get<QPushButton>(dialog, "btnSelect")->isEnabled());
-    EXPECT_TRUE(Field(dialog, "DblNumShares")->isReadOnly());
+    EXPECT_TRUE(Get(dialog, "DblNumShares")->isReadOnly());
     TypeTab(dialog, "dtDate", "06032024");
     Click(dialog, "DblNumShares");
     EXPECT_EQ(Shown(dialog, "DblNumShares"), "30");
@@ -94,7 +91,7 @@ TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
         "Too many shares");
     Click(dialog, "btnOK");
     Type(dialog, "DblNumShares", "30");
-    QTest::keyClick(Field(dialog, "DblNumShares"), Qt::Key_Return);
+    QTest::keyClick(Get(dialog, "DblNumShares"), Qt::Key_Return);
     EXPECT_EQ(FocusName(), "btnOK");
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
   });
@@ -105,53 +102,37 @@ TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
 // Changing the drop-down away from the method in force asks first: No puts
 // the old method back; Yes announces and keeps the new one, and the window
 // switches between typed shares and the selection accordingly.
-struct MethodChangeCase {
-  const char* name;
-  Answer answer;
-  const char* shown;
-  const char* focus;
-  int method;
-};
-void PrintTo(const MethodChangeCase& c, std::ostream* os) { *os << c.name; }
-
-class MethodChangeTest : public SaleWindowTest,
-                         public ::testing::WithParamInterface<MethodChangeCase> {};
-
-TEST_P(MethodChangeTest, DropDownChange_AsksBeforeChanging) {
-  const MethodChangeCase& c = GetParam();
+TEST_F(SaleWindowTest, DropDownChange_AsksBeforeChanging) {
   Arrange(kSellFifo);
-  OnWindow("dlgSellShares", [&](QDialog& dialog) {
-    // Tabbing through to the drop-down: each check on the way passes.
-    TypeTab(dialog, "dtDate", "06032024");
-    TypeTab(dialog, "DblNumShares", "10");
-    TypeTab(dialog, "CurrSalePrice", "100");
-    TypeTab(dialog, "CurrFee", "0");
-    ASSERT_EQ(FocusName(), "SScboSellMethod");
-    ui_.Expect(
-        "You have changed the Sell Method for this Security. Once a Sell Method is used "
-        "to sell shares, it must be used for all additional sales from that security. "
-        "\nAre you sure you want to change the Sell Method for this security?",
-        "Sell Method changed!", c.answer);
-    if (c.answer == Answer::kYes) {
-      ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
-                 "Sell Method Changed");
-    }
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
-    EXPECT_EQ(ui::FromQ(Get<QComboBox>(dialog, "SScboSellMethod")->currentText()), c.shown);
-    EXPECT_EQ(Get<QPushButton>(dialog, "btnSelect")->isEnabled(), c.method == kSellSpecificId);
-    EXPECT_EQ(FocusName(), c.focus);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-  });
-  ShowSellShares(*app_);
-  EXPECT_EQ(app_->window.display.sell_method, c.method);
+  for (const Answer answer : {Answer::kNo, Answer::kYes}) {
+    const bool yes = answer == Answer::kYes;
+    OnWindow("dlgSellShares", [&](QDialog& dialog) {
+      // Tabbing through to the drop-down: each check on the way passes.
+      TypeTab(dialog, "dtDate", "06032024");
+      TypeTab(dialog, "DblNumShares", "10");
+      TypeTab(dialog, "CurrSalePrice", "100");
+      TypeTab(dialog, "CurrFee", "0");
+      ASSERT_EQ(FocusName(), "SScboSellMethod");
+      ui_.Expect(
+          "You have changed the Sell Method for this Security. Once a Sell Method is used "
+          "to sell shares, it must be used for all additional sales from that security. "
+          "\nAre you sure you want to change the Sell Method for this security?",
+          "Sell Method changed!", answer);
+      if (yes) {
+        ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
+                   "Sell Method Changed");
+      }
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
+      EXPECT_EQ(ui::FromQ(Get<QComboBox>(dialog, "SScboSellMethod")->currentText()),
+                yes ? "Specific Identification" : "FIFO");
+      EXPECT_EQ(Get<QPushButton>(dialog, "btnSelect")->isEnabled(), yes);
+      EXPECT_EQ(FocusName(), yes ? "btnSelect" : "DblNumShares");
+      QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    ShowSellShares(*app_);
+    EXPECT_EQ(app_->window.display.sell_method, yes ? kSellSpecificId : kSellFifo);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    LotWindows, MethodChangeTest,
-    ::testing::Values(MethodChangeCase{"No", Answer::kNo, "FIFO", "DblNumShares", kSellFifo},
-                      MethodChangeCase{"Yes", Answer::kYes, "Specific Identification", "btnSelect",
-                                       kSellSpecificId}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace lotwise::testing

@@ -7,7 +7,7 @@ find_program(LOTWISE_XVFB_RUN xvfb-run)
 if(LOTWISE_XVFB_RUN)
   add_test(NAME ui_main_window_screenshots_xvfb
            COMMAND ${LOTWISE_XVFB_RUN} -a -s "-screen 0 1280x1024x24"
-                   $<TARGET_FILE:ui_main_window_tests> --gtest_filter=ScreenshotTest.*)
+                   $<TARGET_FILE:ui_main_window_tests> --gtest_filter=*Screenshot*)
   set_tests_properties(ui_main_window_screenshots_xvfb PROPERTIES
     TIMEOUT 300
     ENVIRONMENT

@@ -1,80 +1,23 @@
-#include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTimer>
-#include <QtTest/QTest>
-#include <functional>
 
 #include "app/maintenance.h"
 #include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
-#include "ui/dialog_registry.h"
+#include "support/tests_c_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
-QApplication* qt_app = nullptr;
-
-// The application goes while the test program still runs: left to the
-// exit handlers, it would go after parts of Qt it needs.
-class QtAppEnvironment : public ::testing::Environment {
- public:
-  void TearDown() override {
-    delete qt_app;
-    qt_app = nullptr;
-  }
-};
-
-const auto* const registered = ::testing::AddGlobalTestEnvironment(new QtAppEnvironment);
-
-void StartQt() {
-  static int argc = 1;
-  static char name[] = "ui_maintenance_tests";
-  static char* argv[] = {name, nullptr};
-  if (qgetenv("QT_QPA_PLATFORM").isEmpty()) qputenv("QT_QPA_PLATFORM", "offscreen");
-  if (qt_app == nullptr) qt_app = new QApplication(argc, argv);
-}
-
+// The maintenance windows shown for real (see ShowWindow).
 class MaintenanceWindowTest : public MaintenanceTest {
  protected:
-  void SetUp() override {
-    StartQt();
-    MaintenanceTest::SetUp();
-    ui::RegisterMaintenanceDialogs(registry_);
-  }
-
-  // Shows the form's window and plays `user` on it once it is up; the
-  // window must be closed by then.
-  void Show(DialogForm& form, std::function<void(QWidget&)> user) {
-    bool played = false;
-    QTimer::singleShot(0, [&] {
-      QWidget* window = QApplication::activeModalWidget();
-      ASSERT_NE(window, nullptr);
-      played = true;
-      user(*window);
-      // A failed step must not leave the test waiting on the window.
-      if (window->isVisible()) window->close();
-    });
-    const ui::DialogRunner* runner = registry_.Find(form);
-    ASSERT_NE(runner, nullptr);
-    (*runner)(*app_, form, nullptr);
-    EXPECT_TRUE(played);
-  }
-
-  template <class W>
-  static W* Child(QWidget& window, const char* name) {
-    W* child = window.findChild<W*>(QLatin1String(name));
-    EXPECT_NE(child, nullptr) << name;
-    return child;
-  }
   static QString Text(QWidget& window, const char* name) {
-    QLabel* label = Child<QLabel>(window, name);
+    auto* label = Get<QLabel>(window, name);
     return label != nullptr ? label->text() : QString();
   }
-
-  ui::DialogRegistry registry_;
 };
 
 // Repair through the real window: the user picks the damaged taxpayer in
@@ -98,26 +41,26 @@ TEST_F(MaintenanceWindowTest, RepairWindow_RepairsPickedDamagedFile) {
 
   CompressRepairForm form;
   LoadCompressRepair(*app_, form, kRepairCaption);
-  Show(form, [&](QWidget& window) {
+  ShowWindow(*app_, form, [&](QDialog& window) {
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Repair Files"));
-    EXPECT_TRUE(Child<QPushButton>(window, "btnRepair")->isVisibleTo(&window));
-    EXPECT_FALSE(Child<QPushButton>(window, "btnCompress")->isVisibleTo(&window));
+    EXPECT_TRUE(Get<QPushButton>(window, "btnRepair")->isVisibleTo(&window));
+    EXPECT_FALSE(Get<QPushButton>(window, "btnCompress")->isVisibleTo(&window));
     EXPECT_EQ(Text(window, "lblSelStatus"), QStringLiteral("Waiting..."));
-    auto* list = Child<QListWidget>(window, "lstTaxpayers");
+    auto* list = Get<QListWidget>(window, "lstTaxpayers");
     ASSERT_EQ(list->count(), 2);
     EXPECT_EQ(list->item(1)->text(), QStringLiteral("Doe & Co"));
     QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
                       list->visualItemRect(list->item(1)).center());
-    EXPECT_TRUE(Child<QCheckBox>(window, "chkSelTaxpayers")->isChecked());
+    EXPECT_TRUE(Get<QCheckBox>(window, "chkSelTaxpayers")->isChecked());
 
-    QTest::mouseClick(Child<QPushButton>(window, "btnRepair"), Qt::LeftButton);
+    QTest::mouseClick(Get<QPushButton>(window, "btnRepair"), Qt::LeftButton);
 
     EXPECT_EQ(Text(window, "lblSelStatus"), QStringLiteral("Finished"));
     EXPECT_EQ(Text(window, "lblSelTime"), QStringLiteral("00:00:00"));
     EXPECT_EQ(Text(window, "lblSSFStatus"), QStringLiteral("Waiting..."));
     EXPECT_EQ(Text(window, "lblAllStatus"), QStringLiteral("Waiting..."));
     EXPECT_EQ(window.windowTitle(), QStringLiteral("Repair Files"));
-    QTest::mouseClick(Child<QPushButton>(window, "btnClose"), Qt::LeftButton);
+    QTest::mouseClick(Get<QPushButton>(window, "btnClose"), Qt::LeftButton);
     EXPECT_FALSE(window.isVisible());
   });
 
@@ -132,10 +75,10 @@ TEST_F(MaintenanceWindowTest, RepairWindow_RepairsPickedDamagedFile) {
 TEST_F(MaintenanceWindowTest, DelBackupsWindow_NoBackups) {
   ui_.Expect("There are no Backup Files to delete", "No Backups", Icon::kInformation, Buttons::kOk);
   DelBackupsForm form;
-  Show(form, [&](QWidget& window) {
-    QTest::mouseClick(Child<QPushButton>(window, "btnDelete"), Qt::LeftButton);
+  ShowWindow(*app_, form, [&](QDialog& window) {
+    QTest::mouseClick(Get<QPushButton>(window, "btnDelete"), Qt::LeftButton);
     EXPECT_EQ(Text(window, "lblStatus"), QStringLiteral("There are no backup files to delete"));
-    QTest::mouseClick(Child<QPushButton>(window, "btnClose"), Qt::LeftButton);
+    QTest::mouseClick(Get<QPushButton>(window, "btnClose"), Qt::LeftButton);
     EXPECT_FALSE(window.isVisible());
   });
   EXPECT_TRUE(form.closed);
@@ -147,11 +90,11 @@ TEST_F(MaintenanceWindowTest, BackupWindow_ShowsFolders) {
   form.ssf_folder = app_->ssf_folder;
   form.taxpayer_folder = app_->taxpayer_folder;
   form.notice = BackupNoticeText();
-  Show(form, [&](QWidget& window) {
+  ShowWindow(*app_, form, [&](QDialog& window) {
     EXPECT_EQ(Text(window, "lblSSFFolder").toStdString(), app_->ssf_folder);
     EXPECT_EQ(Text(window, "lblTaxpayerFolder").toStdString(), app_->taxpayer_folder);
     EXPECT_TRUE(Text(window, "lblNotice").startsWith(QStringLiteral("As of version LW2000.20")));
-    QTest::mouseClick(Child<QPushButton>(window, "btnOK"), Qt::LeftButton);
+    QTest::mouseClick(Get<QPushButton>(window, "btnOK"), Qt::LeftButton);
     EXPECT_FALSE(window.isVisible());
   });
   EXPECT_TRUE(form.closed);

@@ -26,8 +26,7 @@ class TaxpayerWindowsTest : public DialogWindowTest {
   void SetUp() override {
     DialogWindowTest::SetUp();
     OpenFreshTaxpayer();
-    app_->central->Execute(R"(INSERT INTO "Securities" ("Sec Symbol", "Sec Name", "CUSIP") )"
-                           R"(VALUES ('IBM', 'International Business Machines', '459200101'))");
+    SecurityName("IBM", "International Business Machines", "459200101");
     ASSERT_TRUE(NewPort(*app_, "Growth & Value", "long term"));
   }
   std::string Stored() {
@@ -42,164 +41,110 @@ class TaxpayerWindowsTest : public DialogWindowTest {
 // Every window opens captioned with its mode, showing the form's values,
 // button captions and list rows, with its fields limited to the stored
 // sizes ("name<size"); its Cancel or Close button closes it unwritten.
-struct OpenCase {
-  const char* label;
-  Show show;
-  const char* window;
-  const char* title;
-  const char* shown;  // "control=text;control<max length;..."
-  const char* close;
-};
-
-void PrintTo(const OpenCase& c, std::ostream* os) { *os << c.label; }
-
-class OpenTest : public TaxpayerWindowsTest, public ::testing::WithParamInterface<OpenCase> {};
-
-TEST_P(OpenTest, Window_OpensWithFormValues) {
-  const OpenCase& c = GetParam();
+TEST_F(TaxpayerWindowsTest, Windows_OpenWithFormValues) {
+  struct Case {
+    Show show;
+    const char *window, *title;
+    const char* shown;  // "control=text;control<max length;..."
+    const char* close = "btnCancel";
+  };
+  const Case cases[] = {
+      {ShowNewClient, "dlgNewModClient", "New Taxpayer",
+       "txtClientName=;dtYearEnd=__/__/____;txtClientName<50;txtSortName<50;txtClientCode<10;"
+       "txtOptLine<50"},
+      {ShowModifyClient, "dlgNewModClient", "Modify Taxpayer",
+       "txtClientName=John Doe;txtClientCode=DOE01;dtYearEnd=12/31/2025"},
+      {[](Application& app) { ShowOpenClient(app, kOpenClientCaption); }, "dlgOpenClient",
+       "Open Taxpayer File", "SSdgClients=John Doe|John Doe|DOE01;btnOpen=Open;btnCancel=Cancel"},
+      {[](Application& app) { ShowOpenClient(app, kDeleteClientCaption); }, "dlgOpenClient",
+       "Select Taxpayer to Delete", "btnOpen=Delete;btnCancel=Close"},
+      {ShowNewPort, "dlgNewModPort", "New Portfolio", "txtPortName=;txtPortName<50;txt2ndLine<50"},
+      {ShowModPort, "dlgNewModPort", "Modify Portfolio",
+       "txtPortName=Growth & Value;txt2ndLine=long term"},
+      {ShowOpenPort, "dlgOpenDelPort", "Open Portfolio",
+       "SSdgPortfolios=Growth & Value|long term;btnOK=Open;btnCancel=Cancel"},
+      {ShowDelPort, "dlgOpenDelPort", "Delete Portfolio", "btnOK=Delete;btnCancel=Close"},
+      {ShowAddSec, "dlgAddModSec", "Add a Security",
+       "pnlPortfolio=Growth & Value;txtSymbol<10;txtSecName<50;txtCusip<12;txt2ndLine<50"},
+      {[](Application& app) { ShowModSecInCDB(app, "IBM"); }, "dlgAddModSec",
+       "Modify a Security (SSF)",
+       "txtSymbol=IBM;txtSecName=International Business Machines;txtCusip=459200101"},
+      {ShowSecSymbol, "dlgSecSymbol", "Security Symbols File",
+       "SSdgSecSymbols=IBM|International Business Machines|459200101;btnAdd=Add", "btnClose"},
+      {RunDlgFileLoc, "dlgFileLoc", "Designate File Locations", "btnSSF=&Browse..."}};
   const std::string before = Stored();
-  WhenShown(c.window, [&](QDialog& window) {
-    EXPECT_EQ(window.windowTitle().toStdString(), c.title);
-    for (const QString& item : Items(c.shown)) {
-      const bool limit = item.contains('<');
-      const QStringList parts = item.split(limit ? '<' : '=');
-      const std::string name = parts[0].toStdString();
-      auto* control = Get<QWidget>(window, name.c_str());
-      QString text;
-      if (auto* edit = qobject_cast<QLineEdit*>(control)) {
-        // A limit in characters (not UTF-16 units) is the field's own property.
-        const QVariant chars = edit->property("lw_max_characters");
-        const int max = chars.isValid() ? chars.toInt() : edit->maxLength();
-        text = limit ? QString::number(max) : edit->displayText();
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.title);
+    OnWindow(c.window, [&](QDialog& window) {
+      EXPECT_EQ(window.windowTitle().toStdString(), c.title);
+      for (const QString& item : Items(c.shown)) {
+        const bool limit = item.contains('<');
+        const QStringList parts = item.split(limit ? '<' : '=');
+        const std::string name = parts[0].toStdString();
+        auto* control = Get<QWidget>(window, name.c_str());
+        QString text;
+        if (auto* edit = qobject_cast<QLineEdit*>(control)) {
+          // A limit in characters (not UTF-16 units) is the field's own property.
+          const QVariant chars = edit->property("lw_max_characters");
+          const int max = chars.isValid() ? chars.toInt() : edit->maxLength();
+          text = limit ? QString::number(max) : edit->displayText();
+        }
+        if (auto* button = qobject_cast<QPushButton*>(control)) text = button->text();
+        if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();
+        if (qobject_cast<QTableWidget*>(control)) text = GridRows(window, name.c_str()).c_str();
+        EXPECT_EQ(text.toStdString(), parts[1].toStdString()) << name;
       }
-      if (auto* button = qobject_cast<QPushButton*>(control)) text = button->text();
-      if (auto* label = qobject_cast<QLabel*>(control)) text = label->text();
-      if (qobject_cast<QTableWidget*>(control))
-        text = QString::fromStdString(GridRows(window, name.c_str()));
-      EXPECT_EQ(text.toStdString(), parts[1].toStdString()) << name;
-    }
-    Click(window, c.close);
-  });
-  c.show(*app_);
+      Click(window, c.close);
+    });
+    c.show(*app_);
+  }
   EXPECT_EQ(Stored(), before);
   EXPECT_EQ(app_->current.client_code, "DOE01");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Windows, OpenTest,
-    ::testing::Values(
-        OpenCase{"NewTaxpayer", ShowNewClient, "dlgNewModClient", "New Taxpayer",
-                 "txtClientName=;dtYearEnd=__/__/____;btnOK=OK;btnCancel=Cancel;"
-                 "txtClientName<50;txtSortName<50;txtClientCode<10;txtOptLine<50",
-                 "btnCancel"},
-        OpenCase{"ModifyTaxpayer", ShowModifyClient, "dlgNewModClient", "Modify Taxpayer",
-                 "txtClientName=John Doe;txtClientCode=DOE01;dtYearEnd=12/31/2025", "btnCancel"},
-        OpenCase{"OpenTaxpayer", [](Application& app) { ShowOpenClient(app, kOpenClientCaption); },
-                 "dlgOpenClient", "Open Taxpayer File",
-                 "SSdgClients=John Doe|John Doe|DOE01;btnOpen=Open;btnCancel=Cancel", "btnCancel"},
-        OpenCase{"DeleteTaxpayer",
-                 [](Application& app) { ShowOpenClient(app, kDeleteClientCaption); },
-                 "dlgOpenClient", "Select Taxpayer to Delete", "btnOpen=Delete;btnCancel=Close",
-                 "btnCancel"},
-        OpenCase{"NewPortfolio", ShowNewPort, "dlgNewModPort", "New Portfolio",
-                 "txtPortName=;txtPortName<50;txt2ndLine<50", "btnCancel"},
-        OpenCase{"ModifyPortfolio", ShowModPort, "dlgNewModPort", "Modify Portfolio",
-                 "txtPortName=Growth & Value;txt2ndLine=long term", "btnCancel"},
-        OpenCase{"OpenPortfolio", ShowOpenPort, "dlgOpenDelPort", "Open Portfolio",
-                 "SSdgPortfolios=Growth & Value|long term;btnOK=Open;btnCancel=Cancel",
-                 "btnCancel"},
-        OpenCase{"DeletePortfolio", ShowDelPort, "dlgOpenDelPort", "Delete Portfolio",
-                 "btnOK=Delete;btnCancel=Close", "btnCancel"},
-        OpenCase{"AddSecurity", ShowAddSec, "dlgAddModSec", "Add a Security",
-                 "pnlPortfolio=Growth & Value;txtSymbol<10;txtSecName<50;txtCusip<12;txt2ndLine<50",
-                 "btnCancel"},
-        OpenCase{"ModifySecurityInSsf", [](Application& app) { ShowModSecInCDB(app, "IBM"); },
-                 "dlgAddModSec", "Modify a Security (SSF)",
-                 "txtSymbol=IBM;txtSecName=International Business Machines;txtCusip=459200101",
-                 "btnCancel"},
-        OpenCase{"SecuritySymbols", ShowSecSymbol, "dlgSecSymbol", "Security Symbols File",
-                 "SSdgSecSymbols=IBM|International Business Machines|459200101;btnAdd=Add;"
-                 "lblInstructions=To Delete or Modify a Security, click on the Security, then "
-                 "click on the appropriate button",
-                 "btnClose"},
-        OpenCase{"DataLocations", RunDlgFileLoc, "dlgFileLoc", "Designate File Locations",
-                 "btnSSF=&Browse...;btnOK=OK", "btnCancel"}),
-    [](const auto& info) { return std::string(info.param.label); });
-
 // Enter moves the focus from field to field, as Tab does, and never
 // accepts: the window stays up and nothing is stored until OK is clicked,
-// which then stores the entry through the core.
-struct EnterCase {
-  const char* label;
-  Show show;
-  const char* window;
-  const char* typed;   // "field=text;..." in Tab order; Enter after each
-  const char* stored;  // the rows Stored() gained
-};
-
-void PrintTo(const EnterCase& c, std::ostream* os) { *os << c.label; }
-
-class EnterTest : public TaxpayerWindowsTest, public ::testing::WithParamInterface<EnterCase> {};
-
-TEST_P(EnterTest, Enter_MovesFocusAndOnlyOkStores) {
-  const EnterCase& c = GetParam();
-  const std::string before = Stored();
-  WhenShown(c.window, [&](QDialog& window) {
-    const QStringList typed = Items(c.typed);
-    Get(window, typed[0].section('=', 0, 0).toLatin1())->setFocus(Qt::TabFocusReason);
-    for (int i = 0; i < typed.size(); ++i) {
-      ASSERT_EQ(Focused(), typed[i].section('=', 0, 0).toStdString());
-      QTest::keyClicks(QApplication::focusWidget(), typed[i].section('=', 1));
+// which then stores the entry through the core. (The name filled the sort
+// name when left, so the next field kept it.)
+TEST_F(TaxpayerWindowsTest, NewTaxpayer_EnterMovesOnAndOnlyOkStores) {
+  OnWindow("dlgNewModClient", [&](QDialog& window) {
+    Get(window, "txtClientName")->setFocus(Qt::TabFocusReason);
+    for (const auto& [field, keys] :
+         {std::pair{"txtClientName", "Ann Lee"}, std::pair{"txtSortName", ""},
+          std::pair{"txtClientCode", "LEE01"}, std::pair{"txtOptLine", "c/o Bank"},
+          std::pair{"dtYearEnd", "06302025"}}) {
+      ASSERT_EQ(FocusName(), field);
+      QTest::keyClicks(QApplication::focusWidget(), keys);
       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     }
-    EXPECT_EQ(Focused(), "btnOK");
+    EXPECT_EQ(FocusName(), "btnOK");
     EXPECT_TRUE(window.isVisible());
-    EXPECT_EQ(Stored(), before);
+    EXPECT_EQ(CountCentralRows("Clients"), 1);
     Click(window, "btnOK");
   });
-  c.show(*app_);
-  const QStringList old_rows = Items(before.c_str());
-  QString added;
-  for (const QString& row : Items(Stored().c_str())) {
-    if (!old_rows.contains(row)) added += row + ";";
-  }
-  EXPECT_EQ(added.toStdString(), c.stored);
-  EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
+  ShowNewClient(*app_);
+  EXPECT_EQ(CentralRow("LEE01"), "Ann Lee|Lee, Ann|LEE01|Lee73.mdb");
+  EXPECT_EQ(ClientRow("Lee73.mdb"), "Ann Lee|Lee, Ann|LEE01|c/o Bank |2025-06-30");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Windows, EnterTest,
-    ::testing::Values(
-        // Leaving the name filled the sort name, so the next field kept it.
-        EnterCase{"NewTaxpayer", ShowNewClient, "dlgNewModClient",
-                  "txtClientName=Ann Lee;txtSortName=;txtClientCode=LEE01;txtOptLine=c/o Bank;"
-                  "dtYearEnd=06302025",
-                  "LEE01|Ann Lee|Lee, Ann|Lee73.mdb;LEE01|2025-06-30;"},
-        EnterCase{"NewPortfolio", ShowNewPort, "dlgNewModPort",
-                  "txtPortName=Income;txt2ndLine=dividends", "Income|dividends ;"},
-        EnterCase{"AddSecurity", ShowAddSec, "dlgAddModSec",
-                  "txtSymbol=MSFT;txtSecName=Microsoft;txtCusip=594918104;txt2ndLine=note",
-                  "MSFT|Microsoft|594918104;MSFT|note ;"}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // Leaving the name with no sort name shows the one OK would store; a sort
 // name the user typed is left alone. Each field explains itself on the help
 // bar when it takes the focus. A refused entry keeps what was typed.
 TEST_F(TaxpayerWindowsTest, NewTaxpayer_LeaveCheckHelpAndRefusal) {
-  WhenShown("dlgNewModClient", [&](QDialog& window) {
+  OnWindow("dlgNewModClient", [&](QDialog& window) {
     Type(window, "txtClientName", "John Q Public");
     QTest::keyClick(Get(window, "txtClientName"), Qt::Key_Tab);
-    EXPECT_EQ(Text(window, "txtSortName"), "Public, John Q");
+    EXPECT_EQ(Shown(window, "txtSortName"), "Public, John Q");
     EXPECT_EQ(ui_.help_texts().back(), "Enter the Taxpayer's sort name, for example: Doe, John H.");
     Type(window, "txtSortName", "Public Family");
     Type(window, "txtClientName", "John Q. Public");
     QTest::keyClick(Get(window, "txtClientName"), Qt::Key_Tab);
-    EXPECT_EQ(Text(window, "txtSortName"), "Public Family");
+    EXPECT_EQ(Shown(window, "txtSortName"), "Public Family");
     ui_.Expect(
         "The following items:\r\n - Taxpayer Code\r\nneed to be completed before continuing.",
         "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
     Click(window, "btnOK");
-    EXPECT_EQ(Text(window, "txtClientName") + "|" + Text(window, "dtYearEnd"),
+    EXPECT_EQ(Shown(window, "txtClientName") + "|" + Shown(window, "dtYearEnd"),
               "John Q. Public|01/01/1990");
     Click(window, "btnCancel");
   });
@@ -207,13 +152,12 @@ TEST_F(TaxpayerWindowsTest, NewTaxpayer_LeaveCheckHelpAndRefusal) {
   EXPECT_EQ(CountCentralRows("Clients"), 1);
 }
 
-// The list's chosen row is the taxpayer opened, the portfolio deleted.
+// The list's chosen row is the taxpayer opened, the portfolio deleted; the
+// list then shows what is left.
 TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
   WriteTaxpayerFile("LEE0101.mdb", "LEE01", "Ann Lee");
-  app_->central->Execute(
-      R"(INSERT INTO "Clients" ("Client Code", "Client Name", "Sort Name", "File Name") )"
-      R"(VALUES ('LEE01', 'Ann Lee', 'Lee, Ann', 'LEE0101.mdb'))");
-  WhenShown("dlgOpenClient", [&](QDialog& window) {
+  TaxpayerIndex("LEE01", "Ann Lee", "Lee, Ann", "LEE0101.mdb");
+  OnWindow("dlgOpenClient", [&](QDialog& window) {
     Choose(window, "SSdgClients", 1);
     Click(window, "btnOpen");
   });
@@ -222,11 +166,11 @@ TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
 
   ASSERT_TRUE(NewPort(*app_, "Growth", ""));
   ASSERT_TRUE(NewPort(*app_, "Income", ""));
-  WhenShown("dlgOpenDelPort", [&](QDialog& window) {
+  OnWindow("dlgOpenDelPort", [&](QDialog& window) {
     Choose(window, "SSdgPortfolios", 0);
     ui_.Expect(
-        "You are about to delete Portfolio: Growth. All Securities, Blocks and "
-        "Transactions in it will be deleted. Are you sure you want to do this?",
+        "You are about to delete Portfolio: Growth. All Securities, Blocks and Transactions in it "
+        "will be deleted. Are you sure you want to do this?",
         "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo, Answer::kYes);
     Click(window, "btnOK");
     EXPECT_EQ(GridRows(window, "SSdgPortfolios"), "Income|");
@@ -238,15 +182,15 @@ TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
 
 // An empty portfolio name is refused and the focus goes back to it.
 TEST_F(TaxpayerWindowsTest, NewPort_EmptyNameRefusedFocusBack) {
-  WhenShown("dlgNewModPort", [&](QDialog& window) {
+  OnWindow("dlgNewModPort", [&](QDialog& window) {
     Type(window, "txt2ndLine", "dividends");
     ui_.Expect(
         "A Portfolio Name must be provided to create a new Portfolio. Please enter a "
         "Portfolio Name.",
         "Information Missing!", Icon::kInformation, Buttons::kOk);
     Click(window, "btnOK");
-    EXPECT_EQ(Focused(), "txtPortName");
-    EXPECT_EQ(Text(window, "txt2ndLine"), "dividends");
+    EXPECT_EQ(FocusName(), "txtPortName");
+    EXPECT_EQ(Shown(window, "txt2ndLine"), "dividends");
     Click(window, "btnCancel");
   });
   ShowNewPort(*app_);
@@ -255,10 +199,10 @@ TEST_F(TaxpayerWindowsTest, NewPort_EmptyNameRefusedFocusBack) {
 // The folder buttons pick through the port's picker and keep the folder
 // part; OK stores both folders and ends the run.
 TEST_F(TaxpayerWindowsTest, FileLoc_PickedFoldersStoredOnOk) {
-  WhenShown("dlgFileLoc", [&](QDialog& window) {
+  OnWindow("dlgFileLoc", [&](QDialog& window) {
     ui_.ExpectPick("Designate Folder For Data", "/srv/lw/NO FILENAME NEEDED - CHOOSE FOLDER");
     Click(window, "btnSSF");
-    EXPECT_EQ(Text(window, "txtSSF"), "/srv/lw/");
+    EXPECT_EQ(Shown(window, "txtSSF"), "/srv/lw/");
     Type(window, "txtClient", "/srv/client/");
     ui_.Expect("The program will now close down so the changes can be registered by the system.",
                "Notice", Icon::kInformation, Buttons::kOk);
@@ -278,11 +222,11 @@ TEST_F(TaxpayerWindowsTest, FileLoc_PickedFoldersStoredOnOk) {
 TEST_F(TaxpayerWindowsTest, AddSec_FillRefuseAndFind) {
   std::string cusip;
   ASSERT_TRUE(AddSec(*app_, "IBM", "", cusip, "", "Growth & Value"));
-  WhenShown("dlgAddModSec", [&](QDialog& window) {
+  OnWindow("dlgAddModSec", [&](QDialog& window) {
     Type(window, "txtSymbol", "ibm");
     QTest::keyClick(Get(window, "txtSymbol"), Qt::Key_Return);
-    EXPECT_EQ(Text(window, "txtSymbol") + "|" + Text(window, "txtSecName") + "|" +
-                  Text(window, "txtCusip"),
+    EXPECT_EQ(Shown(window, "txtSymbol") + "|" + Shown(window, "txtSecName") + "|" +
+                  Shown(window, "txtCusip"),
               "IBM|International Business Machines|459200101");
     Type(window, "txt2ndLine", "second lot");
     ui_.Expect(
@@ -290,15 +234,16 @@ TEST_F(TaxpayerWindowsTest, AddSec_FillRefuseAndFind) {
         "not be added again. If you wish to purchase Shares for this Security, click on "
         "the icon for the Security and click the 'Buy' button.",
         "Security Already Exists!", Icon::kInformation, Buttons::kOk);
+    OnWindow("dlgAddModSec", nullptr);
     Click(window, "btnOK");
-    EXPECT_EQ(Text(window, "txt2ndLine"), "second lot");
-    WhenShown("dlgSecSymbol", [&](QDialog& list) {
+    EXPECT_EQ(Shown(window, "txt2ndLine"), "second lot");
+    OnWindow("dlgSecSymbol", [&](QDialog& list) {
       EXPECT_EQ(list.windowTitle().toStdString(), "Select a Security");
       Click(list, "btnSelect");
     });
     Type(window, "txtSymbol", "");
     Click(window, "btnFind");
-    EXPECT_EQ(Text(window, "txtSymbol"), "IBM");
+    EXPECT_EQ(Shown(window, "txtSymbol"), "IBM");
     Click(window, "btnCancel");
   });
   ShowAddSec(*app_);
@@ -307,14 +252,14 @@ TEST_F(TaxpayerWindowsTest, AddSec_FillRefuseAndFind) {
 
 // Where the symbol is fixed, an edit is undone with the warning.
 TEST_F(TaxpayerWindowsTest, ModSecInCdb_SymbolEditRefused) {
-  WhenShown("dlgAddModSec", [&](QDialog& window) {
+  OnWindow("dlgAddModSec", [&](QDialog& window) {
     ui_.Expect(
         "The Security Symbol can not be modified. If you wish to change to a different "
         "security you must add a new security using the Security menu.",
         "Can't modify Symbol!", Icon::kExclamation, Buttons::kOk);
     Get(window, "txtSymbol")->setFocus(Qt::TabFocusReason);
     QTest::keyClick(Get(window, "txtSymbol"), Qt::Key_X);
-    EXPECT_EQ(Text(window, "txtSymbol"), "IBM");
+    EXPECT_EQ(Shown(window, "txtSymbol"), "IBM");
     Type(window, "txtSecName", "IBM Corp");
     Click(window, "btnOK");
   });
@@ -325,8 +270,8 @@ TEST_F(TaxpayerWindowsTest, ModSecInCdb_SymbolEditRefused) {
 // The symbols window: Add opens the add window over it, the list then shows
 // the new symbol; Delete after Yes removes the chosen one.
 TEST_F(TaxpayerWindowsTest, SecSymbol_AddAndDelete) {
-  WhenShown("dlgSecSymbol", [&](QDialog& window) {
-    WhenShown("dlgAddModSec", [&](QDialog& add) {
+  OnWindow("dlgSecSymbol", [&](QDialog& window) {
+    OnWindow("dlgAddModSec", [&](QDialog& add) {
       EXPECT_FALSE(Get<QWidget>(add, "pnlPortfolio")->isVisible());
       Type(add, "txtSymbol", "AAPL");
       Type(add, "txtSecName", "Apple Inc.");
