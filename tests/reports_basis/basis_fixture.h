@@ -13,6 +13,7 @@
 #include "data/transaction_store.h"
 #include "reports/basis_report.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 #include "support/values.h"
 
 namespace lotwise::testing {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -68,6 +69,7 @@ struct GoldenCase {
     for (const std::string& line : Lines(key)) text += line + "\n";
     return text;
   }
+  friend void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.name; }
 };
 
 inline std::vector<GoldenCase> ReadCases(const char* source, const std::string& name) {
