@@ -145,31 +145,5 @@ TEST_F(ListingTest, Listing_TablesFail_Refused) {
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-// Each listing, once filled, runs its report file under its own title to
-// the chosen destination.
-TEST_F(ListingTest, Listing_RunsReport) {
-  app_->current.port_name = "Growth";
-  app_->window.state = kPortOpen;
-  const std::pair<std::function<bool(Application&, ReportDestination)>, const char*> cases[] = {
-      {[](Application& app, ReportDestination to) {
-         return RunTransListRpt(app, ReportScope::kPortfolio, "01/01/2024", "12/31/2024", to);
-       },
-       "Transaction Listing Report"},
-      {[](Application& app, ReportDestination to) {
-         return RunClientReport(app, to, ClientSort::kName);
-       },
-       "Taxpayer Listing Report"},
-      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 1, 0); },
-       "Security Listing Report"},
-      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 0, 1); },
-       "Security Listing Report"}};
-  for (const auto& [run, title] : cases) {
-    ASSERT_TRUE(run(*app_, ReportDestination::kScreen)) << title;
-    ASSERT_TRUE(run(*app_, ReportDestination::kPrinter)) << title;
-    EXPECT_EQ(ui_.reports_shown().back().title, title);
-    EXPECT_EQ(ui_.reports_printed().back().title, title);
-  }
-}
-
 }  // namespace
 }  // namespace lotwise::testing

@@ -13,13 +13,6 @@
 namespace lotwise::testing {
 namespace {
 
-const std::string kNameQuestion =
-    "The Security Name you entered already exists in another Security. If you still want to use "
-    "this name click OK, otherwise click Cancel.";
-const std::string kCusipQuestion =
-    "The CUSIP you entered already exists in another Security. If you still want to use this CUSIP "
-    "click OK, otherwise click Cancel.";
-
 // An open Taxpayer File with portfolios P1 and P2, each holding IBM and
 // MSFT, every security with one block carrying one row of each
 // transaction table.
@@ -28,25 +21,15 @@ class PortfolioTest : public TaxpayerTest {
   void SetUp() override {
     TaxpayerTest::SetUp();
     OpenFreshTaxpayer();
+    for (const char* symbol : {"IBM", "MSFT"}) SecurityName(symbol, symbol + std::string(" Corp"));
     for (const char* port : {"P1", "P2"}) {
-      ASSERT_TRUE(NewPort(*app_, port, ""));
+      Portfolio(port);
       for (const char* symbol : {"IBM", "MSFT"}) {
-        std::string cusip = kNoCusip;
-        ASSERT_TRUE(AddSec(*app_, symbol, std::string(symbol) + " Corp", cusip, "", port));
+        const int64_t block = Buy(Security(symbol, port), "01/02/2024", 10);
+        Sell(block, "02/01/2024", 1);
+        Split(block, "03/01/2024", 1, 2, 9);
+        Adjust(block, "04/01/2024", 0);
       }
-    }
-    for (const char* sql :
-         {R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") SELECT "Sec ID", 'b', 'd' )"
-          R"(FROM "Security")",
-          R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Prec Sort") SELECT "Block No", )"
-          R"('d', 10, 10 FROM "Blocks")",
-          R"(INSERT INTO "Sell" ("Block No", "Date", "Prec Sort") SELECT "Block No", 'd', 40 )"
-          R"(FROM "Blocks")",
-          R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", )"
-          R"("Prec Sort") SELECT "Block No", 'd', 11, 1, 2, 60 FROM "Blocks")",
-          R"(INSERT INTO "Adjust" ("Block No", "Date", "Prec Sort") SELECT "Block No", 'd', )"
-          R"(30 FROM "Blocks")"}) {
-      app_->client->Execute(sql);
     }
   }
 
@@ -154,21 +137,14 @@ TEST_F(PortfolioTest, PortAndSec_OddTextExact) {
   }
 }
 
-// AddSec: an unknown symbol goes to the central file first; a symbol the
-// portfolio holds is refused; declining the central add still adds the
-// portfolio's row, whose name then reads as unknown.
+// AddSec: an unknown symbol goes to the central file first; declining the central add still adds
+// the portfolio's row, whose name then reads as unknown.
 TEST_F(PortfolioTest, AddSec_CentralFirstAndLenient) {
   std::string cusip;
   ASSERT_TRUE(AddSec(*app_, "NEW", "New Co", cusip, "", "P1"));
   EXPECT_EQ(CentralSec("NEW"), "New Co|NO CUSIP");
   EXPECT_EQ(Count(R"(SELECT "Sell Method" AS n FROM "Sell Method" WHERE "Sec Symbol" = 'NEW')"),
             255);
-  ui_.Expect(
-      "The Security you wish to add already exists in this Portfolio, therefore it can not be "
-      "added again. If you wish to purchase Shares for this Security, click on the icon for the "
-      "Security and click the 'Buy' button.",
-      "Security Already Exists!", Icon::kInformation, Buttons::kOk);
-  EXPECT_FALSE(AddSec(*app_, "new", "New Co", cusip, "", "P1"));
   ui_.Expect(kNameQuestion, "Name already exists", Answer::kCancel);
   cusip = "1";
   ASSERT_TRUE(AddSec(*app_, "DUPN", "New Co", cusip, "", "P1"));
@@ -222,18 +198,6 @@ TEST_F(PortfolioTest, UpdateSec2ndLine_CurrentPortfolioOnly) {
   EXPECT_EQ(ui_.help_texts().back(), "Updating Optional Line");
 }
 
-// An empty or blank portfolio name is refused with a message.
-TEST_F(PortfolioTest, VerifyNewModPort_EmptyNameRefused) {
-  for (const char* blank : {"", "   "}) {
-    ui_.Expect(
-        "A Portfolio Name must be provided to create a new Portfolio. Please enter a "
-        "Portfolio Name.",
-        "Information Missing!", Icon::kInformation, Buttons::kOk);
-    EXPECT_FALSE(VerifyNewModPort(*app_, blank));
-  }
-  EXPECT_TRUE(VerifyNewModPort(*app_, "P3"));
-}
-
 // A too-long change description is cut to the field's 255 bytes, never in
 // the middle of a character, reported as non-fatal, and still written.
 TEST_F(PortfolioTest, LogChange_TooLongIsCutAndReported) {
@@ -284,6 +248,120 @@ TEST_F(PortfolioTest, WriteLocked_WarnsAndCarriesOn) {
   EXPECT_EQ(Rows(), before);
   EXPECT_EQ(CountClientRows("Portfolio"), 2);
   EXPECT_EQ(CountClientRows("Change"), 0);
+}
+
+struct Message {
+  std::string text, title;
+  Icon icon = Icon::kInformation;
+  Buttons buttons = Buttons::kOk;
+  Answer answer = Answer::kOk;
+};
+
+const Message kNameNo{kNameQuestion, "Name already exists", Icon::kQuestion, Buttons::kOkCancel,
+                      Answer::kCancel};
+const Message kNameOk{kNameQuestion, "Name already exists", Icon::kQuestion, Buttons::kOkCancel};
+const Message kCusipNo{kCusipQuestion, "CUSIP already exists", Icon::kQuestion, Buttons::kOkCancel,
+                       Answer::kCancel};
+const Message kCusipOk{kCusipQuestion, "CUSIP already exists", Icon::kQuestion, Buttons::kOkCancel};
+const Message kSymbolExists{
+    "The Symbol: ibm already exists. Please enter a new Symbol or use the Security that already "
+    "exists.",
+    "Symbol already exists"};
+const Message kNotFound{
+    "The Security you have specified can't be found. You may need to Add it again.",
+    "Security not found"};
+const Message kAddInUse{
+    "The Symbol: DUP is already in use. Please enter a new Symbol or usethe Security that already "
+    "exits.",
+    "Symbol in use!"};
+const Message kModInUse{
+    "The Symbol: NOC already exists.Please enter a new Symbol, or usethe Security that already "
+    "exits.",
+    "Symbol in use!"};
+
+const std::string kNocRow = "Fund|NO CUSIP";
+
+// A central file holding IBM, with a CUSIP, and NOC, without one.
+class CentralFileTest : public TaxpayerTest {
+ protected:
+  void SetUp() override {
+    TaxpayerTest::SetUp();
+    SecurityName("IBM", "Big Blue", "459200101");
+    SecurityName("NOC", "Fund", kNoCusip);
+  }
+
+  // "name|cusip" of the symbol's row, or "-" when there is none.
+  std::string Row(const std::string& symbol) {
+    Query q = app_->central->Select(
+        R"(SELECT "Sec Name", "CUSIP" FROM "Securities" WHERE "Sec Symbol" = :s COLLATE BINARY)",
+        {{"s", symbol}});
+    return q.Next() ? q.Text("Sec Name") + "|" + q.Text("CUSIP") : "-";
+  }
+};
+
+// AddSecToCDB refuses an existing symbol (in any letter case); both add and
+// modify need the user's OK for a name or CUSIP of another security, never
+// for the security's own nor for "NO CUSIP"; an empty CUSIP is stored as
+// "NO CUSIP". The database's
+// own refusal of a duplicate (another user was quicker, here through a
+// unique CUSIP index) arrives as "Symbol in use!".
+struct SecCase {
+  const char* label;
+  bool modify;
+  std::string symbol, name, cusip;
+  std::vector<Message> messages;
+  bool done;
+  std::string stored;  // Row(symbol) afterwards
+  bool unique_cusips = false;
+};
+
+const SecCase kSecCases[] = {
+    {"AddNew", false, "MSFT", "Microsoft", "594918104", {}, true, "Microsoft|594918104"},
+    {"AddExistingSymbolOtherCase", false, "ibm", "Other", "1", {kSymbolExists}, false, "-"},
+    {"AddSharedNameDeclined", false, "IBX", "big blue", "1", {kNameNo}, false, "-"},
+    {"AddSharedNameAccepted", false, "IBX", "Big Blue", "1", {kNameOk}, true, "Big Blue|1"},
+    {"AddSharedCusipDeclined", false, "IBX", "Other", "459200101", {kCusipNo}, false, "-"},
+    {"AddNoCusipNeverShared", false, "NC2", "Second", kNoCusip, {}, true, "Second|NO CUSIP"},
+    {"AddEmptyCusipBecomesNoCusip", false, "NC3", "Third", "", {}, true, "Third|NO CUSIP"},
+    {"AddKeyInUse", false, "DUP", "Dup", "459200101", {kCusipOk, kAddInUse}, false, "-", true},
+    {"ModOwnNameAndCusip", true, "IBM", "Big Blue", "459200101", {}, true, "Big Blue|459200101"},
+    {"ModOtherNameDeclined", true, "NOC", "Big Blue", kNoCusip, {kNameNo}, false, kNocRow},
+    {"ModOtherCusipAccepted", true, "NOC", "Fund", "459200101", {kCusipOk}, true, "Fund|459200101"},
+    {"ModUnknownSymbol", true, "XYZ", "Nothing", "1", {kNotFound}, false, "-"},
+    {"ModKeyInUse", true, "NOC", "Fund", "459200101", {kCusipOk, kModInUse}, false, kNocRow, true},
+};
+
+class SecInCDBTest : public CentralFileTest, public ::testing::WithParamInterface<SecCase> {};
+
+TEST_P(SecInCDBTest, AddModSecInCDB_Checks) {
+  const SecCase& c = GetParam();
+  if (c.unique_cusips) {
+    app_->central->Execute(R"(CREATE UNIQUE INDEX "Unique CUSIP" ON "Securities" ("CUSIP"))");
+  }
+  for (const Message& m : c.messages) ui_.Expect(m.text, m.title, m.icon, m.buttons, m.answer);
+  std::string cusip = c.cusip;
+  EXPECT_EQ(c.modify ? ModSecInCDB(*app_, c.symbol, c.name, cusip)
+                     : AddSecToCDB(*app_, c.symbol, c.name, cusip),
+            c.done);
+  EXPECT_EQ(Row(c.symbol), c.stored);
+  EXPECT_EQ(CountCentralRows("Securities"), c.done && !c.modify ? 3 : 2);
+  EXPECT_EQ(env_->end_calls(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Cases, SecInCDBTest, ::testing::ValuesIn(kSecCases),
+                         [](const auto& info) { return std::string(info.param.label); });
+
+// The start counter: a file that has never counted reads 0, an empty table
+// starts at 1, and a NULL count counts as 0.
+TEST_F(CentralFileTest, AddUsage_CountsFromEmptyOrNull) {
+  EXPECT_EQ(GetUsageCount(*app_), 0);
+  AddUsage(*app_, *app_->central);
+  AddUsage(*app_, *app_->central);
+  EXPECT_EQ(GetUsageCount(*app_), 2);
+  EXPECT_EQ(CountCentralRows("Usage"), 1);
+  app_->central->Execute(R"(UPDATE "Usage" SET "Usage Count" = NULL)");
+  AddUsage(*app_, *app_->central);
+  EXPECT_EQ(GetUsageCount(*app_), 1);
 }
 
 }  // namespace
