@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "app/lw_error.h"
+#include "support/scripted_ui.h"
 
 namespace lotwise::testing {
 
@@ -92,6 +93,57 @@ inline std::vector<GoldenCase> ReadCases(const char* source, const std::string& 
   }
   EXPECT_FALSE(cases.empty()) << GoldenPath(source, name);
   return cases;
+}
+
+// The message `key` of the folder's golden/messages.txt: "=== key", the
+// title, the icon and buttons ("critical ok", "question yesno"; "-" when
+// not checked), then the text's lines, joined by "\n"; "\r" stands for a
+// carriage return and each "{}" (title first) for the next of `values`.
+struct Said {
+  std::string text, title, look;
+};
+inline Said ReadSaid(const char* source, const std::string& key,
+                     const std::vector<std::string>& values = {}) {
+  for (const GoldenCase& c : ReadCases(source, "messages.txt")) {
+    if (c.name != key) continue;
+    std::vector<std::string> lines = c.Lines("");
+    Said said{"", lines.at(0), lines.at(1)};
+    size_t value = 0;
+    for (size_t i = 2; i < lines.size(); ++i) {
+      said.text += (i > 2 ? "\n" : "") + lines[i];
+    }
+    for (size_t at; (at = said.text.find("\\r")) != std::string::npos;)
+      said.text.replace(at, 2, "\r");
+    for (std::string* part : {&said.title, &said.text}) {
+      for (size_t at; (at = part->find("{}")) != std::string::npos;) {
+        part->replace(at, 2, values.at(value++));
+      }
+    }
+    return said;
+  }
+  ADD_FAILURE() << "no message " << key;
+  return {};
+}
+
+// Expects the message `key` (see ReadSaid) on the scripted UI.
+inline void ExpectSaid(ScriptedUi& ui, const char* source, const std::string& key,
+                       Answer answer = Answer::kOk, const std::vector<std::string>& values = {}) {
+  const Said said = ReadSaid(source, key, values);
+  if (said.look == "-") {
+    ui.Expect(said.text, said.title, answer);
+    return;
+  }
+  const std::string icon = said.look.substr(0, said.look.find(' '));
+  const std::string buttons = said.look.substr(said.look.find(' ') + 1);
+  const Icon icons[] = {Icon::kCritical, Icon::kQuestion, Icon::kExclamation, Icon::kInformation};
+  const Buttons choices[] = {Buttons::kOk, Buttons::kOkCancel, Buttons::kYesNo};
+  const char* icon_names[] = {"critical", "question", "exclamation", "information"};
+  const char* button_names[] = {"ok", "okcancel", "yesno"};
+  size_t i = 0, b = 0;
+  while (i < 4 && icon != icon_names[i]) ++i;
+  while (b < 3 && buttons != button_names[b]) ++b;
+  EXPECT_TRUE(i < 4 && b < 3) << "message " << key << ": " << said.look;
+  ui.Expect(said.text, said.title, icons[i % 4], choices[b % 3], answer);
 }
 
 // "number: text" of the error `run` throws, or "no error".

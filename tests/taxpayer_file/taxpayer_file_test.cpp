@@ -17,19 +17,6 @@ namespace lotwise::testing {
 namespace {
 
 const Date kYearEnd = Date::FromYmd(2025, 12, 31);
-const std::string kSortTitle = "Sort Name already exists!";
-const std::string kSortQuestionStart =
-    "The Sort Name for this Client already exists for another Client. This is OK, however you may "
-    "want to change it if you want unique Sort Names.\n";
-const std::string kNewSortQuestion =
-    kSortQuestionStart + "If you want to keep the Sort Name, click OK, otherwise click Cancel.";
-const std::string kModSortQuestion =
-    kSortQuestionStart + "If you want to change the Sort Name click OK, otherwise click Cancel.";
-
-std::string CodeInUse(const std::string& code) {
-  return "The Taxpayer Code: " + code + " is already in use. Please enter a new Taxpayer Code.";
-}
-
 // The file name: up to four leading letters and digits of the sort name (or
 // the month when there are none), then minute and second without zeros; a
 // name taken on disk (in any letter case) or in the index waits for the
@@ -76,13 +63,13 @@ TEST_F(TaxpayerTest, NewClient_CreatesOrRefuses) {
   EXPECT_EQ(ClientRow("Doe74.mdb"), "Jane Doe|Doe, Jane|DOE02|Trust |2025-12-31");
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 
-  ui_.Expect(CodeInUse("doe01"), "Taxpayer Code in use!");
+  ExpectSaid(ui_, __FILE__, "code_in_use", Answer::kOk, {"doe01"});
   EXPECT_FALSE(NewClient(*app_, "Other", "Other", "doe01", "", kYearEnd));
-  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kCancel);
+  ExpectSaid(ui_, __FILE__, "new_sort_shared", Answer::kCancel);
   EXPECT_FALSE(NewClient(*app_, "Other", "doe, john", "DOE03", "", kYearEnd));
   EXPECT_EQ(CountCentralRows("Clients"), 2);
   EXPECT_EQ(TaxpayerFiles().size(), 2u);
-  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kOk);
+  ExpectSaid(ui_, __FILE__, "new_sort_shared", Answer::kOk);
   EXPECT_TRUE(NewClient(*app_, "Other", "Doe, John", "DOE03", "", kYearEnd));
   EXPECT_EQ(CountCentralRows("Clients"), 3);
   EXPECT_EQ(TaxpayerFiles().size(), 3u);
@@ -110,10 +97,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
 // index row.
 TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
   TaxpayerIndex("DOE01", "John Doe", "Doe, John", "GONE.mdb");
-  auto expect_question = [&](Answer answer) {
-    ui_.Expect("A File does not exist for this Taxpayer. Would you like to create a new one?",
-               "No Taxpayer File", Icon::kExclamation, Buttons::kYesNo, answer);
-  };
+  auto expect_question = [&](Answer answer) { ExpectSaid(ui_, __FILE__, "no_file", answer); };
   expect_question(Answer::kNo);
   ui_.Expect("Cancelled...", "Open Taxpayer cancelled", Icon::kInformation, Buttons::kOk);
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
@@ -139,8 +123,9 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
 
 // ModClientInfo changes both files or neither. The sort-name question comes
 // only with a new code, and only a Cancel on the taxpayer's own row stops.
-using Step = std::pair<std::string, Answer>;  // message text, answer
-const Step kSortOk{kModSortQuestion, Answer::kOk}, kSortNo{kModSortQuestion, Answer::kCancel};
+using Step = std::pair<const char*, Answer>;  // message key, answer
+const Step kSortOk{"mod_sort_shared", Answer::kOk}, kSortNo{"mod_sort_shared", Answer::kCancel},
+    kCodeInUse{"code_in_use", Answer::kOk};
 
 struct ModCase {
   const char* label;
@@ -155,9 +140,7 @@ TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
   const ModCase& c = GetParam();
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   TaxpayerIndex("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
-  for (const auto& [text, answer] : c.messages) {
-    ui_.Expect(text, text == kModSortQuestion ? kSortTitle : "Taxpayer Code in use!", answer);
-  }
+  for (const auto& [key, answer] : c.messages) ExpectSaid(ui_, __FILE__, key, answer, {c.code});
   EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", c.sort, c.code, "Trust", Date::FromYmd(2026, 6, 30)),
             c.changed);
   const std::string row =
@@ -171,8 +154,8 @@ TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
 
 const ModCase kModCases[] = {
     {"AllFields", "DOE02", "Doe, Johnny", {}, true},
-    {"CodeOfOther", "smi01", "Doe, John", {kSortOk, {CodeInUse("smi01"), Answer::kOk}}, false},
-    {"CaseOnly", "doe01", "Doe, John", {{CodeInUse("doe01"), Answer::kOk}}, false},
+    {"CodeOfOther", "smi01", "Doe, John", {kSortOk, kCodeInUse}, false},
+    {"CaseOnly", "doe01", "Doe, John", {kCodeInUse}, false},
     {"OtherSortCancelGoesOn", "DOE02", "Smith, Ann", {kSortNo}, true},
     {"OwnSortCancelStops", "DOE02", "Doe, John", {kSortNo}, false},
     {"SameCodeAsksNothing", "DOE01", "Smith, Ann", {}, true},
@@ -184,11 +167,7 @@ INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest, ::testing::ValuesIn(kModCases
 // file is already gone; an unindexed code is reported.
 TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   auto expect_question = [&](const std::string& code, Answer answer) {
-    ui_.Expect(
-        "Are you sure you want to delete all transactions, files and references within this "
-        "system to the taxpayer that has a taxpayer code of " +
-            code + "?",
-        "Warning", Icon::kExclamation, Buttons::kYesNo, answer);
+    ExpectSaid(ui_, __FILE__, "delete_taxpayer", answer, {code});
   };
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   ASSERT_TRUE(NewClient(*app_, "Jane Doe", "Doe, Jane", "DOE02", "", kYearEnd));
@@ -200,10 +179,7 @@ TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->client, nullptr);
   expect_question("XYZ", Answer::kYes);
-  ui_.Expect(
-      "One and only one record should be found with this taxpayer code. 0 records were found. "
-      "Could not remove from central file.",
-      "Warning", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "not_one_record");
   DelTaxpayer(*app_, "XYZ");
   EXPECT_EQ(CountCentralRows("Clients"), 1);
   std::filesystem::remove(app_->taxpayer_folder + "Doe73.mdb");
@@ -234,8 +210,7 @@ TEST_F(TaxpayerTest, VerifyNewModClient_Cases) {
     form.client_code = c.code;
     form.year_end = c.year_end;
     if (!c.missing.empty()) {
-      ui_.Expect("The following items:\r\n" + c.missing + "need to be completed before continuing.",
-                 "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+      ExpectSaid(ui_, __FILE__, "incomplete", Answer::kOk, {c.missing});
     }
     EXPECT_EQ(VerifyNewModClient(*app_, form), c.missing.empty());
     EXPECT_EQ(form.sort_name + "|" + form.year_end, c.after);
@@ -295,12 +270,8 @@ class DamagedFileTest : public TaxpayerTest {
 
 TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
   Scribble(0);
-  ui_.Expect(ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient") +
-                 "\r\n\r\nThe database file has been damaged. This is very serious. The best "
-                 "solution is to restore from the last good backup that was created before the "
-                 "file was damaged. Sometimes data corruption can be fixed. From the File menu use "
-                 "the Repair routine followed by the Compress routine.",
-             "Possible Error!", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "not_a_database", Answer::kOk,
+             {ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient")});
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
   EXPECT_EQ(env_->end_calls(), 1);
   EXPECT_EQ(app_->client, nullptr);
@@ -310,12 +281,7 @@ TEST_F(DamagedFileTest, DamagedPages_WarningAndCarryOn) {
   // The 100-byte header survives, so SQLite knows the file as its own and
   // finds the pages behind it damaged.
   Scribble(100);
-  ui_.Expect(
-      "the file being accessed has been damaged. You will need to Repair and Compress the file "
-      "before using it. These options are available under the File menu.\nIf you are running "
-      "reports, please follow the instructions above, AND restart the Lotwise before trying to "
-      "run reports again.",
-      "Warning!", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "damaged");
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
   EXPECT_EQ(env_->end_calls(), 0);
   EXPECT_EQ(app_->client, nullptr);

@@ -9,18 +9,12 @@
 #include "app/paths.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 
 inline const std::string kShutDownAdvice =
     " The program will now shut down to prevent errors in your data and calculations.";
-
-const std::string kNameQuestion =
-    "The Security Name you entered already exists in another Security. If you still want to use "
-    "this name click OK, otherwise click Cancel.";
-const std::string kCusipQuestion =
-    "The CUSIP you entered already exists in another Security. If you still want to use this CUSIP "
-    "click OK, otherwise click Cancel.";
 
 // A central file of its own for every test, and readers of the rows the
 // taxpayer operations leave behind.
