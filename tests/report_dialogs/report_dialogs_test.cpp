@@ -18,12 +18,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const kExportQuestion =
-    "This program can create a file that can be used to export the Schedule D information from the "
-    "Lotwise into the better tax software programs. We recommend choosing Detailed as the Report "
-    "Type in the Schedule D Options screen.\r\n\r\nDo you want to create a Schedule D export "
-    "file?";
-
 bool HasLine(const std::string& text, const std::string& line) {
   std::istringstream in(text);
   for (std::string each; std::getline(in, each);) {
@@ -110,7 +104,7 @@ TEST_F(ReportDialogsTest, LoadOptions_PrefsElseDefaults) {
 // choices as preferences and close the dialog.
 TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
   auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(kExportQuestion, "Schedule D Export File", Answer::kNo);
+    ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     EXPECT_EQ(f.caption, "Basis Analysis Options");
     EXPECT_EQ(f.year_end, "12/31/2025");
     f.include_sched_d = true;
@@ -131,7 +125,7 @@ TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
 TEST_F(ReportDialogsTest, SchedDPrint_SummaryWithElections) {
   app_->prefs.remove_0_sec = true;
   auto form = Play<BasisOptionsForm>(ShowScheduleDDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(kExportQuestion, "Schedule D Export File", Answer::kNo);
+    ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     f.year_end = "6/30/2025";
     f.report_type = BasisOptionsForm::kSummary;
     f.elections = true;
@@ -181,10 +175,7 @@ TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
 // on the field to correct.
 TEST_F(ReportDialogsTest, BasisView_BadYearEnd_StaysOpen) {
   auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(
-        "The Year End Date entered as 13/45/2025 is not valid.  Please re-enter the Year End Date. "
-        "If you are cancelling, click OK, and then click Cancel again.",
-        "Invalid Date", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, kReportsSource, "invalid_year_end");
     f.year_end = "13/45/2025";
     f.focus.clear();
     BasisOptions_View(*app_, f);

@@ -20,6 +20,9 @@ namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
 
+// The report messages are in this folder's golden/messages.txt.
+inline const char* const kReportsSource = __FILE__;
+
 // A taxpayer with the portfolio "Growth", and helpers that run the
 // computation and read the report tables back as text rows.
 class BasisTest : public AppTest {
