@@ -2,8 +2,11 @@
 
 #include <random>
 
+#include "app/number_text.h"
+#include "data/block_shares.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 namespace {
@@ -105,6 +108,28 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
   }
   EXPECT_EQ(OpenBlocksByIndex(), OpenBlocksBySum());
   EXPECT_EQ(db().IntegrityCheck(), "ok");
+}
+
+// The open blocks come oldest first (date, then block-id text), skip blocks
+// whose remainder rounds to nothing, and count a remainder such as
+// 99.999999 as 100; shares as of a date count that day's rows.
+TEST_F(SharesLeftTest, OpenBlocksAndSharesAsOf) {
+  const auto text = [](const std::vector<BlockShares>& blocks) {
+    std::string out;
+    for (const BlockShares& block : blocks)
+      out += block.block_id + "=" + NumberText(block.shares) + " ";
+    return out;
+  };
+  Sell(Buy(1, "01/01/2024", 100, "0", "0", kTypeBuy, "01/01/2024-1"), "01/06/2024", 100);
+  // 0.000004 left: rounds to nothing.
+  Sell(Buy(1, "01/01/2024", 1, "0", "0", kTypeBuy, "01/01/2024-2"), "01/06/2024", 0.999996);
+  Buy(1, "01/01/2024", 5, "0", "0", kTypeBuy, "01/01/2024-10");  // before "-2" as text
+  Sell(Buy(1, "03/01/2024", 100, "0", "0", kTypeBuy, "03/01/2024-1"), "04/01/2024", 0.000001);
+  EXPECT_EQ(text(OpenBlocks(db(), 1)), "01/01/2024-10=5 03/01/2024-1=100 ");
+  EXPECT_EQ(text(BlockSharesAsOf(db(), 1, D("01/05/2024"))),
+            "01/01/2024-1=100 01/01/2024-10=5 01/01/2024-2=1 03/01/2024-1=0 ");
+  EXPECT_EQ(text(BlockSharesAsOf(db(), 1, D("01/06/2024"))),
+            "01/01/2024-1=0 01/01/2024-10=5 01/01/2024-2=0 03/01/2024-1=0 ");
 }
 
 }  // namespace

@@ -88,21 +88,5 @@ INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest,
                                                      &StorageFaults::FailDiskSyncNumber}),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// Only a connection opened with a StorageFaults is watched: another
-// connection to the same file writes through while a fault is armed.
-TEST_F(StorageTest, DiskFault_FilesWithoutFaultsPassThrough) {
-  std::string path = CopyTemplate("x.mdb");
-  StorageFaults faults;
-  auto db = Database::Open(path, Database::Mode::kShared, &faults);
-  auto plain = Database::Open(path);
-  AddPortfolio(*plain, "Plain");
-  EXPECT_EQ(faults.disk_writes(), 0);
-  faults.FailDiskWriteNumber(1);
-  AddPortfolio(*plain, "Still plain");
-  EXPECT_EQ(Count(*db, "Portfolio"), 2);
-  EXPECT_THROW(AddPortfolio(*db, "Faulty"), LwError);
-  EXPECT_EQ(Count(*plain, "Portfolio"), 2);
-}
-
 }  // namespace
 }  // namespace lotwise

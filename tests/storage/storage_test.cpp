@@ -100,34 +100,6 @@ TEST_P(MappingTest, Failure_ReachesHandledNumber) {
 INSTANTIATE_TEST_SUITE_P(Sqlite, MappingTest, ::testing::ValuesIn(kMappings),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// Values reach SQL only as bound parameters: quotes, wildcards, statement
-// separators and comment marks are stored and found as the plain text they
-// are, and a name with "%" or "_" never matches another name (the decoys).
-TEST_F(StorageTest, Value_AwkwardTextStoredAndFoundExactly) {
-  const std::string values[] = {R"(The "Growth" Fund)",
-                                "O'Brien's IRA",
-                                "100%",
-                                "A_B",
-                                "-- Income",
-                                R"(x'); DELETE FROM "Portfolio"; --)",
-                                "",
-                                "Müller Ærø 株式 €"};
-  auto db = Database::Open(CopyTemplate("x.mdb"));
-  for (const char* decoy : {"1000", "AxB", "Other"}) AddPortfolio(*db, decoy);
-  for (const std::string& value : values) {
-    SCOPED_TRACE(value);
-    db->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES (:p, :l))",
-                {{"p", value}, {"l", value}});
-    Query found =
-        db->Select(R"(SELECT "2nd Line" FROM "Portfolio" WHERE "Port Name" = :p)", {{"p", value}});
-    ASSERT_TRUE(found.Next());
-    EXPECT_EQ(found.OptionalText("2nd Line"), value);
-    EXPECT_FALSE(found.Next());
-    EXPECT_EQ(db->ExecuteSaved("DelPortfolio", {{"sPortName", value}}), 1);
-  }
-  EXPECT_EQ(Count(*db, "Portfolio"), 3);
-}
-
 // Units of work: only Commit() keeps rows, also across a reopen; a unit
 // left without it takes its rows along and frees the file for the next; an
 // inner unit can be undone while the outer one commits; a write that fails
@@ -169,26 +141,6 @@ TEST_F(StorageTest, Transaction_OnlyCommittedUnitsKeepRows) {
   EXPECT_EQ(db->IntegrityCheck(), "ok");
   db.reset();
   EXPECT_EQ(Rows(Database::Open(path)->Select(names)), (Lines{"Kept", "Outer"}));
-}
-
-// Deleting a portfolio takes its securities, their blocks and every
-// transaction row with it, and nothing of another portfolio.
-TEST_F(StorageTest, Cascade_DeletePortfolioRemovesEverythingBelow) {
-  auto db = Database::Open(CopyTemplate("x.mdb"));
-  Scenario file(*db);
-  for (const char* port : {"Gone", "Stays"}) {
-    file.Portfolio(port);
-    const int64_t block = file.Buy(file.Security("IBM", port), "03/01/2024", 10);
-    file.Sell(block, "03/01/2024", 1);
-    file.Split(block, "03/01/2024", 1, 2, 9);
-    file.Adjust(block, "03/01/2024", 0);
-  }
-  EXPECT_EQ(db->ExecuteSaved("DelPortfolio", {{"sPortName", "Gone"}}), 1);
-  for (const char* table : {"Portfolio", "Security", "Blocks", "Buy", "Sell", "Split", "Adjust"}) {
-    EXPECT_EQ(Count(*db, table), 1) << table;
-  }
-  EXPECT_EQ(Rows(db->Select(R"(SELECT "Port Name" FROM "Security")")), Lines{"Stays"});
-  EXPECT_EQ(db->IntegrityCheck(), "ok");
 }
 
 }  // namespace
