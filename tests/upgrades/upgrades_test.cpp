@@ -13,35 +13,22 @@
 #include "data/schema.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise {
 namespace {
 
 using testing::AppTest;
 using testing::FatalMessage;
+using testing::GoldenCase;
 using testing::Lines;
+using testing::ReadCases;
 using testing::Rows;
 
-// What the help bar shows at each step of the chain, in chain order, for the
-// central file and for a Taxpayer File; step 9 is where the irregular
-// "LW99.10" joins.
-constexpr const char* kCentralTexts[] = {
-    "Updating SSF to LW96.11",   "Updating SSF to LW96.12",   "Updating SSF to LW96.13",
-    "Updating to SSF LW96.20",   "Updating to SSF LW96.21",   "Updating to SSF LW97.10",
-    "Updating to SSF LW97.10",   "Updating to SSF LW98.10",   "Updating to SSF LW1999.10",
-    "Updating to SSF LW1999.10", "Updating to SSF LW1999.20", "Updating to SSF LW1999.21",
-    "Updating to SSF LW2000.10", "Updating to SSF LW2000.20", "Updating to SSF LW2000.23",
-    "Updating to SSF LW2000.23", "Updating to SSF LW2001.12", "Updating to SSF LW2005.20"};
-constexpr const char* kClientTexts[] = {
-    "Updating to LW96.11",   "Updating to LW96.12",   "Updating to LW96.13",
-    "Updating to LW96.20",   "Updating to LW96.21",   "Updating to LW97.10",
-    "Updating to LW97.10",   "Updating to LW97.10",   "Updating to LW1999.10",
-    "Updating to LW1999.10", "Updating to LW1999.20", "Updating to LW1999.21",
-    "Updating to LW2000.10", "Updating to LW2000.20", "Updating to LW2000.23",
-    "Updating to LW2000.23", "Updating to LW2001.12", "Updating to LW2005.20"};
-constexpr int kStepCount = static_cast<int>(std::size(kCentralTexts));
-static_assert(std::size(kClientTexts) == kStepCount);
-constexpr int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
+// The help bar's text at each step of the chain (golden/steps.txt).
+const std::vector<GoldenCase> kSteps = ReadCases(__FILE__, "steps.txt");
+const int kStepCount = static_cast<int>(kSteps.at(0).Lines("").size());
+const int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
 const std::string kStale = "SELECT 'stale'";
 const std::string kMissing = "(missing)";
 
@@ -49,7 +36,7 @@ const std::string kMissing = "(missing)";
 Lines Texts(int first, int last, bool central, int skipped = -1) {
   Lines texts;
   for (int i = first; i <= last; ++i) {
-    if (i != skipped) texts.push_back((central ? kCentralTexts : kClientTexts)[i]);
+    if (i != skipped) texts.push_back(kSteps.at(central ? 0 : 1).Lines("").at(i));
   }
   return texts;
 }
