@@ -12,11 +12,6 @@
 namespace lotwise::testing {
 namespace {
 
-std::string BadDate(const std::string& label, const std::string& text) {
-  return "The " + label + " entered as " + text + " is not valid.  Please re-enter the " + label +
-         ". If you are cancelling, click OK, and then click Cancel again.";
-}
-
 // Portfolios Bonds (VBTLX), Growth (IBM, MSFT) and Income (empty). IBM's
 // two blocks carry a transaction of every kind; the sale and the
 // adjustment entered after it share a day.
@@ -138,7 +133,7 @@ struct RefusalCase {
   ReportScope scope;
   int16_t state;
   const char *begin, *end;
-  std::vector<std::pair<std::string, std::string>> messages;  // text, title, in order
+  std::vector<std::pair<const char*, std::vector<std::string>>> messages;  // key, values
 };
 
 class TransListRefusalTest : public TransListTest,
@@ -148,30 +143,26 @@ TEST_P(TransListRefusalTest, RunTransListRpt_Refused) {
   const RefusalCase& c = GetParam();
   app_->window.state = c.state;
   app_->current.port_name = "Growth";
-  for (const auto& [text, title] : c.messages) ui_.Expect(text, title);
+  for (const auto& [key, values] : c.messages) {
+    ExpectSaid(ui_, kListingsSource, key, Answer::kOk, values);
+  }
   EXPECT_FALSE(RunTransListRpt(*app_, c.scope, c.begin, c.end, ReportDestination::kScreen));
   EXPECT_EQ(Count("TL Info") + Count("Usage"), "00");
   EXPECT_TRUE(ui_.reports_shown().empty());
 }
 
-using Messages = std::vector<std::pair<std::string, std::string>>;
-const Messages kBothBad = {{BadDate("Beginning Date", "02/30/2024"), "Invalid Date"},
-                           {BadDate("Ending Date", "  /  /    "), "Invalid Date"}};
-const Messages kNeedSecurity = {
-    {"You must have a security open to do a Transaction Listing on one.", "Invalid Input"}};
-const Messages kNeedPortfolio = {
-    {"You must have a portfolio open that has at least one security "
-     "in it to do a Transaction Listing on it.",
-     "Invalid Input"}};
+using Said = std::vector<std::pair<const char*, std::vector<std::string>>>;
+const Said kBothBad = {{"bad_date", {"Beginning Date", "02/30/2024", "Beginning Date"}},
+                       {"bad_date", {"Ending Date", "  /  /    ", "Ending Date"}}};
 
 INSTANTIATE_TEST_SUITE_P(
     Refusals, TransListRefusalTest,
     ::testing::Values(RefusalCase{"BothDatesBad", ReportScope::kSecurity, kClientOpen, "02/30/2024",
                                   "  /  /    ", kBothBad},
                       RefusalCase{"SecurityNotOpen", ReportScope::kSecurity, kPortOpen,
-                                  "01/01/2024", "01/02/2024", kNeedSecurity},
+                                  "01/01/2024", "01/02/2024", Said{{"need_security", {}}}},
                       RefusalCase{"PortfolioNotOpen", ReportScope::kPortfolio, kClientOpen,
-                                  "01/01/2024", "01/02/2024", kNeedPortfolio}),
+                                  "01/01/2024", "01/02/2024", Said{{"need_portfolio", {}}}}),
     [](const ::testing::TestParamInfo<RefusalCase>& info) { return info.param.name; });
 
 }  // namespace

@@ -19,7 +19,7 @@ namespace lotwise::testing {
 // The file `name` in the folder "golden" beside the test source `source`
 // (pass __FILE__; a relative one is relative to the build folder, which
 // holds the test program's folder).
-inline std::string GoldenPath(const char* source, const std::string& name) {
+inline std::string GoldenPath(const std::string& source, const std::string& name) {
   std::filesystem::path path(source);
   if (path.is_relative()) {
     path = std::filesystem::read_symlink("/proc/self/exe").parent_path().parent_path() / path;
@@ -38,7 +38,8 @@ inline std::string ReadText(const std::string& path) {
 // Compares a long text with its golden file; with LOTWISE_UPDATE_GOLDEN set
 // in the environment, writes the file instead (read the diff before
 // committing it).
-inline void ExpectGolden(const char* source, const std::string& name, const std::string& actual) {
+inline void ExpectGolden(const std::string& source, const std::string& name,
+                         const std::string& actual) {
   const std::string path = GoldenPath(source, name);
   if (std::getenv("LOTWISE_UPDATE_GOLDEN")) {
     std::ofstream(path, std::ios::binary) << actual;
@@ -73,7 +74,7 @@ struct GoldenCase {
   friend void PrintTo(const GoldenCase& c, std::ostream* os) { *os << c.name; }
 };
 
-inline std::vector<GoldenCase> ReadCases(const char* source, const std::string& name) {
+inline std::vector<GoldenCase> ReadCases(const std::string& source, const std::string& name) {
   std::vector<GoldenCase> cases;
   std::istringstream in(ReadText(GoldenPath(source, name)));
   for (std::string line; std::getline(in, line);) {
@@ -102,7 +103,7 @@ inline std::vector<GoldenCase> ReadCases(const char* source, const std::string& 
 struct Said {
   std::string text, title, look;
 };
-inline Said ReadSaid(const char* source, const std::string& key,
+inline Said ReadSaid(const std::string& source, const std::string& key,
                      const std::vector<std::string>& values = {}) {
   for (const GoldenCase& c : ReadCases(source, "messages.txt")) {
     if (c.name != key) continue;
@@ -126,7 +127,7 @@ inline Said ReadSaid(const char* source, const std::string& key,
 }
 
 // Expects the message `key` (see ReadSaid) on the scripted UI.
-inline void ExpectSaid(ScriptedUi& ui, const char* source, const std::string& key,
+inline void ExpectSaid(ScriptedUi& ui, const std::string& source, const std::string& key,
                        Answer answer = Answer::kOk, const std::vector<std::string>& values = {}) {
   const Said said = ReadSaid(source, key, values);
   if (said.look == "-") {
