@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <utility>
 
 #include "app/app_state.h"
@@ -53,78 +54,37 @@ class TransListTest : public ReportTest {
   }
 };
 
-const Rows kIbm = {
-    "IBM|01/02/2024|Buy|100|1000|5|-",
-    "IBM|03/01/2024|Reinvestment|10|120|0|-",
-    "IBM|06/03/2024|Adjustment|0|-25.5|0|-",
-    "IBM|06/03/2024|Sell|-40|0|7|500",
-    "IBM|07/01/2024|Stock Split 1 for 2|60|0|0|-",
-    "IBM|08/01/2024|Stock Div. 1 per 10|1|0|0|-",
-};
-const std::string kMsft = "MSFT|12/31/2024|Buy|5|2000|0|-";
-const Rows kAllPorts = {"Bonds", "Growth", "Income"};
-const Rows kAllSecs = {"Bonds|VBTLX Corp|VBTLX", "Growth|IBM Corp|IBM", "Growth|MSFT Corp|MSFT"};
-
-// Each scope and range lists its portfolios (even one without securities),
-// their securities, and the transactions with both bounds included, per
-// security in the order the Basis Analysis applies them (a day's
-// adjustment before its sale).
-// Run twice, the tables hold one run.
-struct ScopeCase {
-  const char *name, *port, *sec, *begin, *end;
-  Rows ports, secs, trans;
-  const char* type;
-};
-
-class TransListScopeTest : public TransListTest, public ::testing::WithParamInterface<ScopeCase> {};
+// Each scope and range (golden/scopes.txt) lists its portfolios (even one
+// without securities), their securities, and the transactions with both
+// bounds included, per security in the order the Basis Analysis applies
+// them (a day's adjustment before its sale). Run twice, the tables hold one
+// run.
+class TransListScopeTest : public TransListTest,
+                           public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(TransListScopeTest, CalcTransListRpt_FillsScope) {
-  const ScopeCase& c = GetParam();
+  std::istringstream args(GetParam().Lines("").at(0));
+  std::string port, sec, begin, end, type;
+  args >> port >> sec >> begin >> end >> type;
   for (int run = 0; run < 2; ++run) {
-    ASSERT_TRUE(CalcTransListRpt(*app_, c.port, c.sec, D(c.begin), D(c.end)));
+    ASSERT_TRUE(CalcTransListRpt(*app_, port, sec, D(begin.c_str()), D(end.c_str())));
   }
-  EXPECT_EQ(ReportRows(R"(SELECT "Port Name" FROM "TL Port" ORDER BY rowid)"), c.ports);
+  EXPECT_EQ(ReportRows(R"(SELECT "Port Name" FROM "TL Port" ORDER BY rowid)"),
+            GetParam().Lines("ports"));
   EXPECT_EQ(
       ReportRows(R"(SELECT "Port Name", "Sec Name", "Sec Symbol" FROM "TL Sec" ORDER BY rowid)"),
-      c.secs);
-  EXPECT_EQ(Trans(), c.trans);
+      GetParam().Lines("secs"));
+  EXPECT_EQ(Trans(), GetParam().Lines("trans"));
   EXPECT_EQ(ReportRows(R"(SELECT * FROM "TL Info")"),
-            Rows{std::string("John Doe|DOE01|John Doe & Jane Doe|") + D(c.begin).ToIso() + "|" +
-                 D(c.end).ToIso() + "|" + c.type});
+            Rows{"John Doe|DOE01|John Doe & Jane Doe|" + D(begin.c_str()).ToIso() + "|" +
+                 D(end.c_str()).ToIso() + "|" + type});
   EXPECT_EQ(Count("Usage"), "1");
   EXPECT_EQ(Report()->IntegrityCheck(), "ok");
 }
 
-Rows Growth() {
-  Rows growth = kIbm;
-  growth.push_back(kMsft);
-  return growth;
-}
-Rows All() {
-  Rows all = Growth();
-  all.insert(all.begin(), "VBTLX|01/01/2024|Buy|50|500|0|-");
-  return all;
-}
-
-const Rows kNone;
-const Rows kGrowthPort = {"Growth"};
-const Rows kGrowthSecs = {kAllSecs[1], kAllSecs[2]};
-const Rows kMsftSec = {kAllSecs[2]};
-const Rows kOnBounds = {kIbm[2], kIbm[3], kIbm[4]};
-
-INSTANTIATE_TEST_SUITE_P(
-    Scopes, TransListScopeTest,
-    ::testing::Values(ScopeCase{"Taxpayer", "*", "*", "01/01/1900", "12/31/9999", kAllPorts,
-                                kAllSecs, All(), "Taxpayer"},
-                      ScopeCase{"Portfolio", "Growth", "*", "01/01/1900", "12/31/9999", kGrowthPort,
-                                kGrowthSecs, Growth(), "Portfolio"},
-                      ScopeCase{"Security", "Growth", "MSFT", "01/01/1900", "12/31/9999",
-                                kGrowthPort, kMsftSec, Rows{kMsft}, "Security"},
-                      ScopeCase{"BoundsIncluded", "*", "*", "06/03/2024", "07/01/2024", kAllPorts,
-                                kAllSecs, kOnBounds, "Taxpayer"},
-                      ScopeCase{"PortfolioWithoutSecurities", "Income", "*", "01/01/1900",
-                                "12/31/9999", Rows{"Income"}, kNone, kNone, "Portfolio"}),
-    [](const ::testing::TestParamInfo<ScopeCase>& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Scopes, TransListScopeTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "scopes.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The run is refused, touching no table, for a bad range (both texts
 // checked and named), then for a scope above the open state.
