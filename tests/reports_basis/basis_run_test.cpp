@@ -74,7 +74,7 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_PortfolioScope_OnlyItsSecurities) {
   app_->current.port_name = "Growth";
   ASSERT_TRUE(Run(BasisKind::kBasis, "12/31/2025", ReportScope::kPortfolio));
   EXPECT_EQ(SecsRows(), Rows{"BBB|BBB Corp|FIFO|10|100|10"});
-  EXPECT_EQ(ReportRows(R"(SELECT "Type" FROM "BA Info")", {{'t', "Type"}}), Rows{"Portfolio"});
+  EXPECT_EQ(ReportRows(R"(SELECT "Type" FROM "BA Info")", "t:Type"), Rows{"Portfolio"});
 }
 
 // Nothing to report fails the run with the "No Securities" text of its
@@ -135,12 +135,7 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_TwoRuns_OneHeading) {
   EXPECT_EQ(CountReportRows("BA Trans"), 2);
   EXPECT_EQ(SchedDRows().size(), 1u);
   EXPECT_EQ(ReportRows(R"(SELECT * FROM "BA Info")",
-                       {{'t', "Client Name"},
-                        {'t', "Client Code"},
-                        {'t', "2nd Line"},
-                        {'d', "Year End"},
-                        {'t', "Type"}},
-                       "|"),
+                       "t:Client Name,t:Client Code,t:2nd Line,d:Year End,t:Type", "|"),
             Rows{"John Doe|DOE01|John Doe Trust|12/31/2025|Security"});
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -15,6 +16,10 @@
 #include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
+
+// The report messages are in reports_basis/golden/messages.txt.
+inline const std::string kReportsSource =
+    std::filesystem::path(__FILE__).parent_path().parent_path() / "reports_basis" / "x.cpp";
 
 // A report database filled with plain SQL, as the report procedures leave
 // it, and the definitions of the program folder.
