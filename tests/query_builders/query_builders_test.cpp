@@ -185,17 +185,6 @@ TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
   EXPECT_EQ(CountClientRows("Blocks"), 0);
 }
 
-// A portfolio name is matched whole and without regard to case: "%" and
-// "_" in it are plain characters.
-TEST_F(QueryBuildersTest, PortQueries_WildcardCharacters_MatchLiterally) {
-  AddSecurity("100%_Fund", "ZZ");
-  AddSecurity("100%_Fund", "AA");
-  AddSecurity("100xyFund", "MM");
-  EXPECT_EQ(Column(*app_->client, Query_GetPort("100%_fund"), "Port Name"), Lines{"100%_Fund"});
-  EXPECT_EQ(Column(*app_->client, Query_SecsInPort("100%_FUND"), "Sec Symbol"),
-            (Lines{"AA", "ZZ"}));
-}
-
 // Blocks come oldest first, then by block id; the dated form keeps to its
 // date and security; the deletes touch only the named row.
 TEST_F(QueryBuildersTest, BlockQueries_OrderAndScope) {
