@@ -47,31 +47,12 @@ TEST_F(ReportTest, RenderReport_GroupNearPageEnd_Placed) {
   }
 }
 
-// Cells: text wraps inside its column and the row grows; an amount never
+// Cells (golden/cells.rpt): text wraps inside its column and the row grows; an amount never
 // wraps; a "|" in a value stays text; nested rows bind their parent's
 // columns.
 TEST_F(ReportTest, RenderReport_CellsWrapAndNest) {
-  Sql(R"(INSERT INTO "TL Port" VALUES ('A|B'))");
-  Sql(R"(INSERT INTO "TL Sec" VALUES ('A|B', 'A very long security name that cannot fit', 'X', 1))");
-  Sql(R"(INSERT INTO "TL Sec" VALUES ('Other', 'Not under A|B', 'Y', 2))");
-  WriteDefinition("CELLS.RPT", R"(@report
-margins: 36 36 36 36
-@columns c
-name 60 left Name
-amount 20 right Amount
-@query ports
-SELECT "Port Name" FROM "TL Port"
-@query secs in ports
-SELECT "Sec Name", 1234567.5 AS "Amount:shares" FROM "TL Sec" WHERE "Port Name" = :Port_Name
-@body
-{{#ports}}
-text {{Port Name}}
-{{#secs}}
-row c {{Sec Name}}|{{Amount}}
-{{/secs}}
-text after
-{{/ports}}
-)");
+  Fill("cells.sql");
+  WriteDefinition("CELLS.RPT", ReadText(GoldenPath(__FILE__, "cells.rpt")));
   ReportDocument document = Render("CELLS.RPT");
   const ReportPage& page = document.pages.at(0);
   std::string name;

@@ -28,16 +28,14 @@ class ListingTest : public ReportTest {
     OpenFreshCentral();
     OpenFreshTaxpayer();
     app_->client->Execute(R"(UPDATE "Client" SET "2nd Line" = '& Jane Doe ')");
-    std::string cusip = "459200101";
-    ASSERT_TRUE(NewPort(*app_, "Growth", "Main account"));
-    ASSERT_TRUE(AddSec(*app_, "IBM", "IBM Corp", cusip, "Blue chip", "Growth"));
-    cusip = kNoCusip;
-    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Growth"));
-    ASSERT_TRUE(NewPort(*app_, "Income", ""));
-    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Income"));
+    Portfolio("Growth", "Main account ");
+    Portfolio("Income");
+    SecurityName("IBM", "IBM Corp", "459200101");
+    SecurityName("MSFT", "MSFT Corp");
+    Security("IBM", "Growth", "Blue chip ");
+    SellMethod("IBM", 1);
+    for (const char* port : {"Growth", "Income"}) Security("MSFT", port);
     Security("GHOST", "Income");
-    app_->client->Execute(
-        R"(UPDATE "Sell Method" SET "Sell Method" = 1 WHERE "Sec Symbol" = 'IBM')");
     WriteTaxpayerFile("ZED0301.mdb", "ZED03", "Zed Able");
     Database::Open(app_->taxpayer_folder + "ZED0301.mdb")
         ->Execute(R"(UPDATE "Client" SET "2nd Line" = 'Trust ')");

@@ -21,8 +21,10 @@ namespace {
 using testing::AppTest;
 using testing::FatalMessage;
 using testing::GoldenCase;
+using testing::GoldenPath;
 using testing::Lines;
 using testing::ReadCases;
+using testing::ReadText;
 using testing::Rows;
 
 // The help bar's text at each step of the chain (golden/steps.txt).
@@ -134,14 +136,7 @@ class OldTaxpayerFileTest : public AppTest {
     OpenFreshTaxpayer();
     SetVersion(*app_->client, version);
     app_->client->DeleteSavedQuery("Total Shares Per Table");
-    // Zeta's IBM is the older row, so its method wins over Alpha's.
-    app_->client->ExecuteScript(R"(DROP TABLE "Sell Method";
-ALTER TABLE "Security" ADD COLUMN "Sell Method" INTEGER;
-INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('Zeta', ' '), ('Alpha', ' ');
-INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line", "Sell Method")
-  VALUES ('IBM', 'Zeta', ' ', 3), ('MSFT', 'Zeta', ' ', 0), ('IBM', 'Alpha', ' ', 1),
-         ('T', 'Alpha', ' ', NULL);
-INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (2, '01/02/1996-1', '1996-01-02');)");
+    app_->client->ExecuteScript(ReadText(GoldenPath(__FILE__, "old_file.sql")));
   }
 };
 
