@@ -152,28 +152,22 @@ TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
 
 // A refused run keeps the dialog open as the user left it, with the focus
 // on the field to correct.
-TEST_F(ReportDialogsTest, BasisView_BadYearEnd_StaysOpen) {
-  auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
+TEST_F(ReportDialogsTest, RefusedRun_StaysOpenFocusOnField) {
+  auto basis = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
     ExpectSaid(ui_, kReportsSource, "invalid_year_end");
     f.year_end = "13/45/2025";
     f.focus.clear();
     BasisOptions_View(*app_, f);
   });
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(form.focus, "dtYearEnd");
-}
-
-TEST_F(ReportDialogsTest, TransListView_EqualDates_FocusOnEndDate) {
-  auto form =
+  auto trans =
       Play<TransListOptionsForm>(ShowTransListingDialog, "dlgTransListOptions", [&](auto& f) {
         ui_.Expect("The Ending Date must be after the beginning date. Please correct this.",
                    "Please Correct!", Icon::kInformation, Buttons::kOk);
-        f.begin_date = "03/03/2025";
-        f.end_date = "03/03/2025";
+        f.begin_date = f.end_date = "03/03/2025";
         TransListOptions_Print(*app_, f);
       });
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(form.focus, "dtEndDate");
+  EXPECT_FALSE(basis.closed || trans.closed);
+  EXPECT_EQ(basis.focus + "|" + trans.focus, "dtYearEnd|dtEndDate");
 }
 
 // The dialogs that report on a taxpayer do not open without one.

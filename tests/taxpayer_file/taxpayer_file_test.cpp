@@ -189,61 +189,6 @@ TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-// VerifyNewModClient lists what is missing, name first; fills an empty sort
-// name from the name and an invalid year end with 1/1/1990 silently.
-TEST_F(TaxpayerTest, VerifyNewModClient_Cases) {
-  struct Case {
-    const char *label, *name, *sort, *code, *year_end;
-    std::string missing;  // the listed items; empty when accepted
-    const char* after;    // sort name and year end afterwards
-  };
-  const Case cases[] = {
-      {"SortFromName", "John Q Public", "", "PUB01", "06/30/2025", "", "Public, John Q|06/30/2025"},
-      {"CodeMissing", "Ann", "Ann", "", "12/31/2025", " - Taxpayer Code\r\n", "Ann|12/31/2025"},
-      {"InvalidYearEnd", "Ann", "Ann", "A1", "13/45/2020", "", "Ann|1/1/1990"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.label);
-    NewModClientForm form;
-    form.client_name = c.name;
-    form.sort_name = c.sort;
-    form.client_code = c.code;
-    form.year_end = c.year_end;
-    if (!c.missing.empty()) {
-      ExpectSaid(ui_, __FILE__, "incomplete", Answer::kOk, {c.missing});
-    }
-    EXPECT_EQ(VerifyNewModClient(*app_, form), c.missing.empty());
-    EXPECT_EQ(form.sort_name + "|" + form.year_end, c.after);
-  }
-}
-
-// The dialog's "Modify Taxpayer" mode starts from the current taxpayer's
-// second line and year end and saves through ModClientInfo; a caption that
-// names no mode is reported and nothing is done.
-TEST_F(TaxpayerTest, NewModClient_ModifyAndUnknownCaption) {
-  ASSERT_TRUE(
-      NewClient(*app_, "John Doe", "Doe, John", "DOE01", "c/o Trust", Date::FromYmd(1990, 1, 1)));
-  ui_.ExpectDialog("dlgNewModClient", [&](DialogForm& f) {
-    auto& form = static_cast<NewModClientForm&>(f);
-    EXPECT_EQ(form.opt_line + "|" + form.year_end, "c/o Trust |01/01/1990");
-    form.year_end = "12/31/2025";
-    PressOkNewModClient(*app_, form);
-    EXPECT_TRUE(form.accepted);
-  });
-  ShowNewModClient(*app_, "Modify Taxpayer", "John Doe", "Doe, John", "DOE01");
-  EXPECT_EQ(ui_.help_texts().back(), "Saving modifications to Client");
-  EXPECT_EQ(ClientRow("Doe73.mdb"), "John Doe|Doe, John|DOE01|c/o Trust |2025-12-31");
-
-  NewModClientForm form;
-  form.caption = "Delete Taxpayer";
-  form.client_name = "John Doe";
-  form.client_code = "DOE02";
-  ui_.Expect("dlgNewModClient has incorrect caption!", "Error", Icon::kCritical, Buttons::kOk);
-  NewModClient_OK(*app_, form);
-  EXPECT_FALSE(form.accepted);
-  EXPECT_EQ(CountCentralRows("Clients"), 1);
-}
-
 // A Taxpayer File that is no database, or a damaged one, reaches the user
 // as the error handler's message for it; the program stops only where that message says
 // so, and neither file gains a row.
