@@ -61,16 +61,16 @@ class BasisTest : public AppTest {
     Rows rows;
     while (q.Next()) {
       std::string line;
-      std::istringstream specs(columns);
-      for (std::string spec, sep; std::getline(specs, spec, ','); sep = separator) {
-        const char* name = spec.c_str() + 2;
+      std::istringstream list(columns);
+      for (std::string column, sep; std::getline(list, column, ','); sep = separator) {
+        const char* name = column.c_str() + 2;
         line += sep;
-        line += spec[0] == 'i'   ? std::to_string(q.Int(name))
-                : spec[0] == 'd' ? q.DateValue(name).ToString()
-                : spec[0] == 'n' ? NumberText(q.Double(name))
-                : spec[0] == 'm' ? q.Money(name).ToString()
-                : spec[0] == 'b' ? (q.Bool(name) ? "LT" : "ST")
-                                 : q.Text(name);
+        line += column[0] == 'i'   ? std::to_string(q.Int(name))
+                : column[0] == 'd' ? q.DateValue(name).ToString()
+                : column[0] == 'n' ? NumberText(q.Double(name))
+                : column[0] == 'm' ? q.Money(name).ToString()
+                : column[0] == 'b' ? (q.Bool(name) ? "LT" : "ST")
+                                   : q.Text(name);
       }
       rows.push_back(line);
     }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "reports/basis_walk.h"
 #include "reports/report_db.h"
@@ -12,6 +13,24 @@
 namespace lotwise::testing {
 namespace {
 
+// Answers dlgMethod for the security `symbol` with `method`, ticking "Use
+// for all" when asked; 255 cancels.
+void AnswerMethod(ScriptedUi& ui, Application& app, std::string symbol, int16_t method,
+                  bool for_all = false) {
+  ui.ExpectDialog("dlgMethod", [&app, symbol, method, for_all](DialogForm& f) {
+    auto& form = static_cast<MethodForm&>(f);
+    EXPECT_EQ(form.message_line, "Security: " + symbol);
+    EXPECT_EQ(form.option_caption, "Use for all Securities without Sells");
+    form.method = method;
+    form.option1 = for_all;
+    if (method == kSellNotSelected) {
+      Method_Cancel(app, form);
+    } else {
+      Method_OK(app, form);
+    }
+  });
+}
+
 // golden/ledgers.txt: each case a ledger and the report rows it must give.
 class LedgerTest : public BasisTest, public ::testing::WithParamInterface<GoldenCase> {};
 
@@ -19,6 +38,8 @@ TEST_P(LedgerTest, CalcBasisSchedDRpt_Golden) {
   int64_t sec = 0;
   std::vector<int64_t> blocks;
   std::string year_end = "12/31/2025";
+  BasisKind kind = BasisKind::kBoth;
+  ReportScope scope = ReportScope::kTaxpayer;
   for (const std::string& line : GetParam().Lines("")) {
     std::istringstream words(line);
     std::string op, a, b, c, d, e;
@@ -40,11 +61,18 @@ TEST_P(LedgerTest, CalcBasisSchedDRpt_Golden) {
       Adjust(block(), b.c_str(), std::stod(c), d.c_str());
     } else if (op == "yearend") {
       year_end = a;
+    } else if (op == "ask") {
+      AnswerMethod(ui_, *app_, a, static_cast<int16_t>(std::stoi(b)), c == "all");
+    } else if (op == "kind") {
+      kind = a == "basis" ? BasisKind::kBasis : BasisKind::kScheduleD;
+    } else if (op == "scope") {
+      app_->current.port_name = "Growth";
+      scope = ReportScope::kPortfolio;
     } else {
       FAIL() << "unknown step: " << line;
     }
   }
-  ASSERT_TRUE(Run(BasisKind::kBoth, year_end.c_str()));
+  ASSERT_TRUE(Run(kind, year_end.c_str(), scope));
   for (const GoldenSection& section : GetParam().sections) {
     const size_t bar = section.args.find('|');
     if (section.key == "trans") {
@@ -56,6 +84,8 @@ TEST_P(LedgerTest, CalcBasisSchedDRpt_Golden) {
       EXPECT_EQ(SchedDRows(), section.lines);
     } else if (section.key == "secs") {
       EXPECT_EQ(SecsRows(), section.lines);
+    } else if (section.key == "type") {
+      EXPECT_EQ(ReportRows(R"(SELECT "Type" FROM "BA Info")", "t:Type"), section.lines);
     } else if (section.key == "blocks") {
       EXPECT_EQ(CountReportRows("BA Blocks"), std::stoi(section.args));
     } else if (!section.key.empty()) {
