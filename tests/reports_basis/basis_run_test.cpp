@@ -12,52 +12,6 @@
 namespace lotwise::testing {
 namespace {
 
-// Nothing to report fails the run with the "No Securities" text of its
-// kind: one set when the file holds no security, another when none
-// qualified (never sold on a Schedule D run, or nothing by the year end).
-struct NoSecCase {
-  const char* name;
-  BasisKind kind;
-  int method;  // of the one security bought in 2026; 0 for an empty file
-  const char* message;
-  bool empty_portfolio = false;  // run on a portfolio holding none of it
-};
-
-class NoSecuritiesTest : public BasisTest, public ::testing::WithParamInterface<NoSecCase> {};
-
-TEST_P(NoSecuritiesTest, CalcBasisSchedDRpt_NothingToReport) {
-  const NoSecCase& c = GetParam();
-  if (c.method != 0) Buy(AddSecurity("IBM", c.method), "01/05/2026", 10, "100");
-  ReportScope scope = ReportScope::kTaxpayer;
-  if (c.empty_portfolio) {
-    Portfolio("Empty");
-    app_->current.port_name = "Empty";
-    scope = ReportScope::kPortfolio;
-  }
-  ExpectSaid(ui_, kReportsSource, c.message);
-  EXPECT_FALSE(Run(c.kind, "12/31/2025", scope));
-  ExpectNoWalkRows();
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, NoSecuritiesTest,
-    ::testing::Values(
-        NoSecCase{"EmptyFileScheduleD", BasisKind::kScheduleD, 0, "no_secs_file_sched_d"},
-        NoSecCase{"EmptyFileBasis", BasisKind::kBasis, 0, "no_secs_file_basis"},
-        NoSecCase{"EmptyFileBoth", BasisKind::kBoth, 0, "no_secs_file_both"},
-        NoSecCase{"EmptyPortfolioBasis", BasisKind::kBasis, kSellFifo, "no_secs_file_basis", true},
-        NoSecCase{"NeverSoldScheduleD", BasisKind::kScheduleD, -1, "no_secs_sold_sched_d"},
-        NoSecCase{"AfterYearEndBasis", BasisKind::kBasis, kSellFifo, "no_secs_basis"},
-        NoSecCase{"AfterYearEndBoth", BasisKind::kBoth, kSellFifo, "no_secs_both"}),
-    [](const auto& info) { return info.param.name; });
-
-TEST_F(BasisTest, CalcTransactions_UnknownMethod_InvalidSellMethod) {
-  Buy(AddSecurity("IBM", 7), "01/05/2024", 10, "100");
-  ui_.Expect("Invalid Sell Method(7) in CalcTransactions", "Error!", Icon::kCritical, Buttons::kOk);
-  EXPECT_FALSE(Run());
-  ExpectNoWalkRows();
-}
-
 // Each run empties the tables first: two runs leave one "Usage" and one
 // heading row, whose second line is joined to the name.
 TEST_F(BasisTest, CalcBasisSchedDRpt_TwoRuns_OneHeading) {

@@ -40,6 +40,7 @@ TEST_P(LedgerTest, CalcBasisSchedDRpt_Golden) {
   std::string year_end = "12/31/2025";
   BasisKind kind = BasisKind::kBoth;
   ReportScope scope = ReportScope::kTaxpayer;
+  bool refused = false;
   for (const std::string& line : GetParam().Lines("")) {
     std::istringstream words(line);
     std::string op, a, b, c, d, e;
@@ -66,13 +67,18 @@ TEST_P(LedgerTest, CalcBasisSchedDRpt_Golden) {
     } else if (op == "kind") {
       kind = a == "basis" ? BasisKind::kBasis : BasisKind::kScheduleD;
     } else if (op == "scope") {
-      app_->current.port_name = "Growth";
+      app_->current.port_name = a;
       scope = ReportScope::kPortfolio;
+    } else if (op == "say") {
+      ExpectSaid(ui_, kReportsSource, a);
+    } else if (op == "refused") {
+      refused = true;
     } else {
       FAIL() << "unknown step: " << line;
     }
   }
-  ASSERT_TRUE(Run(kind, year_end.c_str(), scope));
+  ASSERT_EQ(Run(kind, year_end.c_str(), scope), !refused);
+  if (refused) ExpectNoWalkRows();
   for (const GoldenSection& section : GetParam().sections) {
     const size_t bar = section.args.find('|');
     if (section.key == "trans") {
