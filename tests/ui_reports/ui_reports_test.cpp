@@ -185,20 +185,14 @@ TEST_F(UiReportsTest, BasisOptions_EnterMovesOnAndBadDateRefocuses) {
 // The viewer draws each page at 100 % (a point is 1/72 inch) and its pages
 // fill the window whatever its size.
 ReportDocument TwoPages() {
-  ReportDocument document;
-  document.title = "Test Report";
-  ReportPage page;
-  page.rules.push_back({72, 100, 540, 100, 2});
-  ReportText right;
-  right.x = 72;
-  right.y = 200;
-  right.width = 300;
-  right.text = "X";
-  right.align = ReportText::Align::kRight;
-  right.size = 20;
-  page.texts.push_back(right);
-  document.pages = {page, page};
-  return document;
+  const ReportPage page{{{.x = 72,
+                          .y = 200,
+                          .width = 300,
+                          .text = "X",
+                          .align = ReportText::Align::kRight,
+                          .size = 20}},
+                        {{72, 100, 540, 100, 2}}};
+  return {.title = "Test Report", .pages = {page, page}};
 }
 
 TEST_F(UiReportsTest, Viewer_FullSizePagesFollowWindow) {
