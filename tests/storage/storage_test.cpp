@@ -8,12 +8,8 @@
 #include "data/database.h"
 #include "storage/storage_fixture.h"
 
-namespace lotwise {
+namespace lotwise::testing {
 namespace {
-
-using testing::Lines;
-using testing::Rows;
-using testing::StorageTest;
 
 // Every SQLite failure the program handles by number reaches it with that
 // number and a text that names the problem (and the file, where the
@@ -221,4 +217,4 @@ INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest,
                          [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
-}  // namespace lotwise
+}  // namespace lotwise::testing

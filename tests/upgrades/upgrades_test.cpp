@@ -15,17 +15,8 @@
 #include "support/app_fixture.h"
 #include "support/tests_a_helpers.h"
 
-namespace lotwise {
+namespace lotwise::testing {
 namespace {
-
-using testing::AppTest;
-using testing::FatalMessage;
-using testing::GoldenCase;
-using testing::GoldenPath;
-using testing::Lines;
-using testing::ReadCases;
-using testing::ReadText;
-using testing::Rows;
 
 // The help bar's text at each step of the chain (golden/steps.txt).
 const std::vector<GoldenCase> kSteps = ReadCases(__FILE__, "steps.txt");
@@ -254,4 +245,4 @@ TEST_F(AppTest, ClientTo96_12_AddsOnlyMissingQueries) {
 }
 
 }  // namespace
-}  // namespace lotwise
+}  // namespace lotwise::testing
