@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "data/database.h"
+#include "support/tests_a_helpers.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {
@@ -170,12 +171,7 @@ TEST_F(QueryBuildersTest, GetClientCDBSorted_EachKey_SortsWithoutCase) {
 TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
   for (const char* table : {"Lots", "", R"(Blocks"; DROP TABLE "Buy)"}) {
     SCOPED_TRACE(table);
-    try {
-      Query_ClearTable(table);
-      ADD_FAILURE() << "accepted";
-    } catch (const LwError& e) {
-      EXPECT_EQ(e.number(), err::kObjectNotFound);
-    }
+    EXPECT_EQ(ErrorOf([&] { Query_ClearTable(table); }).substr(0, 5), "3011:");
     EXPECT_THROW(Query_DeleteTrans(table, 1), LwError);
     EXPECT_THROW(Query_GetTransaction(table, 1), LwError);
   }

@@ -7,6 +7,7 @@
 
 #include "data/database.h"
 #include "storage/storage_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -84,13 +85,9 @@ TEST_P(MappingTest, Failure_ReachesHandledNumber) {
   const MappingCase& c = GetParam();
   const std::string path =
       c.from_template ? CopyTemplate("x.mdb") : app_->taxpayer_folder + "x.mdb";
-  try {
-    c.provoke(path);
-    FAIL() << "no error";
-  } catch (const LwError& e) {
-    EXPECT_EQ(e.number(), c.number);
-    EXPECT_EQ(e.text(), fmt::format(fmt::runtime(c.text), fmt::arg("path", path)));
-  }
+  EXPECT_EQ(
+      ErrorOf([&] { c.provoke(path); }),
+      std::to_string(c.number) + ": " + fmt::format(fmt::runtime(c.text), fmt::arg("path", path)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sqlite, MappingTest, ::testing::ValuesIn(kMappings),
@@ -123,15 +120,12 @@ TEST_F(StorageTest, Transaction_OnlyCommittedUnitsKeepRows) {
     outer.Commit();
   }
   faults.FailWriteNumber(3);
-  try {
-    Database::Transaction unit(*db);
-    for (const char* name : {"A", "B", "C", "D", "E"}) AddPortfolio(*db, name);
-    unit.Commit();
-    ADD_FAILURE() << "no error";
-  } catch (const LwError& e) {
-    EXPECT_EQ(e.number(), err::kSqliteBase + 10);
-    EXPECT_EQ(e.text(), "disk I/O error (injected)");
-  }
+  EXPECT_EQ(ErrorOf([&] {
+              Database::Transaction unit(*db);
+              for (const char* name : {"A", "B", "C", "D", "E"}) AddPortfolio(*db, name);
+              unit.Commit();
+            }),
+            "31010: disk I/O error (injected)");
   const char* names = R"(SELECT "Port Name" FROM "Portfolio" ORDER BY "Port Name")";
   EXPECT_EQ(Rows(db->Select(names)), (Lines{"Kept", "Outer"}));
   EXPECT_EQ(db->IntegrityCheck(), "ok");
@@ -191,13 +185,7 @@ TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
       StorageFaults faults;
       auto db = Database::Open(path, Database::Mode::kShared, &faults);
       (faults.*fault.arm)(n);
-      try {
-        WriteUnit(*db);
-        ADD_FAILURE() << "the commit did not fail";
-      } catch (const LwError& e) {
-        EXPECT_EQ(e.number(), err::kSqliteBase + 10);
-        EXPECT_EQ(e.text(), "disk I/O error");
-      }
+      EXPECT_EQ(ErrorOf([&] { WriteUnit(*db); }), "31010: disk I/O error");
     }
     auto reopened = Database::Open(path);
     EXPECT_EQ(Count(*reopened, "Portfolio"), 1);
