@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -213,77 +214,40 @@ TEST_F(PortfolioTest, WriteLocked_WarnsAndCarriesOn) {
 // modify need the user's OK for a name or CUSIP of another security, never
 // for the security's own nor for "NO CUSIP"; an empty CUSIP is stored as
 // "NO CUSIP". The database's own refusal of a duplicate (another user was
-// quicker, here through a unique CUSIP index) arrives as "Symbol in use!".
-struct SecCase {
-  const char* label;
-  bool modify;
-  std::string symbol, name, cusip;
-  std::vector<std::pair<const char*, Answer>> messages;
-  bool done;
-  std::string stored;  // "name|cusip" of the symbol afterwards, "-" for none
-  bool unique_cusips = false;
-};
-
-const std::pair<const char*, Answer> kNameNo{"name_shared", Answer::kCancel},
-    kNameOk{"name_shared", Answer::kOk}, kCusipNo{"cusip_shared", Answer::kCancel},
-    kCusipOk{"cusip_shared", Answer::kOk};
-const SecCase kSecCases[] = {
-    {"AddNew", false, "MSFT", "Microsoft", "594918104", {}, true, "Microsoft|594918104"},
-    {"AddExistingSymbolOtherCase", false, "ibm", "Other", "1", {{"symbol_exists", {}}}, false, "-"},
-    {"AddSharedNameDeclined", false, "IBX", "big blue", "1", {kNameNo}, false, "-"},
-    {"AddSharedNameAccepted", false, "IBX", "Big Blue", "1", {kNameOk}, true, "Big Blue|1"},
-    {"AddSharedCusipDeclined", false, "IBX", "Other", "459200101", {kCusipNo}, false, "-"},
-    {"AddNoCusipNeverShared", false, "NC2", "Second", kNoCusip, {}, true, "Second|NO CUSIP"},
-    {"AddEmptyCusipBecomesNoCusip", false, "NC3", "Third", "", {}, true, "Third|NO CUSIP"},
-    {"AddKeyInUse",
-     false,
-     "DUP",
-     "Dup",
-     "459200101",
-     {kCusipOk, {"add_in_use", {}}},
-     false,
-     "-",
-     true},
-    {"ModOwnNameAndCusip", true, "IBM", "Big Blue", "459200101", {}, true, "Big Blue|459200101"},
-    {"ModOtherNameDeclined", true, "NOC", "Big Blue", kNoCusip, {kNameNo}, false, "Fund|NO CUSIP"},
-    {"ModOtherCusipAccepted", true, "NOC", "Fund", "459200101", {kCusipOk}, true, "Fund|459200101"},
-    {"ModUnknownSymbol", true, "XYZ", "Nothing", "1", {{"sec_not_found", {}}}, false, "-"},
-    {"ModKeyInUse",
-     true,
-     "NOC",
-     "Fund",
-     "459200101",
-     {kCusipOk, {"mod_in_use", {}}},
-     false,
-     "Fund|NO CUSIP",
-     true},
-};
-
-// A central file holding IBM, with a CUSIP, and NOC, without one.
-class SecInCDBTest : public TaxpayerTest, public ::testing::WithParamInterface<SecCase> {};
+// quicker) arrives as "Symbol in use!". Cases: golden/central_securities.txt.
+class SecInCDBTest : public TaxpayerTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(SecInCDBTest, AddModSecInCDB_Checks) {
-  const SecCase& c = GetParam();
+  const std::vector<std::string> lines = GetParam().Lines("");
+  std::istringstream fields(lines.at(0));
+  std::string op, symbol, name, cusip, done, stored;
+  for (std::string* field : {&op, &symbol, &name, &cusip, &done}) std::getline(fields, *field, '|');
+  std::getline(fields, stored);
   SecurityName("IBM", "Big Blue", "459200101");
   SecurityName("NOC", "Fund", kNoCusip);
-  if (c.unique_cusips) {
+  if (op.ends_with('!')) {
     app_->central->Execute(R"(CREATE UNIQUE INDEX "Unique CUSIP" ON "Securities" ("CUSIP"))");
   }
-  for (const auto& [key, answer] : c.messages) ExpectSaid(ui_, __FILE__, key, answer);
-  std::string cusip = c.cusip;
-  EXPECT_EQ(c.modify ? ModSecInCDB(*app_, c.symbol, c.name, cusip)
-                     : AddSecToCDB(*app_, c.symbol, c.name, cusip),
-            c.done);
+  for (size_t i = 1; i < lines.size(); ++i) {
+    std::istringstream words(lines[i]);
+    std::string say, key, answer;
+    words >> say >> key >> answer;
+    ExpectSaid(ui_, __FILE__, key, answer == "cancel" ? Answer::kCancel : Answer::kOk);
+  }
+  EXPECT_EQ(op[0] == 'm' ? ModSecInCDB(*app_, symbol, name, cusip)
+                         : AddSecToCDB(*app_, symbol, name, cusip),
+            done == "yes");
   Query q = app_->central->Select(
       R"(SELECT "Sec Name", "CUSIP" FROM "Securities" WHERE "Sec Symbol" = :s COLLATE BINARY)",
-      {{"s", c.symbol}});
-  EXPECT_EQ(q.Next() ? q.Text("Sec Name") + "|" + q.Text("CUSIP") : "-", c.stored);
-  EXPECT_EQ(CountCentralRows("Securities"), c.done && !c.modify ? 3 : 2);
+      {{"s", symbol}});
+  EXPECT_EQ(q.Next() ? q.Text("Sec Name") + "|" + q.Text("CUSIP") : "-", stored);
+  EXPECT_EQ(CountCentralRows("Securities"), done == "yes" && op[0] == 'a' ? 3 : 2);
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Cases, SecInCDBTest, ::testing::ValuesIn(kSecCases),
-                         [](const auto& info) { return std::string(info.param.label); });
+INSTANTIATE_TEST_SUITE_P(Cases, SecInCDBTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "central_securities.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The start counter: a file that has never counted reads 0, an empty table
 // starts at 1, and a NULL count counts as 0.
