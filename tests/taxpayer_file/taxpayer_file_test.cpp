@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -123,45 +124,36 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
 
 // ModClientInfo changes both files or neither. The sort-name question comes
 // only with a new code, and only a Cancel on the taxpayer's own row stops.
-using Step = std::pair<const char*, Answer>;  // message key, answer
-const Step kSortOk{"mod_sort_shared", Answer::kOk}, kSortNo{"mod_sort_shared", Answer::kCancel},
-    kCodeInUse{"code_in_use", Answer::kOk};
-
-struct ModCase {
-  const char* label;
-  std::string code, sort;
-  std::vector<Step> messages;
-  bool changed;
-};
-
-class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<ModCase> {};
+// Cases: golden/mod_client.txt.
+class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
-  const ModCase& c = GetParam();
+  const std::vector<std::string> lines = GetParam().Lines("");
+  std::istringstream fields(lines.at(0));
+  std::string code, sort, changed_text;
+  for (std::string* field : {&code, &sort, &changed_text}) std::getline(fields, *field, '|');
+  const bool changed = changed_text == "yes";
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   TaxpayerIndex("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
-  for (const auto& [key, answer] : c.messages) ExpectSaid(ui_, __FILE__, key, answer, {c.code});
-  EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", c.sort, c.code, "Trust", Date::FromYmd(2026, 6, 30)),
-            c.changed);
-  const std::string row =
-      c.changed ? "Johnny Doe|" + c.sort + "|" + c.code : "John Doe|Doe, John|DOE01";
-  EXPECT_EQ(CentralRow(c.changed ? c.code : "DOE01"), row + "|Doe73.mdb");
-  EXPECT_EQ(ClientRow("Doe73.mdb"), row + (c.changed ? "|Trust |2026-06-30" : "| |2025-12-31"));
+  for (size_t i = 1; i < lines.size(); ++i) {
+    std::istringstream words(lines[i]);
+    std::string say, key, answer;
+    words >> say >> key >> answer;
+    ExpectSaid(ui_, __FILE__, key, answer == "cancel" ? Answer::kCancel : Answer::kOk, {code});
+  }
+  EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", sort, code, "Trust", Date::FromYmd(2026, 6, 30)),
+            changed);
+  const std::string row = changed ? "Johnny Doe|" + sort + "|" + code : "John Doe|Doe, John|DOE01";
+  EXPECT_EQ(CentralRow(changed ? code : "DOE01"), row + "|Doe73.mdb");
+  EXPECT_EQ(ClientRow("Doe73.mdb"), row + (changed ? "|Trust |2026-06-30" : "| |2025-12-31"));
   EXPECT_EQ(app_->current.client_name + "|" + app_->current.client_code,
-            c.changed ? "Johnny Doe|" + c.code : "John Doe|DOE01");
+            changed ? "Johnny Doe|" + code : "John Doe|DOE01");
   EXPECT_EQ(CountCentralRows("Clients"), 2);
 }
 
-const ModCase kModCases[] = {
-    {"AllFields", "DOE02", "Doe, Johnny", {}, true},
-    {"CodeOfOther", "smi01", "Doe, John", {kSortOk, kCodeInUse}, false},
-    {"CaseOnly", "doe01", "Doe, John", {kCodeInUse}, false},
-    {"OtherSortCancelGoesOn", "DOE02", "Smith, Ann", {kSortNo}, true},
-    {"OwnSortCancelStops", "DOE02", "Doe, John", {kSortNo}, false},
-    {"SameCodeAsksNothing", "DOE01", "Smith, Ann", {}, true},
-};
-INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest, ::testing::ValuesIn(kModCases),
-                         [](const auto& info) { return std::string(info.param.label); });
+INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "mod_client.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // DelTaxpayer removes file and index row after a Yes only, also when the
 // file is already gone; an unindexed code is reported.
