@@ -225,24 +225,16 @@ TEST_F(ReportDialogsTest, ShowHelp_OpensManualPages) {
 // Every link of the shipped manual leads to a page that exists and, where
 // it names one, to an anchor on that page.
 TEST(ShippedManual, LinksResolve) {
-  // A relative source path is relative to the build folder, which holds
-  // this program's folder.
-  fs::path source(__FILE__);
-  if (source.is_relative()) {
-    source = fs::read_symlink("/proc/self/exe").parent_path().parent_path() / source;
-  }
-  const fs::path folder = source.parent_path() / "../../src/ui/help";
+  // The manual's sources, from this folder's golden files up to the root.
+  const fs::path folder = fs::path(GoldenPath(__FILE__, "")).parent_path() / "../../../src/ui/help";
   ASSERT_TRUE(fs::exists(folder / "index.html"));
   ASSERT_TRUE(fs::exists(folder / kHelpOnHelpPage));
   std::map<std::string, std::set<std::string>> anchors;
   std::map<std::string, std::string> pages;
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() != ".html") continue;
-    std::ifstream in(entry.path());
-    std::stringstream text;
-    text << in.rdbuf();
     const std::string name = entry.path().filename().string();
-    pages[name] = text.str();
+    pages[name] = ReadText(entry.path().string());
     const std::regex id_pattern(R"re((?:id|name)="([^"]+)")re");
     for (std::sregex_iterator it(pages[name].begin(), pages[name].end(), id_pattern), end;
          it != end; ++it) {
