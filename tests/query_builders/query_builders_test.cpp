@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "data/database.h"
+#include "support/tests_a_helpers.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {
@@ -83,32 +84,23 @@ TEST_F(QueryBuildersTest, TransInBlock_Kinds_DateThenPrecSort) {
   InsertBuy(neighbour, "01/02/2024", 10, "999");
   InsertSell(neighbour, "03/01/2024", "1");
 
+  // golden/trans_in_block.txt: the columns, the rows of all kinds (money in
+  // ten-thousandths), then each kind's listing and the neighbour's.
   Query all = Select(*app_->client, Query_TransInBlock(block, TransKind::kAll));
-  Lines columns;
-  for (int i = 0; i < all.ColumnCount(); ++i) columns.push_back(all.ColumnName(i));
-  EXPECT_EQ(columns, (Lines{"Date", "Transaction", "Cost", "Sale Price", "Shares", "Fee", "Notes",
-                            "Unique ID", "Prec Sort"}));
-  // Money in ten-thousandths.
-  EXPECT_EQ(Rows(std::move(all)), (Lines{"2024-01-02|Buy|10000000|0|100.0|15000|n|2|10",
-                                         "2024-02-01|Sell|0|2000000|-10.0|20000|s|2|40",
-                                         "2024-03-01|Reinvestment|500000|0|100.0|15000|n|1|20",
-                                         "2024-03-01|Adjustment|70000|0|1.0|0|a|1|30",
-                                         "2024-03-01|Sell|0|3000000|-10.0|20000|s|1|40",
-                                         "2024-03-01|Stock Div. (0.05 per 1)|0|0|5.0|0|x|2|50",
-                                         "2024-03-01|Stock Split (1 to 2)|0|0|5.0|0|x|1|60"}));
-
-  const std::pair<TransKind, Lines> kinds[] = {
-      {TransKind::kBuy, {"01/02/2024 Buy"}},
-      {TransKind::kReinvestment, {"03/01/2024 Reinvestment"}},
-      {TransKind::kSell, {"02/01/2024 Sell", "03/01/2024 Sell"}},
-      {TransKind::kStockSplit, {"03/01/2024 Stock Split (1 to 2)"}},
-      {TransKind::kStockDividend, {"03/01/2024 Stock Div. (0.05 per 1)"}},
-      {TransKind::kAdjustment, {"03/01/2024 Adjustment"}}};
-  for (const auto& [kind, listed] : kinds) {
-    EXPECT_EQ(Listing(block, kind), listed) << static_cast<int>(kind);
+  std::string text;
+  for (int i = 0; i < all.ColumnCount(); ++i) text += all.ColumnName(i) + "|";
+  for (const std::string& row : Rows(std::move(all))) text += "\n" + row;
+  for (TransKind kind :
+       {TransKind::kBuy, TransKind::kReinvestment, TransKind::kSell, TransKind::kStockSplit,
+        TransKind::kStockDividend, TransKind::kAdjustment}) {
+    text += "\n" + std::to_string(static_cast<int>(kind)) + ":";
+    for (const std::string& line : Listing(block, kind)) text += " " + line + ";";
   }
-  EXPECT_EQ(Listing(neighbour, TransKind::kAll), (Lines{"01/02/2024 Buy", "03/01/2024 Sell"}));
-  EXPECT_EQ(Listing(neighbour, TransKind::kAdjustment), Lines{});
+  for (TransKind kind : {TransKind::kAll, TransKind::kAdjustment}) {
+    text += "\nneighbour " + std::to_string(static_cast<int>(kind)) + ":";
+    for (const std::string& line : Listing(neighbour, kind)) text += " " + line + ";";
+  }
+  ExpectGolden(__FILE__, "trans_in_block.txt", text + "\n");
 }
 
 // The database builds the split and dividend texts from the stored ratios,
@@ -170,12 +162,7 @@ TEST_F(QueryBuildersTest, GetClientCDBSorted_EachKey_SortsWithoutCase) {
 TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
   for (const char* table : {"Lots", "", R"(Blocks"; DROP TABLE "Buy)"}) {
     SCOPED_TRACE(table);
-    try {
-      Query_ClearTable(table);
-      ADD_FAILURE() << "accepted";
-    } catch (const LwError& e) {
-      EXPECT_EQ(e.number(), err::kObjectNotFound);
-    }
+    EXPECT_EQ(ErrorOf([&] { Query_ClearTable(table); }).substr(0, 5), "3011:");
     EXPECT_THROW(Query_DeleteTrans(table, 1), LwError);
     EXPECT_THROW(Query_GetTransaction(table, 1), LwError);
   }
@@ -183,17 +170,6 @@ TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
   InsertBlock("01/03/2024-1", "01/03/2024");
   Execute(*app_->client, Query_ClearTable("Blocks"));
   EXPECT_EQ(CountClientRows("Blocks"), 0);
-}
-
-// A portfolio name is matched whole and without regard to case: "%" and
-// "_" in it are plain characters.
-TEST_F(QueryBuildersTest, PortQueries_WildcardCharacters_MatchLiterally) {
-  AddSecurity("100%_Fund", "ZZ");
-  AddSecurity("100%_Fund", "AA");
-  AddSecurity("100xyFund", "MM");
-  EXPECT_EQ(Column(*app_->client, Query_GetPort("100%_fund"), "Port Name"), Lines{"100%_Fund"});
-  EXPECT_EQ(Column(*app_->client, Query_SecsInPort("100%_FUND"), "Sec Symbol"),
-            (Lines{"AA", "ZZ"}));
 }
 
 // Blocks come oldest first, then by block id; the dated form keeps to its

@@ -18,33 +18,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const char* const kExportQuestion =
-    "This program can create a file that can be used to export the Schedule D information from the "
-    "Lotwise into the better tax software programs. We recommend choosing Detailed as the Report "
-    "Type in the Schedule D Options screen.\r\n\r\nDo you want to create a Schedule D export "
-    "file?";
-
-bool HasLine(const std::string& text, const std::string& line) {
-  std::istringstream in(text);
-  for (std::string each; std::getline(in, each);) {
-    if (each == line) return true;
-  }
-  return false;
-}
-
-// "title", then "/Detail" or "/Summary" and "/No0" as the report's heading
-// says: which report definition produced the document.
-Rows Described(const std::vector<ReportDocument>& documents) {
-  Rows rows;
+// Each document's title, then its text: which reports ran, from which
+// definitions and over which figures.
+std::string Documents(const std::vector<ReportDocument>& documents) {
+  std::string text;
   for (const ReportDocument& document : documents) {
-    const std::string text = document.PlainText();
-    std::string row = document.title;
-    if (HasLine(text, "Detail")) row += "/Detail";
-    if (HasLine(text, "Summary")) row += "/Summary";
-    if (HasLine(text, "Securities without shares at the year end are left out.")) row += "/No0";
-    rows.push_back(row);
+    text += "=== " + document.title + "\n" + document.PlainText();
   }
-  return rows;
+  return text;
 }
 
 // A taxpayer (year end 12/31/2025) holding IBM, partly sold, and MSFT, sold
@@ -110,7 +91,7 @@ TEST_F(ReportDialogsTest, LoadOptions_PrefsElseDefaults) {
 // choices as preferences and close the dialog.
 TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
   auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(kExportQuestion, "Schedule D Export File", Answer::kNo);
+    ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     EXPECT_EQ(f.caption, "Basis Analysis Options");
     EXPECT_EQ(f.year_end, "12/31/2025");
     f.include_sched_d = true;
@@ -118,12 +99,8 @@ TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
     BasisOptions_View(*app_, f);
   });
   EXPECT_TRUE(form.closed);
-  EXPECT_EQ(Described(ui_.reports_shown()),
-            (Rows{"Schedule D Attachment/Detail", "Basis Analysis Report/Detail/No0"}));
   // MSFT was sold out before the year end: the exclusion leaves it out.
-  const std::string basis = ui_.reports_shown().at(1).PlainText();
-  EXPECT_NE(basis.find("IBM"), std::string::npos);
-  EXPECT_EQ(basis.find("MSFT"), std::string::npos);
+  ExpectGolden(__FILE__, "basis_view.txt", Documents(ui_.reports_shown()));
   EXPECT_EQ(app_->prefs.basis_ye + "|" + app_->prefs.sch_d_fye, "12/31/2025|  /  /    ");
   EXPECT_TRUE(app_->prefs.remove_0_sec && app_->prefs.add_sch_d_rpt);
 }
@@ -131,7 +108,7 @@ TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
 TEST_F(ReportDialogsTest, SchedDPrint_SummaryWithElections) {
   app_->prefs.remove_0_sec = true;
   auto form = Play<BasisOptionsForm>(ShowScheduleDDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(kExportQuestion, "Schedule D Export File", Answer::kNo);
+    ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     f.year_end = "6/30/2025";
     f.report_type = BasisOptionsForm::kSummary;
     f.elections = true;
@@ -139,8 +116,7 @@ TEST_F(ReportDialogsTest, SchedDPrint_SummaryWithElections) {
   });
   EXPECT_TRUE(form.closed);
   EXPECT_TRUE(ui_.reports_shown().empty());
-  EXPECT_EQ(Described(ui_.reports_printed()),
-            (Rows{"Schedule D Elections", "Schedule D Attachment/Summary"}));
+  ExpectGolden(__FILE__, "sched_d_print.txt", Documents(ui_.reports_printed()));
   EXPECT_EQ(app_->prefs.sch_d_fye + "|" + app_->prefs.basis_ye, "06/30/2025|  /  /    ");
   EXPECT_TRUE(app_->prefs.remove_0_sec);  // a Schedule D run leaves the Basis choices alone
 }
@@ -153,11 +129,8 @@ TEST_F(ReportDialogsTest, TransListView_ScopeAndDates) {
         TransListOptions_View(*app_, f);
       });
   EXPECT_TRUE(form.closed);
-  ASSERT_EQ(Described(ui_.reports_shown()), Rows{"Transaction Listing Report"});
   // Only the 2025 sales fall in the range.
-  const std::string text = ui_.reports_shown()[0].PlainText();
-  EXPECT_NE(text.find("06/03/2025"), std::string::npos);
-  EXPECT_EQ(text.find("01/05/2024"), std::string::npos);
+  ExpectGolden(__FILE__, "trans_list_view.txt", Documents(ui_.reports_shown()));
   EXPECT_EQ(app_->prefs.xact_start + "-" + app_->prefs.xact_end, "01/01/2025-12/31/2025");
 }
 
@@ -172,38 +145,29 @@ TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
     SecListOptions_Print(*app_, f);
   });
   EXPECT_TRUE(client.closed && sec.closed);
-  EXPECT_EQ(Described(ui_.reports_shown()), Rows{"Taxpayer Listing Report"});
-  EXPECT_EQ(Described(ui_.reports_printed()), Rows{"Security Listing Report"});
+  ExpectGolden(__FILE__, "listings.txt",
+               Documents(ui_.reports_shown()) + Documents(ui_.reports_printed()));
   EXPECT_EQ(std::to_string(app_->prefs.client_order) + std::to_string(app_->prefs.sec_order), "01");
 }
 
 // A refused run keeps the dialog open as the user left it, with the focus
 // on the field to correct.
-TEST_F(ReportDialogsTest, BasisView_BadYearEnd_StaysOpen) {
-  auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
-    ui_.Expect(
-        "The Year End Date entered as 13/45/2025 is not valid.  Please re-enter the Year End Date. "
-        "If you are cancelling, click OK, and then click Cancel again.",
-        "Invalid Date", Icon::kExclamation, Buttons::kOk);
+TEST_F(ReportDialogsTest, RefusedRun_StaysOpenFocusOnField) {
+  auto basis = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
+    ExpectSaid(ui_, kReportsSource, "invalid_year_end");
     f.year_end = "13/45/2025";
     f.focus.clear();
     BasisOptions_View(*app_, f);
   });
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(form.focus, "dtYearEnd");
-}
-
-TEST_F(ReportDialogsTest, TransListView_EqualDates_FocusOnEndDate) {
-  auto form =
+  auto trans =
       Play<TransListOptionsForm>(ShowTransListingDialog, "dlgTransListOptions", [&](auto& f) {
         ui_.Expect("The Ending Date must be after the beginning date. Please correct this.",
                    "Please Correct!", Icon::kInformation, Buttons::kOk);
-        f.begin_date = "03/03/2025";
-        f.end_date = "03/03/2025";
+        f.begin_date = f.end_date = "03/03/2025";
         TransListOptions_Print(*app_, f);
       });
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(form.focus, "dtEndDate");
+  EXPECT_FALSE(basis.closed || trans.closed);
+  EXPECT_EQ(basis.focus + "|" + trans.focus, "dtYearEnd|dtEndDate");
 }
 
 // The dialogs that report on a taxpayer do not open without one.
@@ -261,24 +225,16 @@ TEST_F(ReportDialogsTest, ShowHelp_OpensManualPages) {
 // Every link of the shipped manual leads to a page that exists and, where
 // it names one, to an anchor on that page.
 TEST(ShippedManual, LinksResolve) {
-  // A relative source path is relative to the build folder, which holds
-  // this program's folder.
-  fs::path source(__FILE__);
-  if (source.is_relative()) {
-    source = fs::read_symlink("/proc/self/exe").parent_path().parent_path() / source;
-  }
-  const fs::path folder = source.parent_path() / "../../src/ui/help";
+  // The manual's sources, from this folder's golden files up to the root.
+  const fs::path folder = fs::path(GoldenPath(__FILE__, "")).parent_path() / "../../../src/ui/help";
   ASSERT_TRUE(fs::exists(folder / "index.html"));
   ASSERT_TRUE(fs::exists(folder / kHelpOnHelpPage));
   std::map<std::string, std::set<std::string>> anchors;
   std::map<std::string, std::string> pages;
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() != ".html") continue;
-    std::ifstream in(entry.path());
-    std::stringstream text;
-    text << in.rdbuf();
     const std::string name = entry.path().filename().string();
-    pages[name] = text.str();
+    pages[name] = ReadText(entry.path().string());
     const std::regex id_pattern(R"re((?:id|name)="([^"]+)")re");
     for (std::sregex_iterator it(pages[name].begin(), pages[name].end(), id_pattern), end;
          it != end; ++it) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,11 +14,15 @@
 #include "ground/number_text.h"
 #include "reports/basis_report.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 #include "support/values.h"
 
 namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
+
+// The report messages are in this folder's golden/messages.txt.
+inline const char* const kReportsSource = __FILE__;
 
 // A taxpayer with the portfolio "Growth", and helpers that run the
 // computation and read the report tables back as text rows.
@@ -47,38 +52,25 @@ class BasisTest : public AppTest {
   std::unique_ptr<Database> Report() { return Database::Open(app_->report_db_path); }
 
   // The rows of `sql` on the report database, each the named columns as
-  // text joined by `separator`; the kinds: i integer, t text, d date,
-  // n number, m money, b long/short term.
-  Rows ReportRows(const std::string& sql, const std::vector<std::pair<char, const char*>>& columns,
-                  const char* separator = " ", const Params& params = {}) {
+  // text joined by `separator`; `columns` is "kind:name,kind:name...", the
+  // kinds: i integer, t text, d date, n number, m money, b long/short term.
+  Rows ReportRows(const std::string& sql, const std::string& columns, const char* separator = " ",
+                  const Params& params = {}) {
     auto db = Report();
     Query q = db->Select(sql, params);
     Rows rows;
     while (q.Next()) {
       std::string line;
-      for (size_t i = 0; i < columns.size(); ++i) {
-        const auto& [kind, name] = columns[i];
-        if (i > 0) line += separator;
-        switch (kind) {
-          case 'i':
-            line += std::to_string(q.Int(name));
-            break;
-          case 'd':
-            line += q.DateValue(name).ToString();
-            break;
-          case 'n':
-            line += NumberText(q.Double(name));
-            break;
-          case 'm':
-            line += q.Money(name).ToString();
-            break;
-          case 'b':
-            line += q.Bool(name) ? "LT" : "ST";
-            break;
-          default:
-            line += q.Text(name);
-            break;
-        }
+      std::istringstream list(columns);
+      for (std::string column, sep; std::getline(list, column, ','); sep = separator) {
+        const char* name = column.c_str() + 2;
+        line += sep;
+        line += column[0] == 'i'   ? std::to_string(q.Int(name))
+                : column[0] == 'd' ? q.DateValue(name).ToString()
+                : column[0] == 'n' ? NumberText(q.Double(name))
+                : column[0] == 'm' ? q.Money(name).ToString()
+                : column[0] == 'b' ? (q.Bool(name) ? "LT" : "ST")
+                                   : q.Text(name);
       }
       rows.push_back(line);
     }
@@ -93,39 +85,21 @@ class BasisTest : public AppTest {
         R"(SELECT T.* FROM "BA Trans" AS T JOIN "BA Blocks" AS B ON B."Block No" = T."Block No" )"
         R"(WHERE B."Block ID" = :id AND :sym IN ('', B."Sec Symbol") )"
         R"(ORDER BY T."Date", T."TransNo", T."Trans Row")",
-        {{'i', "TransNo"},
-         {'t', "Transaction"},
-         {'d', "Date"},
-         {'d', "Date Acqrd"},
-         {'n', "Shares"},
-         {'m', "Sale Price"},
-         {'m', "Cost"},
-         {'n', "Total Shares"},
-         {'m', "Total Cost"},
-         {'m', "Fee"},
-         {'n', "Basis Per Share"}},
+        "i:TransNo,t:Transaction,d:Date,d:Date Acqrd,n:Shares,m:Sale Price,m:Cost,n:Total Shares,"
+        "m:Total Cost,m:Fee,n:Basis Per Share",
         " ", {{"id", block_id}, {"sym", symbol}});
   }
   // "Acquired Sold Shares Symbol Price Cost Gain LT|ST", in the order written.
   Rows SchedDRows() {
-    return ReportRows(R"(SELECT * FROM "Sched D" ORDER BY rowid)", {{'d', "Date Acqrd"},
-                                                                    {'d', "Date Sold"},
-                                                                    {'n', "Shares"},
-                                                                    {'t', "Sec Symbol"},
-                                                                    {'m', "Sale Price"},
-                                                                    {'m', "Cost"},
-                                                                    {'m', "GainLoss"},
-                                                                    {'b', "Long Term"}});
+    return ReportRows(R"(SELECT * FROM "Sched D" ORDER BY rowid)",
+                      "d:Date Acqrd,d:Date Sold,n:Shares,t:Sec Symbol,m:Sale Price,m:Cost,"
+                      "m:GainLoss,b:Long Term");
   }
   // "Symbol|Name|Method|Shares|Cost|Basis", in the order written.
   Rows SecsRows() {
     return ReportRows(R"(SELECT * FROM "BA Secs" ORDER BY rowid)",
-                      {{'t', "Sec Symbol"},
-                       {'t', "Sec Name"},
-                       {'t', "Sell Name"},
-                       {'n', "Total Shares"},
-                       {'m', "Total Cost"},
-                       {'n', "Basis Per Share"}},
+                      "t:Sec Symbol,t:Sec Name,t:Sell Name,n:Total Shares,m:Total Cost,"
+                      "n:Basis Per Share",
                       "|");
   }
   long long CountReportRows(const std::string& table) {

@@ -88,6 +88,12 @@ class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterfac
     unit.Commit();
   }
 
+  static std::string Sql(const std::string& name) {
+    for (const GoldenCase& c : ReadCases(__FILE__, "invariant_queries.txt")) {
+      if (c.name == name) return c.Text("");
+    }
+    return "";
+  }
   int64_t ClientUnits(const char* sql) {
     Query q = app_->client->Select(sql, {{"ys", D("07/01/2024")}, {"ye", D("06/30/2025")}});
     q.Next();
@@ -122,12 +128,7 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
 
   // Cost in by lot (Block ID), from the Taxpayer File.
   std::map<std::string, int64_t> cost_in;
-  Query in = app_->client->Select(
-      R"(SELECT B."Block ID", total(T."Cost") AS n FROM "Blocks" AS B JOIN )"
-      R"((SELECT "Block No", "Cost" + "Fee" AS "Cost", "Date" FROM "Buy" UNION ALL )"
-      R"(SELECT "Block No", "Cost", "Date" FROM "Adjust") AS T ON T."Block No" = B."Block No" )"
-      R"(WHERE T."Date" <= :ye GROUP BY B."Block ID")",
-      {{"ye", D("06/30/2025")}});
+  Query in = app_->client->Select(Sql("cost_in"), {{"ye", D("06/30/2025")}});
   int64_t total_in = 0;
   while (in.Next()) {
     cost_in[in.Text("Block ID")] = static_cast<int64_t>(in.Double("n"));
@@ -135,12 +136,7 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   }
   // Cost still held and cost taken out by sales, per block of the report:
   // the lots under FIFO, the pools under the average methods.
-  Query out = report->Select(
-      R"(SELECT B."Block ID", B."Port Name", )"
-      R"((SELECT "Total Cost" FROM "BA Trans" AS T WHERE T."Block No" = B."Block No" )"
-      R"(ORDER BY "Date" DESC, "TransNo" DESC, "Trans Row" DESC LIMIT 1) AS "Held", )"
-      R"((SELECT total(-"Cost") FROM "BA Trans" AS T WHERE T."Block No" = B."Block No" )"
-      R"(AND "Transaction" = 'Sell') AS "Sold" FROM "BA Blocks" AS B)");
+  Query out = report->Select(Sql("held_and_sold"));
   int64_t total_held_and_sold = 0;
   int64_t total_held = 0;
   while (out.Next()) {
@@ -160,11 +156,7 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
                               R"(sum("Total Shares") AS shares FROM "BA Secs")");
   ASSERT_TRUE(secs.Next());
   EXPECT_GE(secs.Double("low"), 0);
-  Query shares = app_->client->Select(
-      R"(SELECT total("Shares") AS n FROM (SELECT "Shares", "Date" FROM "Buy" UNION ALL )"
-      R"(SELECT "Shares", "Date" FROM "Sell" UNION ALL SELECT "Shares", "Date" FROM "Split" )"
-      R"(UNION ALL SELECT "Shares", "Date" FROM "Adjust") WHERE "Date" <= :ye)",
-      {{"ye", D("06/30/2025")}});
+  Query shares = app_->client->Select(Sql("shares"), {{"ye", D("06/30/2025")}});
   ASSERT_TRUE(shares.Next());
   EXPECT_NEAR(secs.Double("shares"), shares.Double("n"), 1e-6);
   EXPECT_EQ(secs.Int("cost"), total_held);

@@ -2,17 +2,25 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 #include "support/values.h"
 
 namespace lotwise::testing {
 
 using Rows = std::vector<std::string>;
+
+// The messages are in this folder's golden/messages.txt, the export file's
+// question with the other reports' in reports_basis/golden/messages.txt.
+inline const char* const kListingsSource = __FILE__;
+inline const std::string kReportsSource =
+    std::filesystem::path(__FILE__).parent_path().parent_path() / "reports_basis" / "x.cpp";
 
 // Reads the scratch report database of the test's run.
 class ReportTest : public AppTest {

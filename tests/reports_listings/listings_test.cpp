@@ -15,13 +15,6 @@
 namespace lotwise::testing {
 namespace {
 
-// Another program's lock on the file, as the user is told of it.
-const char* const kBusyWarning =
-    "the file being accessed is currently unavailable. This is probably because either another "
-    "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been opened by "
-    "another program. \nIf this is the case, you will need to close the file in any other "
-    "applications before this operation can be performed successfully.";
-
 using Runner = std::function<bool(Application&)>;
 
 // Indexed taxpayers DOE01 (open; portfolios Growth and Income), ZED03 (a
@@ -35,16 +28,14 @@ class ListingTest : public ReportTest {
     OpenFreshCentral();
     OpenFreshTaxpayer();
     app_->client->Execute(R"(UPDATE "Client" SET "2nd Line" = '& Jane Doe ')");
-    std::string cusip = "459200101";
-    ASSERT_TRUE(NewPort(*app_, "Growth", "Main account"));
-    ASSERT_TRUE(AddSec(*app_, "IBM", "IBM Corp", cusip, "Blue chip", "Growth"));
-    cusip = kNoCusip;
-    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Growth"));
-    ASSERT_TRUE(NewPort(*app_, "Income", ""));
-    ASSERT_TRUE(AddSec(*app_, "MSFT", "MSFT Corp", cusip, "", "Income"));
+    Portfolio("Growth", "Main account ");
+    Portfolio("Income");
+    SecurityName("IBM", "IBM Corp", "459200101");
+    SecurityName("MSFT", "MSFT Corp");
+    Security("IBM", "Growth", "Blue chip ");
+    SellMethod("IBM", 1);
+    for (const char* port : {"Growth", "Income"}) Security("MSFT", port);
     Security("GHOST", "Income");
-    app_->client->Execute(
-        R"(UPDATE "Sell Method" SET "Sell Method" = 1 WHERE "Sec Symbol" = 'IBM')");
     WriteTaxpayerFile("ZED0301.mdb", "ZED03", "Zed Able");
     Database::Open(app_->taxpayer_folder + "ZED0301.mdb")
         ->Execute(R"(UPDATE "Client" SET "2nd Line" = 'Trust ')");
@@ -95,21 +86,16 @@ TEST_F(ListingTest, CreateSecReportTables_BothLists) {
 // Refusals come before any table is touched: the portfolio's list with
 // only the taxpayer open, and a list-from value that does not exist.
 TEST_F(ListingTest, SecListing_RefusedUntouched) {
-  const char* const no_port =
-      "You must have a Portfolio open to view or print a report from a Portfolio. Either select "
-      "'this Taxpayer' or open a Portfolio first.";
   app_->window.state = kClientOpen;
   Report()->Execute(R"(INSERT INTO "Sec List Report" ("Sec Symbol") VALUES ('old'))");
-  const std::tuple<Runner, const char*, const char*, Icon> cases[] = {
+  const std::pair<Runner, const char*> cases[] = {
       {[](Application& app) { return RunSecReport(app, ReportDestination::kScreen, 1, 0); },
-       no_port, "No Portfolio open", Icon::kInformation},
-      {[](Application& app) { return CreateSecReportTables(app, 1); }, no_port, "No Portfolio open",
-       Icon::kInformation},
-      {[](Application& app) { return CreateSecReportTables(app, 2); },
-       "Error in CSOptListFrom.listindex in CreateSecReportTables", "Error", Icon::kCritical}};
-  for (const auto& [run, text, title, icon] : cases) {
-    ui_.Expect(text, title, icon, Buttons::kOk);
-    EXPECT_FALSE(run(*app_)) << text;
+       "no_portfolio"},
+      {[](Application& app) { return CreateSecReportTables(app, 1); }, "no_portfolio"},
+      {[](Application& app) { return CreateSecReportTables(app, 2); }, "list_from_error"}};
+  for (const auto& [run, key] : cases) {
+    ExpectSaid(ui_, kListingsSource, key);
+    EXPECT_FALSE(run(*app_)) << key;
     EXPECT_EQ(Table("Sec List Report"), Rows{"-|old|-|-|-|-"});
     EXPECT_EQ(Count("Usage"), "0");
   }
@@ -119,56 +105,26 @@ TEST_F(ListingTest, SecListing_RefusedUntouched) {
 // are reported, then each listing refuses in its own words; no report runs
 // and the program carries on.
 TEST_F(ListingTest, Listing_TablesFail_Refused) {
-  const std::tuple<Runner, const char*, const char*, const char*> cases[] = {
+  const std::tuple<Runner, const char*, const char*> cases[] = {
       {[](Application& app) {
          return RunClientReport(app, ReportDestination::kScreen, ClientSort::kCode);
        },
-       "The report can't be generated. If an error was reported you should try to correct it "
-       "first and then try the report again.",
-       "Can't Create Report", "Preparing Taxpayer Report, Please Wait..."},
+       "cant_create_taxpayers", "Preparing Taxpayer Report, Please Wait..."},
       {[](Application& app) { return RunSecReport(app, ReportDestination::kScreen, 0, 0); },
-       "The Report can not be generated. If an error message was displayed you should try to "
-       "correct the error first.You will need to run the report again.",
-       "Can't create Report", "Preparing Security Listing Report, Please wait..."}};
+       "cant_create_securities", "Preparing Security Listing Report, Please wait..."}};
   Database::SetBusyTimeout(50);
   auto other = Report();
   Database::Transaction lock(*other);
   other->Execute(R"(INSERT INTO "Usage" ("Usage Count") VALUES (7))");
-  for (const auto& [run, text, title, status] : cases) {
-    ui_.Expect(kBusyWarning, "Warning", Icon::kInformation, Buttons::kOk);
-    ui_.Expect(text, title, Icon::kExclamation, Buttons::kOk);
+  for (const auto& [run, key, status] : cases) {
+    ExpectSaid(ui_, kListingsSource, "busy");
+    ExpectSaid(ui_, kListingsSource, key);
     EXPECT_FALSE(run(*app_));
     EXPECT_EQ(ui_.help_texts().back(), status);
   }
   Database::SetBusyTimeout(Database::kDefaultBusyTimeoutMs);
   EXPECT_TRUE(ui_.reports_shown().empty());
   EXPECT_EQ(env_->end_calls(), 0);
-}
-
-// Each listing, once filled, runs its report file under its own title to
-// the chosen destination.
-TEST_F(ListingTest, Listing_RunsReport) {
-  app_->current.port_name = "Growth";
-  app_->window.state = kPortOpen;
-  const std::pair<std::function<bool(Application&, ReportDestination)>, const char*> cases[] = {
-      {[](Application& app, ReportDestination to) {
-         return RunTransListRpt(app, ReportScope::kPortfolio, "01/01/2024", "12/31/2024", to);
-       },
-       "Transaction Listing Report"},
-      {[](Application& app, ReportDestination to) {
-         return RunClientReport(app, to, ClientSort::kName);
-       },
-       "Taxpayer Listing Report"},
-      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 1, 0); },
-       "Security Listing Report"},
-      {[](Application& app, ReportDestination to) { return RunSecReport(app, to, 0, 1); },
-       "Security Listing Report"}};
-  for (const auto& [run, title] : cases) {
-    ASSERT_TRUE(run(*app_, ReportDestination::kScreen)) << title;
-    ASSERT_TRUE(run(*app_, ReportDestination::kPrinter)) << title;
-    EXPECT_EQ(ui_.reports_shown().back().title, title);
-    EXPECT_EQ(ui_.reports_printed().back().title, title);
-  }
 }
 
 }  // namespace

@@ -14,13 +14,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kQuestion =
-    "This program can create a file that can be used to export the Schedule D information from the "
-    "Lotwise into the better tax software programs. We recommend choosing Detailed as the Report "
-    "Type in the Schedule D Options screen.\r\n\r\nDo you want to create a Schedule D export file?";
 const std::string kHeader = "\"DESC\",\"DATE ACQUIRED\",\"DATE SOLD\",\"SALES PRICE\",\"COST\"\r\n";
-const char* const kInfo = "Export File Information";
-
 // A report database as the Schedule D run leaves it, and the dialogue.
 class ExportTest : public ReportTest {
  protected:
@@ -50,19 +44,11 @@ class ExportTest : public ReportTest {
   }
 
   void ExpectDialogue(const std::string& picked) {
-    ui_.Expect(kQuestion, "Schedule D Export File", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, kReportsSource, "export_question", Answer::kYes);
     ui_.ExpectPick("Select An Export Filename", picked);
   }
   void ExpectWritten() {
-    ui_.Expect("The export file, " + file_ +
-                   ", is a csv file. You may be able to import the csv directly into your tax "
-                   "software program. If your tax software program requires an Excel spreadsheet "
-                   "file (which ends in .xls), open " +
-                   file_ +
-                   " in Excel. From Excel you can create an .xls file.\r\n\r\nThe first row of the "
-                   "export file contains column labels.  Do not export that row into your tax "
-                   "preparation software!",
-               kInfo, Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, kListingsSource, "export_written", Answer::kOk, {file_, file_});
   }
   std::string FileText() {
     std::ostringstream text;
@@ -75,42 +61,24 @@ class ExportTest : public ReportTest {
 
 // One line per sale in the Schedule D's order: the description's three
 // forms, quotes doubled, blanks trimmed, money in its plain form, missing
-// dates empty; a symbol without a "BA Secs" row is left out, one listed
-// twice still gives one line per sale.
-struct LineCase {
-  const char* symbol;
-  const char* name;  // nullptr: no "BA Secs" row added
-  double shares;
-  const char* price;
-  const char* cost;
-  bool dates;
-  const char* line;  // nullptr: not exported
-};
-
+// dates empty; a symbol without a "BA Secs" row (GONE) is left out, one
+// listed twice still gives one line per sale (golden/export_lines.csv).
 TEST_F(ExportTest, Export_LinesInOrder) {
-  const LineCase cases[] = {
-      {"ACME", "ACME FUND", 100, "1234.5", "1000.25", true,
-       R"("100 ACME FUND","02/29/2020","12/31/2024","1234.5","1000.25")"},
-      {"GONE", nullptr, 2, "10", "5", true, nullptr},
-      {"XYZ", "", 12.5, "99.99", "100", true,
-       R"("12.5 XYZ","02/29/2020","12/31/2024","99.99","100")"},
-      {"", "", 7, "1", "2", true, R"("7","02/29/2020","12/31/2024","1","2")"},
-      {"Q", "ACME \"A\" CLASS  ", 3, "0", "-0.01", false,
-       R"("3 ACME ""A"" CLASS","","","0","-0.01")"},
-      {"ACME", nullptr, 0.33333, "1.0001", "0.5", true,
-       R"("0.33333 ACME FUND","02/29/2020","12/31/2024","1.0001","0.5")"},
-  };
-  std::string expected = kHeader;
-  for (const LineCase& c : cases) {
-    if (c.name) Security(c.symbol, c.name);
-    Sale(c.symbol, c.shares, c.price, c.cost, c.dates);
-    if (c.line) expected += std::string(c.line) + "\r\n";
-  }
+  Security("ACME", "ACME FUND");
+  Sale("ACME", 100, "1234.5", "1000.25", true);
+  Sale("GONE", 2, "10", "5", true);
+  Security("XYZ", "");
+  Sale("XYZ", 12.5, "99.99", "100", true);
+  Security("", "");
+  Sale("", 7, "1", "2", true);
+  Security("Q", "ACME \"A\" CLASS  ");
+  Sale("Q", 3, "0", "-0.01", false);
+  Sale("ACME", 0.33333, "1.0001", "0.5", true);
   Security("ACME", "ACME FUND");
   ExpectDialogue(file_);
   ExpectWritten();
   CreateSchDExportFile(*app_);
-  EXPECT_EQ(FileText(), expected);
+  ExpectGolden(__FILE__, "export_lines.csv", FileText());
   EXPECT_EQ(app_->prefs.exp_path, root_ + "export/");
 }
 
@@ -119,7 +87,8 @@ TEST_F(ExportTest, Export_LinesInOrder) {
 TEST_F(ExportTest, Export_ReplacesOldFile) {
   std::ofstream(file_, std::ios::binary) << std::string(500, 'x');
   ExpectDialogue(file_);
-  ui_.Expect("The Schedule D information was empty.", kInfo, Icon::kInformation, Buttons::kOk);
+  ui_.Expect("The Schedule D information was empty.", "Export File Information", Icon::kInformation,
+             Buttons::kOk);
   CreateSchDExportFile(*app_);
   EXPECT_EQ(FileText(), kHeader);
   Security("ACME", "ACME FUND");
@@ -136,7 +105,7 @@ TEST_F(ExportTest, Export_ReplacesOldFile) {
 TEST_F(ExportTest, Export_NothingWritten) {
   Security("ACME", "ACME FUND");
   Sale("ACME", 100, "1", "2", true);
-  ui_.Expect(kQuestion, "Schedule D Export File", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
   CreateSchDExportFile(*app_);
   ExpectDialogue("");
   CreateSchDExportFile(*app_);
@@ -145,11 +114,8 @@ TEST_F(ExportTest, Export_NothingWritten) {
 
   const std::string bad = root_ + "no such folder/taxes.csv";
   ExpectDialogue(bad);
-  ui_.Expect(ErrorHeader(75, "Path/File access error: " + bad, "MakeExportHeader") +
-                 " This error usually occurs when a file, needed by Lotwise has been opened by "
-                 "another program, or is missing. Please make sure you have not opened any "
-                 "Lotwise files before starting this program again.",
-             "Error!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, kListingsSource, "export_path", Answer::kOk,
+             {ErrorHeader(75, "Path/File access error: " + bad, "MakeExportHeader")});
   CreateSchDExportFile(*app_);
   EXPECT_FALSE(fs::exists(bad));
   EXPECT_EQ(env_->end_calls(), 1);

@@ -8,20 +8,13 @@
 #include "app/app_state.h"
 #include "app/taxpayer_file.h"
 #include "data/central_file.h"
+#include "ground/number_text.h"
 #include "data/transaction_store.h"
 #include "ground/number_text.h"
 #include "reports_listings/listing_fixture.h"
 
 namespace lotwise::testing {
 namespace {
-
-const char* const kRefusedRange =
-    "The Ending Date must be after the beginning date. Please correct this.";
-
-std::string BadDate(const std::string& label, const std::string& text) {
-  return "The " + label + " entered as " + text + " is not valid.  Please re-enter the " + label +
-         ". If you are cancelling, click OK, and then click Cancel again.";
-}
 
 // Portfolios Bonds (VBTLX), Growth (IBM, MSFT) and Income (empty). IBM's
 // two blocks carry a transaction of every kind; the sale and the
@@ -33,37 +26,19 @@ class TransListTest : public ReportTest {
     OpenFreshCentral();
     OpenFreshTaxpayer();
     app_->current.client_2nd_line = "& Jane Doe ";
-    for (auto [port, symbols] :
-         {std::pair{"Growth", "IBM MSFT"}, {"Income", ""}, {"Bonds", "VBTLX"}}) {
-      ASSERT_TRUE(NewPort(*app_, port, ""));
-      std::istringstream words(symbols);
-      for (std::string symbol; words >> symbol;) {
-        std::string cusip = kNoCusip;
-        ASSERT_TRUE(AddSec(*app_, symbol, symbol + " Corp", cusip, "", port));
-      }
-    }
-    const int64_t a = Buy("IBM", kTypeBuy, "01/02/2024", 100, "1000", "5");
-    const int64_t b = Buy("IBM", kTypeReinvest, "03/01/2024", 10, "120", "0");
-    ASSERT_TRUE(AddSell(*app_, a, D("06/03/2024"), Money("500"), Money("7"), -40, ""));
-    ASSERT_TRUE(AddSplit(*app_, a, kTypeSplit, D("07/01/2024"), 1, 2, 60, ""));
-    ASSERT_TRUE(AddAdjust(*app_, a, D("06/03/2024"), 0, Money("-25.5"), ""));
-    ASSERT_TRUE(AddSplit(*app_, b, kTypeDividend, D("08/01/2024"), 1, 10, 1, ""));
-    Buy("MSFT", kTypeBuy, "12/31/2024", 5, "2000", "0");
-    Buy("VBTLX", kTypeBuy, "01/01/2024", 50, "500", "0");
+    for (const char* port : {"Growth", "Income", "Bonds"}) Portfolio(port);
+    for (const char* symbol : {"IBM", "MSFT", "VBTLX"})
+      SecurityName(symbol, symbol + std::string(" Corp"));
+    const int64_t ibm = Security("IBM", "Growth");
+    const int64_t a = Buy(ibm, "01/02/2024", 100, "1000", "5");
+    const int64_t b = Buy(ibm, "03/01/2024", 10, "120", "0", kTypeReinvest);
+    Sell(a, "06/03/2024", 40, "500", "7");
+    Split(a, "07/01/2024", 1, 2, 60);
+    Adjust(a, "06/03/2024", 0, "-25.5");
+    Split(b, "08/01/2024", 1, 10, 1, kTypeDividend);
+    Buy(Security("MSFT", "Growth"), "12/31/2024", 5, "2000");
+    Buy(Security("VBTLX", "Bonds"), "01/01/2024", 50, "500");
     app_->window.state = kClientOpen;
-  }
-
-  int64_t Buy(const char* symbol, int16_t type, const char* date, double shares, const char* cost,
-              const char* fee) {
-    Query sec = app_->client->Select(R"(SELECT "Sec ID" FROM "Security" WHERE "Sec Symbol" = :s)",
-                                     {{"s", symbol}});
-    EXPECT_TRUE(sec.Next());
-    std::string block_id;
-    EXPECT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, type, D(date), Money(cost), shares,
-                       Money(fee), ""));
-    Query q = app_->client->Select(R"(SELECT max("Block No") AS n FROM "Blocks")");
-    q.Next();
-    return q.Int("n");
   }
 
   // "symbol|date|transaction|shares|cost|fee|sale price" in the order written.
@@ -82,88 +57,46 @@ class TransListTest : public ReportTest {
   }
 };
 
-const Rows kIbm = {
-    "IBM|01/02/2024|Buy|100|1000|5|-",
-    "IBM|03/01/2024|Reinvestment|10|120|0|-",
-    "IBM|06/03/2024|Adjustment|0|-25.5|0|-",
-    "IBM|06/03/2024|Sell|-40|0|7|500",
-    "IBM|07/01/2024|Stock Split 1 for 2|60|0|0|-",
-    "IBM|08/01/2024|Stock Div. 1 per 10|1|0|0|-",
-};
-const std::string kMsft = "MSFT|12/31/2024|Buy|5|2000|0|-";
-const Rows kAllPorts = {"Bonds", "Growth", "Income"};
-const Rows kAllSecs = {"Bonds|VBTLX Corp|VBTLX", "Growth|IBM Corp|IBM", "Growth|MSFT Corp|MSFT"};
-
-// Each scope and range lists its portfolios (even one without securities),
-// their securities, and the transactions with both bounds included, per
-// security in the order the Basis Analysis applies them (a day's
-// adjustment before its sale).
-// Run twice, the tables hold one run.
-struct ScopeCase {
-  const char *name, *port, *sec, *begin, *end;
-  Rows ports, secs, trans;
-  const char* type;
-};
-
-class TransListScopeTest : public TransListTest, public ::testing::WithParamInterface<ScopeCase> {};
+// Each scope and range (golden/scopes.txt) lists its portfolios (even one
+// without securities), their securities, and the transactions with both
+// bounds included, per security in the order the Basis Analysis applies
+// them (a day's adjustment before its sale). Run twice, the tables hold one
+// run.
+class TransListScopeTest : public TransListTest,
+                           public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(TransListScopeTest, CalcTransListRpt_FillsScope) {
-  const ScopeCase& c = GetParam();
+  std::istringstream args(GetParam().Lines("").at(0));
+  std::string port, sec, begin, end, type;
+  args >> port >> sec >> begin >> end >> type;
   for (int run = 0; run < 2; ++run) {
-    ASSERT_TRUE(CalcTransListRpt(*app_, c.port, c.sec, D(c.begin), D(c.end)));
+    ASSERT_TRUE(CalcTransListRpt(*app_, port, sec, D(begin.c_str()), D(end.c_str())));
   }
-  EXPECT_EQ(ReportRows(R"(SELECT "Port Name" FROM "TL Port" ORDER BY rowid)"), c.ports);
+  EXPECT_EQ(ReportRows(R"(SELECT "Port Name" FROM "TL Port" ORDER BY rowid)"),
+            GetParam().Lines("ports"));
   EXPECT_EQ(
       ReportRows(R"(SELECT "Port Name", "Sec Name", "Sec Symbol" FROM "TL Sec" ORDER BY rowid)"),
-      c.secs);
-  EXPECT_EQ(Trans(), c.trans);
+      GetParam().Lines("secs"));
+  EXPECT_EQ(Trans(), GetParam().Lines("trans"));
   EXPECT_EQ(ReportRows(R"(SELECT * FROM "TL Info")"),
-            Rows{std::string("John Doe|DOE01|John Doe & Jane Doe|") + D(c.begin).ToIso() + "|" +
-                 D(c.end).ToIso() + "|" + c.type});
+            Rows{"John Doe|DOE01|John Doe & Jane Doe|" + D(begin.c_str()).ToIso() + "|" +
+                 D(end.c_str()).ToIso() + "|" + type});
   EXPECT_EQ(Count("Usage"), "1");
   EXPECT_EQ(Report()->IntegrityCheck(), "ok");
 }
 
-Rows Growth() {
-  Rows growth = kIbm;
-  growth.push_back(kMsft);
-  return growth;
-}
-Rows All() {
-  Rows all = Growth();
-  all.insert(all.begin(), "VBTLX|01/01/2024|Buy|50|500|0|-");
-  return all;
-}
-
-const Rows kNone;
-const Rows kGrowthPort = {"Growth"};
-const Rows kGrowthSecs = {kAllSecs[1], kAllSecs[2]};
-const Rows kMsftSec = {kAllSecs[2]};
-const Rows kOnBounds = {kIbm[2], kIbm[3], kIbm[4]};
-
-INSTANTIATE_TEST_SUITE_P(
-    Scopes, TransListScopeTest,
-    ::testing::Values(ScopeCase{"Taxpayer", "*", "*", "01/01/1900", "12/31/9999", kAllPorts,
-                                kAllSecs, All(), "Taxpayer"},
-                      ScopeCase{"Portfolio", "Growth", "*", "01/01/1900", "12/31/9999", kGrowthPort,
-                                kGrowthSecs, Growth(), "Portfolio"},
-                      ScopeCase{"Security", "Growth", "MSFT", "01/01/1900", "12/31/9999",
-                                kGrowthPort, kMsftSec, Rows{kMsft}, "Security"},
-                      ScopeCase{"BoundsIncluded", "*", "*", "06/03/2024", "07/01/2024", kAllPorts,
-                                kAllSecs, kOnBounds, "Taxpayer"},
-                      ScopeCase{"PortfolioWithoutSecurities", "Income", "*", "01/01/1900",
-                                "12/31/9999", Rows{"Income"}, kNone, kNone, "Portfolio"}),
-    [](const ::testing::TestParamInfo<ScopeCase>& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Scopes, TransListScopeTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "scopes.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The run is refused, touching no table, for a bad range (both texts
-// checked and named; the end must lie after the beginning), then for a
-// scope above the open state.
+// checked and named), then for a scope above the open state.
 struct RefusalCase {
   const char* name;
   ReportScope scope;
   int16_t state;
   const char *begin, *end;
-  std::vector<std::pair<std::string, std::string>> messages;  // text, title, in order
+  std::vector<std::pair<const char*, std::vector<std::string>>> messages;  // key, values
 };
 
 class TransListRefusalTest : public TransListTest,
@@ -173,33 +106,26 @@ TEST_P(TransListRefusalTest, RunTransListRpt_Refused) {
   const RefusalCase& c = GetParam();
   app_->window.state = c.state;
   app_->current.port_name = "Growth";
-  for (const auto& [text, title] : c.messages) ui_.Expect(text, title);
+  for (const auto& [key, values] : c.messages) {
+    ExpectSaid(ui_, kListingsSource, key, Answer::kOk, values);
+  }
   EXPECT_FALSE(RunTransListRpt(*app_, c.scope, c.begin, c.end, ReportDestination::kScreen));
   EXPECT_EQ(Count("TL Info") + Count("Usage"), "00");
   EXPECT_TRUE(ui_.reports_shown().empty());
 }
 
-using Messages = std::vector<std::pair<std::string, std::string>>;
-const Messages kRangeRefused = {{kRefusedRange, "Please Correct!"}};
-const Messages kBothBad = {{BadDate("Beginning Date", "02/30/2024"), "Invalid Date"},
-                           {BadDate("Ending Date", "  /  /    "), "Invalid Date"}};
-const Messages kNeedSecurity = {
-    {"You must have a security open to do a Transaction Listing on one.", "Invalid Input"}};
-const Messages kNeedPortfolio = {
-    {"You must have a portfolio open that has at least one security "
-     "in it to do a Transaction Listing on it.",
-     "Invalid Input"}};
+using Said = std::vector<std::pair<const char*, std::vector<std::string>>>;
+const Said kBothBad = {{"bad_date", {"Beginning Date", "02/30/2024", "Beginning Date"}},
+                       {"bad_date", {"Ending Date", "  /  /    ", "Ending Date"}}};
 
 INSTANTIATE_TEST_SUITE_P(
     Refusals, TransListRefusalTest,
-    ::testing::Values(RefusalCase{"EqualDates", ReportScope::kTaxpayer, kSecOpen, "06/03/2024",
-                                  "06/03/2024", kRangeRefused},
-                      RefusalCase{"BothDatesBad", ReportScope::kSecurity, kClientOpen, "02/30/2024",
+    ::testing::Values(RefusalCase{"BothDatesBad", ReportScope::kSecurity, kClientOpen, "02/30/2024",
                                   "  /  /    ", kBothBad},
                       RefusalCase{"SecurityNotOpen", ReportScope::kSecurity, kPortOpen,
-                                  "01/01/2024", "01/02/2024", kNeedSecurity},
+                                  "01/01/2024", "01/02/2024", Said{{"need_security", {}}}},
                       RefusalCase{"PortfolioNotOpen", ReportScope::kPortfolio, kClientOpen,
-                                  "01/01/2024", "01/02/2024", kNeedPortfolio}),
+                                  "01/01/2024", "01/02/2024", Said{{"need_portfolio", {}}}}),
     [](const ::testing::TestParamInfo<RefusalCase>& info) { return info.param.name; });
 
 }  // namespace

@@ -2,8 +2,11 @@
 
 #include <random>
 
+#include "ground/number_text.h"
+#include "data/block_shares.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
+#include "support/values.h"
 
 namespace lotwise::testing {
 namespace {
@@ -22,28 +25,15 @@ class SharesLeftTest : public AppTest {
   }
   Database& db() { return *app_->client; }
 
+  long long Count(const std::string& sql) {
+    Query q = db().Select("SELECT count(*) AS n FROM " + sql);
+    q.Next();
+    return q.Int("n");
+  }
   // Blocks whose cached value differs from the fresh sum of their rows.
   long long Mismatches() {
-    Query q = db().Select(
-        R"(SELECT count(*) AS n FROM "Blocks" AS B WHERE abs(B."Shares Left" - )"
-        R"((SELECT total("Shares") FROM "Block Shares" AS S WHERE S."Block No" = B."Block No")) )"
-        R"(> 1e-9)");
-    q.Next();
-    return q.Int("n");
-  }
-  long long OpenBlocksByIndex() {
-    Query q = db().Select(
-        R"(SELECT count(*) AS n FROM "Blocks" INDEXED BY "Blocks Open" WHERE "Sec ID" = 1 )"
-        R"(AND "Shares Left" >= 0.000005)");
-    q.Next();
-    return q.Int("n");
-  }
-  long long OpenBlocksBySum() {
-    Query q =
-        db().Select(R"(SELECT count(*) AS n FROM "Blocks" AS B WHERE (SELECT total("Shares") FROM )"
-                    R"("Block Shares" AS S WHERE S."Block No" = B."Block No") >= 0.000005)");
-    q.Next();
-    return q.Int("n");
+    return Count(R"("Blocks" AS B WHERE abs(B."Shares Left" - (SELECT total("Shares") FROM )"
+                 R"("Block Shares" AS S WHERE S."Block No" = B."Block No")) > 1e-9)");
   }
 };
 
@@ -52,9 +42,7 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
   auto pick = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
   const char* tables[] = {"Sell", "Split", "Adjust"};
   for (int step = 0; step < 400; ++step) {
-    Query blocks = db().Select(R"(SELECT count(*) AS n FROM "Blocks")");
-    blocks.Next();
-    long long block_count = blocks.Int("n");
+    const long long block_count = Count(R"("Blocks")");
     int action = block_count == 0 ? 0 : pick(7);
     long long block = block_count == 0 ? 0 : 1 + pick(static_cast<int>(block_count));
     Query any = db().Select(R"(SELECT "Block No" FROM "Blocks" ORDER BY random() LIMIT 1)");
@@ -103,8 +91,34 @@ TEST_F(SharesLeftTest, RandomWrites_CacheEqualsSumOfRows) {
     }
     ASSERT_EQ(Mismatches(), 0) << "after step " << step << " action " << action;
   }
-  EXPECT_EQ(OpenBlocksByIndex(), OpenBlocksBySum());
+  // The open-blocks index holds exactly the blocks that still have shares.
+  EXPECT_EQ(Count(R"("Blocks" INDEXED BY "Blocks Open" WHERE "Sec ID" = 1 )"
+                  R"(AND "Shares Left" >= 0.000005)"),
+            Count(R"("Blocks" AS B WHERE (SELECT total("Shares") FROM "Block Shares" AS S )"
+                  R"(WHERE S."Block No" = B."Block No") >= 0.000005)"));
   EXPECT_EQ(db().IntegrityCheck(), "ok");
+}
+
+// The open blocks come oldest first (date, then block-id text), skip blocks
+// whose remainder rounds to nothing, and count a remainder such as
+// 99.999999 as 100; shares as of a date count that day's rows.
+TEST_F(SharesLeftTest, OpenBlocksAndSharesAsOf) {
+  const auto text = [](const std::vector<BlockShares>& blocks) {
+    std::string out;
+    for (const BlockShares& block : blocks)
+      out += block.block_id + "=" + NumberText(block.shares) + " ";
+    return out;
+  };
+  Sell(Buy(1, "01/01/2024", 100, "0", "0", kTypeBuy, "01/01/2024-1"), "01/06/2024", 100);
+  // 0.000004 left: rounds to nothing.
+  Sell(Buy(1, "01/01/2024", 1, "0", "0", kTypeBuy, "01/01/2024-2"), "01/06/2024", 0.999996);
+  Buy(1, "01/01/2024", 5, "0", "0", kTypeBuy, "01/01/2024-10");  // before "-2" as text
+  Sell(Buy(1, "03/01/2024", 100, "0", "0", kTypeBuy, "03/01/2024-1"), "04/01/2024", 0.000001);
+  EXPECT_EQ(text(OpenBlocks(db(), 1)), "01/01/2024-10=5 03/01/2024-1=100 ");
+  EXPECT_EQ(text(BlockSharesAsOf(db(), 1, D("01/05/2024"))),
+            "01/01/2024-1=100 01/01/2024-10=5 01/01/2024-2=1 03/01/2024-1=0 ");
+  EXPECT_EQ(text(BlockSharesAsOf(db(), 1, D("01/06/2024"))),
+            "01/01/2024-1=0 01/01/2024-10=5 01/01/2024-2=0 03/01/2024-1=0 ");
 }
 
 }  // namespace

@@ -7,13 +7,10 @@
 
 #include "data/database.h"
 #include "storage/storage_fixture.h"
+#include "support/tests_a_helpers.h"
 
-namespace lotwise {
+namespace lotwise::testing {
 namespace {
-
-using testing::Lines;
-using testing::Rows;
-using testing::StorageTest;
 
 // Every SQLite failure the program handles by number reaches it with that
 // number and a text that names the problem (and the file, where the
@@ -88,45 +85,13 @@ TEST_P(MappingTest, Failure_ReachesHandledNumber) {
   const MappingCase& c = GetParam();
   const std::string path =
       c.from_template ? CopyTemplate("x.mdb") : app_->taxpayer_folder + "x.mdb";
-  try {
-    c.provoke(path);
-    FAIL() << "no error";
-  } catch (const LwError& e) {
-    EXPECT_EQ(e.number(), c.number);
-    EXPECT_EQ(e.text(), fmt::format(fmt::runtime(c.text), fmt::arg("path", path)));
-  }
+  EXPECT_EQ(
+      ErrorOf([&] { c.provoke(path); }),
+      std::to_string(c.number) + ": " + fmt::format(fmt::runtime(c.text), fmt::arg("path", path)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sqlite, MappingTest, ::testing::ValuesIn(kMappings),
                          [](const auto& info) { return std::string(info.param.name); });
-
-// Values reach SQL only as bound parameters: quotes, wildcards, statement
-// separators and comment marks are stored and found as the plain text they
-// are, and a name with "%" or "_" never matches another name (the decoys).
-TEST_F(StorageTest, Value_AwkwardTextStoredAndFoundExactly) {
-  const std::string values[] = {R"(The "Growth" Fund)",
-                                "O'Brien's IRA",
-                                "100%",
-                                "A_B",
-                                "-- Income",
-                                R"(x'); DELETE FROM "Portfolio"; --)",
-                                "",
-                                "Müller Ærø 株式 €"};
-  auto db = Database::Open(CopyTemplate("x.mdb"));
-  for (const char* decoy : {"1000", "AxB", "Other"}) AddPortfolio(*db, decoy);
-  for (const std::string& value : values) {
-    SCOPED_TRACE(value);
-    db->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES (:p, :l))",
-                {{"p", value}, {"l", value}});
-    Query found =
-        db->Select(R"(SELECT "2nd Line" FROM "Portfolio" WHERE "Port Name" = :p)", {{"p", value}});
-    ASSERT_TRUE(found.Next());
-    EXPECT_EQ(found.OptionalText("2nd Line"), value);
-    EXPECT_FALSE(found.Next());
-    EXPECT_EQ(db->ExecuteSaved("DelPortfolio", {{"sPortName", value}}), 1);
-  }
-  EXPECT_EQ(Count(*db, "Portfolio"), 3);
-}
 
 // Units of work: only Commit() keeps rows, also across a reopen; a unit
 // left without it takes its rows along and frees the file for the next; an
@@ -155,15 +120,12 @@ TEST_F(StorageTest, Transaction_OnlyCommittedUnitsKeepRows) {
     outer.Commit();
   }
   faults.FailWriteNumber(3);
-  try {
-    Database::Transaction unit(*db);
-    for (const char* name : {"A", "B", "C", "D", "E"}) AddPortfolio(*db, name);
-    unit.Commit();
-    ADD_FAILURE() << "no error";
-  } catch (const LwError& e) {
-    EXPECT_EQ(e.number(), err::kSqliteBase + 10);
-    EXPECT_EQ(e.text(), "disk I/O error (injected)");
-  }
+  EXPECT_EQ(ErrorOf([&] {
+              Database::Transaction unit(*db);
+              for (const char* name : {"A", "B", "C", "D", "E"}) AddPortfolio(*db, name);
+              unit.Commit();
+            }),
+            "31010: disk I/O error (injected)");
   const char* names = R"(SELECT "Port Name" FROM "Portfolio" ORDER BY "Port Name")";
   EXPECT_EQ(Rows(db->Select(names)), (Lines{"Kept", "Outer"}));
   EXPECT_EQ(db->IntegrityCheck(), "ok");
@@ -171,25 +133,76 @@ TEST_F(StorageTest, Transaction_OnlyCommittedUnitsKeepRows) {
   EXPECT_EQ(Rows(Database::Open(path)->Select(names)), (Lines{"Kept", "Outer"}));
 }
 
-// Deleting a portfolio takes its securities, their blocks and every
-// transaction row with it, and nothing of another portfolio.
-TEST_F(StorageTest, Cascade_DeletePortfolioRemovesEverythingBelow) {
-  auto db = Database::Open(CopyTemplate("x.mdb"));
-  Scenario file(*db);
-  for (const char* port : {"Gone", "Stays"}) {
-    file.Portfolio(port);
-    const int64_t block = file.Buy(file.Security("IBM", port), "03/01/2024", 10);
-    file.Sell(block, "03/01/2024", 1);
-    file.Split(block, "03/01/2024", 1, 2, 9);
-    file.Adjust(block, "03/01/2024", 0);
+// A failing disk during a commit: whichever single write or sync of the
+// database file or its journal fails, the commit reports the failure, and
+// once the file is opened again none of the unit's rows is there, the rows
+// committed before are, and the file is sound.
+struct DiskFault {
+  const char* name;
+  int (StorageFaults::*counter)() const;
+  void (StorageFaults::*arm)(int n);
+};
+
+class DiskFaultTest : public StorageTest, public ::testing::WithParamInterface<DiskFault> {
+ protected:
+  static constexpr int kRows = 300;
+
+  // A Taxpayer File holding one committed portfolio.
+  std::string FileWithOneRow(const std::string& name) {
+    std::string path = CopyTemplate(name);
+    AddPortfolio(*Database::Open(path), "Before");
+    return path;
   }
-  EXPECT_EQ(db->ExecuteSaved("DelPortfolio", {{"sPortName", "Gone"}}), 1);
-  for (const char* table : {"Portfolio", "Security", "Blocks", "Buy", "Sell", "Split", "Adjust"}) {
-    EXPECT_EQ(Count(*db, table), 1) << table;
+
+  // Many rows in one unit, enough to span several pages.
+  static void WriteUnit(Database& db) {
+    Database::Transaction unit(db);
+    for (int i = 0; i < kRows; ++i) {
+      Scenario(db).Portfolio("Port " + std::to_string(i), std::string(80, 'x'));
+    }
+    unit.Commit();
   }
-  EXPECT_EQ(Rows(db->Select(R"(SELECT "Port Name" FROM "Security")")), Lines{"Stays"});
-  EXPECT_EQ(db->IntegrityCheck(), "ok");
+};
+
+TEST_P(DiskFaultTest, Commit_FaultLeavesNoneOfUnit) {
+  const DiskFault& fault = GetParam();
+  // How many writes (syncs) a sound commit of the unit makes.
+  int total = 0;
+  {
+    StorageFaults faults;
+    auto db = Database::Open(FileWithOneRow("count.mdb"), Database::Mode::kShared, &faults);
+    const int before = (faults.*fault.counter)();
+    WriteUnit(*db);
+    total = (faults.*fault.counter)() - before;
+    EXPECT_EQ(Count(*db, "Portfolio"), kRows + 1);
+  }
+  ASSERT_GT(total, 1);
+
+  for (int n = 1; n <= total; ++n) {
+    SCOPED_TRACE("failing number " + std::to_string(n) + " of " + std::to_string(total));
+    std::string path = FileWithOneRow("fault" + std::to_string(n) + ".mdb");
+    {
+      StorageFaults faults;
+      auto db = Database::Open(path, Database::Mode::kShared, &faults);
+      (faults.*fault.arm)(n);
+      EXPECT_EQ(ErrorOf([&] { WriteUnit(*db); }), "31010: disk I/O error");
+    }
+    auto reopened = Database::Open(path);
+    EXPECT_EQ(Count(*reopened, "Portfolio"), 1);
+    EXPECT_EQ(reopened->IntegrityCheck(), "ok");
+    // No hot journal is left: the journal is gone or (when truncated at
+    // commit) empty.
+    const std::string journal = path + "-journal";
+    EXPECT_EQ(std::filesystem::exists(journal) ? std::filesystem::file_size(journal) : 0, 0u);
+  }
 }
 
+INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest,
+                         ::testing::Values(DiskFault{"Write", &StorageFaults::disk_writes,
+                                                     &StorageFaults::FailDiskWriteNumber},
+                                           DiskFault{"Sync", &StorageFaults::disk_syncs,
+                                                     &StorageFaults::FailDiskSyncNumber}),
+                         [](const auto& info) { return std::string(info.param.name); });
+
 }  // namespace
-}  // namespace lotwise
+}  // namespace lotwise::testing

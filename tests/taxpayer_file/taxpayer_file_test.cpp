@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -17,19 +18,6 @@ namespace lotwise::testing {
 namespace {
 
 const Date kYearEnd = Date::FromYmd(2025, 12, 31);
-const std::string kSortTitle = "Sort Name already exists!";
-const std::string kSortQuestionStart =
-    "The Sort Name for this Client already exists for another Client. This is OK, however you may "
-    "want to change it if you want unique Sort Names.\n";
-const std::string kNewSortQuestion =
-    kSortQuestionStart + "If you want to keep the Sort Name, click OK, otherwise click Cancel.";
-const std::string kModSortQuestion =
-    kSortQuestionStart + "If you want to change the Sort Name click OK, otherwise click Cancel.";
-
-std::string CodeInUse(const std::string& code) {
-  return "The Taxpayer Code: " + code + " is already in use. Please enter a new Taxpayer Code.";
-}
-
 // The file name: up to four leading letters and digits of the sort name (or
 // the month when there are none), then minute and second without zeros; a
 // name taken on disk (in any letter case) or in the index waits for the
@@ -76,13 +64,13 @@ TEST_F(TaxpayerTest, NewClient_CreatesOrRefuses) {
   EXPECT_EQ(ClientRow("Doe74.mdb"), "Jane Doe|Doe, Jane|DOE02|Trust |2025-12-31");
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 
-  ui_.Expect(CodeInUse("doe01"), "Taxpayer Code in use!");
+  ExpectSaid(ui_, __FILE__, "code_in_use", Answer::kOk, {"doe01"});
   EXPECT_FALSE(NewClient(*app_, "Other", "Other", "doe01", "", kYearEnd));
-  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kCancel);
+  ExpectSaid(ui_, __FILE__, "new_sort_shared", Answer::kCancel);
   EXPECT_FALSE(NewClient(*app_, "Other", "doe, john", "DOE03", "", kYearEnd));
   EXPECT_EQ(CountCentralRows("Clients"), 2);
   EXPECT_EQ(TaxpayerFiles().size(), 2u);
-  ui_.Expect(kNewSortQuestion, kSortTitle, Answer::kOk);
+  ExpectSaid(ui_, __FILE__, "new_sort_shared", Answer::kOk);
   EXPECT_TRUE(NewClient(*app_, "Other", "Doe, John", "DOE03", "", kYearEnd));
   EXPECT_EQ(CountCentralRows("Clients"), 3);
   EXPECT_EQ(TaxpayerFiles().size(), 3u);
@@ -110,10 +98,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
 // index row.
 TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
   TaxpayerIndex("DOE01", "John Doe", "Doe, John", "GONE.mdb");
-  auto expect_question = [&](Answer answer) {
-    ui_.Expect("A File does not exist for this Taxpayer. Would you like to create a new one?",
-               "No Taxpayer File", Icon::kExclamation, Buttons::kYesNo, answer);
-  };
+  auto expect_question = [&](Answer answer) { ExpectSaid(ui_, __FILE__, "no_file", answer); };
   expect_question(Answer::kNo);
   ui_.Expect("Cancelled...", "Open Taxpayer cancelled", Icon::kInformation, Buttons::kOk);
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
@@ -139,56 +124,42 @@ TEST_F(TaxpayerTest, OpenClient_MissingFileOfferedAnew) {
 
 // ModClientInfo changes both files or neither. The sort-name question comes
 // only with a new code, and only a Cancel on the taxpayer's own row stops.
-using Step = std::pair<std::string, Answer>;  // message text, answer
-const Step kSortOk{kModSortQuestion, Answer::kOk}, kSortNo{kModSortQuestion, Answer::kCancel};
-
-struct ModCase {
-  const char* label;
-  std::string code, sort;
-  std::vector<Step> messages;
-  bool changed;
-};
-
-class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<ModCase> {};
+// Cases: golden/mod_client.txt.
+class ModClientInfoTest : public TaxpayerTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(ModClientInfoTest, ModClientInfo_BothFilesOrNeither) {
-  const ModCase& c = GetParam();
+  const std::vector<std::string> lines = GetParam().Lines("");
+  std::istringstream fields(lines.at(0));
+  std::string code, sort, changed_text;
+  for (std::string* field : {&code, &sort, &changed_text}) std::getline(fields, *field, '|');
+  const bool changed = changed_text == "yes";
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   TaxpayerIndex("SMI01", "Ann Smith", "Smith, Ann", "Smi.mdb");
-  for (const auto& [text, answer] : c.messages) {
-    ui_.Expect(text, text == kModSortQuestion ? kSortTitle : "Taxpayer Code in use!", answer);
+  for (size_t i = 1; i < lines.size(); ++i) {
+    std::istringstream words(lines[i]);
+    std::string say, key, answer;
+    words >> say >> key >> answer;
+    ExpectSaid(ui_, __FILE__, key, answer == "cancel" ? Answer::kCancel : Answer::kOk, {code});
   }
-  EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", c.sort, c.code, "Trust", Date::FromYmd(2026, 6, 30)),
-            c.changed);
-  const std::string row =
-      c.changed ? "Johnny Doe|" + c.sort + "|" + c.code : "John Doe|Doe, John|DOE01";
-  EXPECT_EQ(CentralRow(c.changed ? c.code : "DOE01"), row + "|Doe73.mdb");
-  EXPECT_EQ(ClientRow("Doe73.mdb"), row + (c.changed ? "|Trust |2026-06-30" : "| |2025-12-31"));
+  EXPECT_EQ(ModClientInfo(*app_, "Johnny Doe", sort, code, "Trust", Date::FromYmd(2026, 6, 30)),
+            changed);
+  const std::string row = changed ? "Johnny Doe|" + sort + "|" + code : "John Doe|Doe, John|DOE01";
+  EXPECT_EQ(CentralRow(changed ? code : "DOE01"), row + "|Doe73.mdb");
+  EXPECT_EQ(ClientRow("Doe73.mdb"), row + (changed ? "|Trust |2026-06-30" : "| |2025-12-31"));
   EXPECT_EQ(app_->current.client_name + "|" + app_->current.client_code,
-            c.changed ? "Johnny Doe|" + c.code : "John Doe|DOE01");
+            changed ? "Johnny Doe|" + code : "John Doe|DOE01");
   EXPECT_EQ(CountCentralRows("Clients"), 2);
 }
 
-const ModCase kModCases[] = {
-    {"AllFields", "DOE02", "Doe, Johnny", {}, true},
-    {"CodeOfOther", "smi01", "Doe, John", {kSortOk, {CodeInUse("smi01"), Answer::kOk}}, false},
-    {"CaseOnly", "doe01", "Doe, John", {{CodeInUse("doe01"), Answer::kOk}}, false},
-    {"OtherSortCancelGoesOn", "DOE02", "Smith, Ann", {kSortNo}, true},
-    {"OwnSortCancelStops", "DOE02", "Doe, John", {kSortNo}, false},
-    {"SameCodeAsksNothing", "DOE01", "Smith, Ann", {}, true},
-};
-INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest, ::testing::ValuesIn(kModCases),
-                         [](const auto& info) { return std::string(info.param.label); });
+INSTANTIATE_TEST_SUITE_P(Cases, ModClientInfoTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "mod_client.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // DelTaxpayer removes file and index row after a Yes only, also when the
 // file is already gone; an unindexed code is reported.
 TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   auto expect_question = [&](const std::string& code, Answer answer) {
-    ui_.Expect(
-        "Are you sure you want to delete all transactions, files and references within this "
-        "system to the taxpayer that has a taxpayer code of " +
-            code + "?",
-        "Warning", Icon::kExclamation, Buttons::kYesNo, answer);
+    ExpectSaid(ui_, __FILE__, "delete_taxpayer", answer, {code});
   };
   ASSERT_TRUE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
   ASSERT_TRUE(NewClient(*app_, "Jane Doe", "Doe, Jane", "DOE02", "", kYearEnd));
@@ -200,10 +171,7 @@ TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->client, nullptr);
   expect_question("XYZ", Answer::kYes);
-  ui_.Expect(
-      "One and only one record should be found with this taxpayer code. 0 records were found. "
-      "Could not remove from central file.",
-      "Warning", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "not_one_record");
   DelTaxpayer(*app_, "XYZ");
   EXPECT_EQ(CountCentralRows("Clients"), 1);
   std::filesystem::remove(app_->taxpayer_folder + "Doe73.mdb");
@@ -213,61 +181,50 @@ TEST_F(TaxpayerTest, DelTaxpayer_Cases) {
   EXPECT_EQ(env_->end_calls(), 0);
 }
 
-// VerifyNewModClient lists what is missing, name first; fills an empty sort
-// name from the name and an invalid year end with 1/1/1990 silently.
-TEST_F(TaxpayerTest, VerifyNewModClient_Cases) {
-  struct Case {
-    const char *label, *name, *sort, *code, *year_end;
-    std::string missing;  // the listed items; empty when accepted
-    const char* after;    // sort name and year end afterwards
-  };
-  const Case cases[] = {
-      {"SortFromName", "John Q Public", "", "PUB01", "06/30/2025", "", "Public, John Q|06/30/2025"},
-      {"NoNameNoCode", "", "", " ", "", " - Taxpayer Name\r\n - Taxpayer Code\r\n", "|1/1/1990"},
-      {"CodeMissing", "Ann", "Ann", "", "12/31/2025", " - Taxpayer Code\r\n", "Ann|12/31/2025"},
-      {"InvalidYearEnd", "Ann", "Ann", "A1", "13/45/2020", "", "Ann|1/1/1990"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.label);
-    NewModClientForm form;
-    form.client_name = c.name;
-    form.sort_name = c.sort;
-    form.client_code = c.code;
-    form.year_end = c.year_end;
-    if (!c.missing.empty()) {
-      ui_.Expect("The following items:\r\n" + c.missing + "need to be completed before continuing.",
-                 "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
-    }
-    EXPECT_EQ(VerifyNewModClient(*app_, form), c.missing.empty());
-    EXPECT_EQ(form.sort_name + "|" + form.year_end, c.after);
+// A Taxpayer File that is no database, or a damaged one, reaches the user
+// as the error handler's message for it; the program stops only where that message says
+// so, and neither file gains a row.
+class DamagedFileTest : public TaxpayerTest {
+ protected:
+  void SetUp() override {
+    TaxpayerTest::SetUp();
+    WriteTaxpayerFile("DOE0101.mdb", "DOE01", "John Doe");
+    path_ = app_->taxpayer_folder + "DOE0101.mdb";
+    TaxpayerIndex("DOE01", "John Doe", "Doe, John", "DOE0101.mdb");
   }
+
+  // Overwrites the file from byte `from` on, keeping its length.
+  void Scribble(std::streamoff from) {
+    std::fstream file(path_, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekg(0, std::ios::end);
+    std::streamoff size = file.tellg();
+    file.seekp(from);
+    file << std::string(static_cast<size_t>(size - from), '\xA5');
+  }
+
+  std::string path_;
+};
+
+TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
+  Scribble(0);
+  ExpectSaid(ui_, __FILE__, "not_a_database", Answer::kOk,
+             {ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient")});
+  EXPECT_FALSE(OpenClient(*app_, "DOE01"));
+  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_EQ(app_->client, nullptr);
 }
 
-// The dialog's "Modify Taxpayer" mode starts from the current taxpayer's
-// second line and year end and saves through ModClientInfo; a caption that
-// names no mode is reported and nothing is done.
-TEST_F(TaxpayerTest, NewModClient_ModifyAndUnknownCaption) {
-  ASSERT_TRUE(
-      NewClient(*app_, "John Doe", "Doe, John", "DOE01", "c/o Trust", Date::FromYmd(1990, 1, 1)));
-  ui_.ExpectDialog("dlgNewModClient", [&](DialogForm& f) {
-    auto& form = static_cast<NewModClientForm&>(f);
-    EXPECT_EQ(form.opt_line + "|" + form.year_end, "c/o Trust |01/01/1990");
-    form.year_end = "12/31/2025";
-    PressOkNewModClient(*app_, form);
-    EXPECT_TRUE(form.accepted);
-  });
-  ShowNewModClient(*app_, "Modify Taxpayer", "John Doe", "Doe, John", "DOE01");
-  EXPECT_EQ(ui_.help_texts().back(), "Saving modifications to Client");
-  EXPECT_EQ(ClientRow("Doe73.mdb"), "John Doe|Doe, John|DOE01|c/o Trust |2025-12-31");
-
-  NewModClientForm form;
-  form.caption = "Delete Taxpayer";
-  form.client_name = "John Doe";
-  form.client_code = "DOE02";
-  ui_.Expect("dlgNewModClient has incorrect caption!", "Error", Icon::kCritical, Buttons::kOk);
-  NewModClient_OK(*app_, form);
-  EXPECT_FALSE(form.accepted);
-  EXPECT_EQ(CountCentralRows("Clients"), 1);
+TEST_F(DamagedFileTest, DamagedPages_WarningAndCarryOn) {
+  // The 100-byte header survives, so SQLite knows the file as its own and
+  // finds the pages behind it damaged.
+  Scribble(100);
+  ExpectSaid(ui_, __FILE__, "damaged");
+  EXPECT_FALSE(OpenClient(*app_, "DOE01"));
+  EXPECT_EQ(env_->end_calls(), 0);
+  EXPECT_EQ(app_->client, nullptr);
+  EXPECT_EQ(State(*app_, kStateQuery), kClientClosed);
+  EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|DOE0101.mdb");
+  EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 }
 
 }  // namespace

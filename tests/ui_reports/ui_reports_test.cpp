@@ -177,80 +177,22 @@ TEST_F(UiReportsTest, BasisOptions_EnterMovesOnAndBadDateRefocuses) {
           EXPECT_EQ(dialog->focusWidget(), date);
           QTest::mouseClick(Find<QPushButton>(dialog, "btnCancel"), Qt::LeftButton);
         });
-  EXPECT_EQ(message,
-            "The Year End Date entered as 13/45/2025 is not valid.  Please re-enter the Year End "
-            "Date. If you are cancelling, click OK, and then click Cancel again.");
+  EXPECT_EQ(message, ReadSaid(kReportsSource, "invalid_year_end").text);
   EXPECT_TRUE(TopLevels("frmReportViewer").empty());
   EXPECT_EQ(desk_->prefs.basis_ye, "13/45/2025");
 }
 
-// Each report window opens captioned as its form says, with its controls,
-// filled from the preferences; Cancel closes it and changes nothing.
-struct WindowCase {
-  const char* name;
-  void (*show)(Application&);
-  const char* caption;
-  std::vector<const char*> controls;
-};
-
-class UiReportWindowsTest : public UiReportsTest,
-                            public ::testing::WithParamInterface<WindowCase> {};
-
-TEST_P(UiReportWindowsTest, Open_CaptionControlsCancel) {
-  const WindowCase& c = GetParam();
-  desk_->prefs.xact_start = "01/01/2025";
-  Drive([&] { c.show(*desk_); },
-        [&](QWidget* dialog) {
-          ASSERT_NE(dialog, nullptr);
-          EXPECT_EQ(dialog->windowTitle().toStdString(), c.caption);
-          for (const char* control : c.controls) Find<QWidget>(dialog, control);
-          if (auto* begin = dialog->findChild<QLineEdit*>("dtBeginDate")) {
-            EXPECT_EQ(begin->displayText(), "01/01/2025");
-          }
-          QTest::keyClick(dialog, Qt::Key_Escape);
-        });
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
-  EXPECT_TRUE(TopLevels("frmReportViewer").empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Windows, UiReportWindowsTest,
-    ::testing::Values(
-        WindowCase{"ScheduleD",
-                   ShowScheduleDDialog,
-                   "Schedule D Options",
-                   {"dtYearEnd", "CSoptScope2", "CSoptReportType", "chkElections", "btnPrint"}},
-        WindowCase{"TransList",
-                   ShowTransListingDialog,
-                   "Transaction Listing Options",
-                   {"CSoptScope", "dtBeginDate", "dtEndDate", "btnView", "btnCancel"}},
-        WindowCase{"TaxpayerList",
-                   ShowTaxpayerListingDialog,
-                   "Taxpayer Listing Options",
-                   {"CSoptSortBy0", "CSoptSortBy1", "btnView"}},
-        WindowCase{"SecList",
-                   ShowSecListingDialog,
-                   "Security Listing Options",
-                   {"CSOptListFrom1", "CSoptSortBy1", "btnPrint"}}),
-    [](const auto& info) { return std::string(info.param.name); });
-
 // The viewer draws each page at 100 % (a point is 1/72 inch) and its pages
 // fill the window whatever its size.
 ReportDocument TwoPages() {
-  ReportDocument document;
-  document.title = "Test Report";
-  ReportPage page;
-  page.rules.push_back({72, 100, 540, 100, 2});
-  ReportText right;
-  right.x = 72;
-  right.y = 200;
-  right.width = 300;
-  right.text = "X";
-  right.align = ReportText::Align::kRight;
-  right.size = 20;
-  page.texts.push_back(right);
-  document.pages = {page, page};
-  return document;
+  const ReportPage page{{{.x = 72,
+                          .y = 200,
+                          .width = 300,
+                          .text = "X",
+                          .align = ReportText::Align::kRight,
+                          .size = 20}},
+                        {{72, 100, 540, 100, 2}}};
+  return {.title = "Test Report", .pages = {page, page}};
 }
 
 TEST_F(UiReportsTest, Viewer_FullSizePagesFollowWindow) {

@@ -13,35 +13,15 @@
 #include "ground/paths.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 
-namespace lotwise {
+namespace lotwise::testing {
 namespace {
 
-using testing::AppTest;
-using testing::FatalMessage;
-using testing::Lines;
-using testing::Rows;
-
-// What the help bar shows at each step of the chain, in chain order, for the
-// central file and for a Taxpayer File; step 9 is where the irregular
-// "LW99.10" joins.
-constexpr const char* kCentralTexts[] = {
-    "Updating SSF to LW96.11",   "Updating SSF to LW96.12",   "Updating SSF to LW96.13",
-    "Updating to SSF LW96.20",   "Updating to SSF LW96.21",   "Updating to SSF LW97.10",
-    "Updating to SSF LW97.10",   "Updating to SSF LW98.10",   "Updating to SSF LW1999.10",
-    "Updating to SSF LW1999.10", "Updating to SSF LW1999.20", "Updating to SSF LW1999.21",
-    "Updating to SSF LW2000.10", "Updating to SSF LW2000.20", "Updating to SSF LW2000.23",
-    "Updating to SSF LW2000.23", "Updating to SSF LW2001.12", "Updating to SSF LW2005.20"};
-constexpr const char* kClientTexts[] = {
-    "Updating to LW96.11",   "Updating to LW96.12",   "Updating to LW96.13",
-    "Updating to LW96.20",   "Updating to LW96.21",   "Updating to LW97.10",
-    "Updating to LW97.10",   "Updating to LW97.10",   "Updating to LW1999.10",
-    "Updating to LW1999.10", "Updating to LW1999.20", "Updating to LW1999.21",
-    "Updating to LW2000.10", "Updating to LW2000.20", "Updating to LW2000.23",
-    "Updating to LW2000.23", "Updating to LW2001.12", "Updating to LW2005.20"};
-constexpr int kStepCount = static_cast<int>(std::size(kCentralTexts));
-static_assert(std::size(kClientTexts) == kStepCount);
-constexpr int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
+// The help bar's text at each step of the chain (golden/steps.txt).
+const std::vector<GoldenCase> kSteps = ReadCases(__FILE__, "steps.txt");
+const int kStepCount = static_cast<int>(kSteps.at(0).Lines("").size());
+const int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
 const std::string kStale = "SELECT 'stale'";
 const std::string kMissing = "(missing)";
 
@@ -49,7 +29,7 @@ const std::string kMissing = "(missing)";
 Lines Texts(int first, int last, bool central, int skipped = -1) {
   Lines texts;
   for (int i = first; i <= last; ++i) {
-    if (i != skipped) texts.push_back((central ? kCentralTexts : kClientTexts)[i]);
+    if (i != skipped) texts.push_back(kSteps.at(central ? 0 : 1).Lines("").at(i));
   }
   return texts;
 }
@@ -147,14 +127,7 @@ class OldTaxpayerFileTest : public AppTest {
     OpenFreshTaxpayer();
     SetVersion(*app_->client, version);
     app_->client->DeleteSavedQuery("Total Shares Per Table");
-    // Zeta's IBM is the older row, so its method wins over Alpha's.
-    app_->client->ExecuteScript(R"(DROP TABLE "Sell Method";
-ALTER TABLE "Security" ADD COLUMN "Sell Method" INTEGER;
-INSERT INTO "Portfolio" ("Port Name", "2nd Line") VALUES ('Zeta', ' '), ('Alpha', ' ');
-INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line", "Sell Method")
-  VALUES ('IBM', 'Zeta', ' ', 3), ('MSFT', 'Zeta', ' ', 0), ('IBM', 'Alpha', ' ', 1),
-         ('T', 'Alpha', ' ', NULL);
-INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (2, '01/02/1996-1', '1996-01-02');)");
+    app_->client->ExecuteScript(ReadText(GoldenPath(__FILE__, "old_file.sql")));
   }
 };
 
@@ -272,4 +245,4 @@ TEST_F(AppTest, ClientTo96_12_AddsOnlyMissingQueries) {
 }
 
 }  // namespace
-}  // namespace lotwise
+}  // namespace lotwise::testing

@@ -1,0 +1,2 @@
+INSERT INTO "Usage" VALUES (1);
+INSERT INTO "BA Info" VALUES ('Mary Major', 'MAJ01', 'Trustee ', '2024-06-30', 'Security');
