@@ -294,23 +294,6 @@ const std::array kReportQueries = {
         R"(ORDER BY "Date", "TransNo", "Trans Row")"},
 };
 
-struct SizedField {
-  std::string_view table;
-  std::string_view field;
-  int size;
-};
-
-// "*" stands for every table that has the field.
-constexpr std::array kTextSizes = {
-    SizedField{"*", "Sec Symbol", 10},  SizedField{"*", "Sec Name", 50},
-    SizedField{"*", "CUSIP", 12},       SizedField{"*", "Client Code", 10},
-    SizedField{"*", "Client Name", 50}, SizedField{"*", "Sort Name", 50},
-    SizedField{"*", "File Name", 64},   SizedField{"*", "2nd Line", 50},
-    SizedField{"*", "Port Name", 50},   SizedField{"*", "Block ID", 20},
-    SizedField{"*", "Notes", 255},      SizedField{"Change", "Description", 255},
-    SizedField{"*", "Version", 20},
-};
-
 template <size_t N>
 void WriteQueries(Database& db, const std::array<SavedQuery, N>& queries) {
   for (const auto& [name, sql] : queries) db.SetSavedQuery(name, sql);
@@ -378,13 +361,6 @@ void CreateTemplate(FileKind kind, const std::string& path) {
                 {{"v", std::string(kCurrentDataVersion)}});
   }
   unit.Commit();
-}
-
-int DefinedTextSize(std::string_view table, std::string_view field) {
-  for (const SizedField& sized : kTextSizes) {
-    if (sized.field == field && (sized.table == "*" || sized.table == table)) return sized.size;
-  }
-  return 0;
 }
 
 }  // namespace lotwise

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "ground/field_sizes.h"
+
 namespace lotwise {
 
 class Database;
@@ -17,11 +19,6 @@ enum class FileKind { kCentral, kTaxpayer, kReport };
 // saved query, and (central and Taxpayer File) the current data version.
 // The file must not exist yet.
 void CreateTemplate(FileKind kind, const std::string& path);
-
-// Returns the defined size of a text field, or 0 when the field is not a
-// sized text field. SQLite does not enforce sizes; the program does where
-// it must (the change log's Description).
-int DefinedTextSize(std::string_view table, std::string_view field);
 
 // The SQL of the saved queries the upgrade steps write, shared with the
 // templates so that an upgraded file holds the same texts as a new one.

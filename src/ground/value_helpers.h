@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "ground/date.h"
+#include "ground/field_sizes.h"
 
 namespace lotwise {
 
@@ -42,7 +43,7 @@ size_t CharacterCount(std::string_view text);
 
 // The most characters a security symbol may have: the key it is stored
 // under holds no more, and a key is never cut.
-inline constexpr int kMaxSymbolCharacters = 10;
+inline constexpr int kMaxSymbolCharacters = DefinedTextSize("Securities", "Sec Symbol");
 
 // Returns true iff `symbol` has at most kMaxSymbolCharacters characters;
 // otherwise tells the user the limit and returns false.

@@ -6,7 +6,7 @@
 
 #include "app/add_mod_sec.h"
 #include "app/sec_symbol.h"
-#include "data/schema.h"
+#include "ground/field_sizes.h"
 #include "ground/value_helpers.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"

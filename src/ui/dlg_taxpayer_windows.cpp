@@ -6,7 +6,7 @@
 #include "app/file_location_dialog.h"
 #include "app/portfolio_dialogs.h"
 #include "app/taxpayer_dialog.h"
-#include "data/schema.h"
+#include "ground/field_sizes.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 

@@ -30,6 +30,7 @@
 #include "app/taxpayer_file.h"
 #include "data/application.h"
 #include "data/central_file.h"
+#include "ground/field_sizes.h"
 #include "ground/ui_port.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
@@ -343,9 +344,9 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   second_line_ =
       add_field(2, "lblOptLine", "2nd Line:", "txt2ndLine",
                 "Use this for any extra information you want to keep about the Security");
-  sec_name_->setMaxLength(50);
-  sec_cusip_->setMaxLength(12);
-  second_line_->setMaxLength(50);
+  sec_name_->setMaxLength(DefinedTextSize("Securities", "Sec Name"));
+  sec_cusip_->setMaxLength(DefinedTextSize("Securities", "CUSIP"));
+  second_line_->setMaxLength(DefinedTextSize("Security", "2nd Line"));
   sell_method_ = new QLabel(sec_display_);
   sell_method_->setObjectName("lblSellMethod");
   fields->addWidget(sell_method_, 1, 2);
