@@ -12,7 +12,7 @@ class Application;
 class Database;
 
 // The taxpayers the Security Symbols File knows of: one row per Taxpayer
-// File, read and written by the start-up reconciliation and the listings.
+// File, kept by the taxpayer commands and the start-up reconciliation.
 struct IndexedClient {
   std::string name;
   std::string sort_name;
