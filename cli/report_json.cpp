@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "data/database.h"
+#include "ground/currency.h"
 #include "ground/date.h"
 #include "ground/number_text.h"
 #include "reports/report_db.h"
@@ -73,31 +74,27 @@ size_t Utf8SequenceLength(std::string_view text, size_t i) {
   return length;
 }
 
-std::string ValueJson(const Query& row, const std::string& column) {
-  const char* name = column.c_str();
-  if (row.IsNull(name)) return "null";
+std::string ValueJson(const ReportCell& cell, const std::string& column) {
+  if (cell.is_null) return "null";
   switch (KindOfField(column)) {
     case FieldKind::kInteger:
-      return std::to_string(row.Int(name));
-    case FieldKind::kNumber: {
-      const double value = row.Double(name);
-      return std::isfinite(value) ? NumberText(value) : "null";
-    }
+      return std::to_string(cell.integer);
+    case FieldKind::kNumber:
+      return std::isfinite(cell.number) ? NumberText(cell.number) : "null";
     case FieldKind::kMoney:
-      return row.Money(name).ToString();
+      return Currency::FromUnits(cell.integer).ToString();
     case FieldKind::kFlag:
-      return row.Int(name) != 0 ? "true" : "false";
+      return cell.integer != 0 ? "true" : "false";
     case FieldKind::kDate: {
       // A value that is not in the storage form is shown as it stands
       // rather than guessed at.
-      const std::string stored = row.Text(name);
-      const std::optional<Date> date = Date::ParseIso(stored);
-      return JsonString(date ? date->ToString() : stored);
+      const std::optional<Date> date = Date::ParseIso(cell.text);
+      return JsonString(date ? date->ToString() : cell.text);
     }
     case FieldKind::kText:
       break;
   }
-  return JsonString(row.Text(name));
+  return JsonString(cell.text);
 }
 
 }  // namespace
@@ -149,19 +146,17 @@ std::string ReportTablesJson(Database& report_db, const std::vector<std::string>
     json += first_table ? "\n  " : ",\n  ";
     first_table = false;
     json += JsonString(table) + ": [";
-    Query rows = ReadReportTable(report_db, table);
-    std::vector<std::string> columns;
-    for (int i = 0; i < rows.ColumnCount(); ++i) {
-      std::string column = rows.ColumnName(i);
-      if (column != kInternalKey) columns.push_back(std::move(column));
-    }
+    const ReportTable read = ReadReportTable(report_db, table);
     bool first_row = true;
-    while (rows.Next()) {
+    for (const std::vector<ReportCell>& row : read.rows) {
       json += first_row ? "\n    {" : ",\n    {";
       first_row = false;
-      for (size_t i = 0; i < columns.size(); ++i) {
-        if (i > 0) json += ", ";
-        json += JsonString(columns[i]) + ": " + ValueJson(rows, columns[i]);
+      bool first_field = true;
+      for (size_t i = 0; i < read.columns.size(); ++i) {
+        if (read.columns[i] == kInternalKey) continue;
+        if (!first_field) json += ", ";
+        first_field = false;
+        json += JsonString(read.columns[i]) + ": " + ValueJson(row[i], read.columns[i]);
       }
       json += "}";
     }

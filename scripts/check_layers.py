@@ -10,7 +10,8 @@ layer above, and no set of modules may include each other in a cycle.
 
 It also checks that SQL stays in the storage layer: outside src/data (and
 the report database's own module, src/reports/report_db) no source file
-includes SQLiteCpp or holds a SQL statement in a string literal.
+includes SQLiteCpp or holds a SQL statement in a string literal, and outside
+those and the report engine none runs a statement or holds a Query.
 
 Exits 1 when an include points up, modules form a cycle or SQL is found
 outside its home, 0 otherwise.
@@ -34,6 +35,8 @@ SQL_HOMES = ("src/data/", "src/reports/report_db.")
 LITERAL = re.compile(r"'(?:[^'\\\n]|\\.)*'|R\"\((.*?)\)\"|\"((?:[^\"\\\n]|\\.)*)\"", re.S)
 STATEMENT = re.compile(r'\b(SELECT\s+[\w"*(]|INSERT\s+INTO|DELETE\s+FROM|UPDATE\s+"|CREATE\s+TABLE)')
 SQLITE_INCLUDE = re.compile(r'^\s*#\s*include\s+[<"]SQLiteCpp', re.M)
+QUERY_HOMES = SQL_HOMES + ("src/reports/report_engine.",)
+DB_CALL = re.compile(r'\b(?:Select|Execute|SelectSaved|ExecuteSaved)\(|\bQuery\s*&?\s+\w+\s*[=;({,)]')
 
 
 def sql_offences():
@@ -45,6 +48,9 @@ def sql_offences():
             if path.suffix not in (".h", ".cpp") or rel.startswith(SQL_HOMES):
                 continue
             text = path.read_text(encoding="utf-8")
+            for match in DB_CALL.finditer("" if rel.startswith(QUERY_HOMES) else text):
+                line = text.count("\n", 0, match.start()) + 1
+                found.append(f"sql: {rel}:{line} runs a statement or holds a Query")
             if SQLITE_INCLUDE.search(text):
                 found.append(f"sql: {rel} includes SQLiteCpp")
             for match in LITERAL.finditer(text):

@@ -12,6 +12,7 @@
 #include "app/taxpayer_file.h"
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_index.h"
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "data/file_rebuild.h"
@@ -78,14 +79,12 @@ void RequireTempFolder(Application& app) {
   if (!fs::is_directory(folder, ec)) throw LwError(err::kPathNotFound, "Path not found: " + folder);
 }
 
-// Opens a data file for this program alone. The empty exclusive unit takes
-// the file's write lock, which exclusive locking mode then keeps until the
-// file is closed: nobody can change the file while it is copied and
-// replaced, and a file another user is working in fails as busy.
+// Opens a data file for this program alone: nobody can change the file
+// while it is copied and replaced, and a file another user is working in
+// fails as busy.
 std::unique_ptr<Database> OpenAlone(Application& app, const std::string& path) {
   auto db = Database::Open(path, Database::Mode::kExclusive, app.storage_faults);
-  db->Execute("BEGIN EXCLUSIVE");
-  db->Execute("COMMIT");
+  TakeWriteLock(*db);
   return db;
 }
 
@@ -195,10 +194,8 @@ std::vector<MaintClientRow> ReadClientInfo(Application& app) {
     throw LwError(err::kUnexpected, "The Security Symbols File is not open: " + app.central_path);
   }
   std::vector<MaintClientRow> rows;
-  Query q = app.central->SelectSaved("ClientInfo");
-  while (q.Next()) {
-    rows.push_back(
-        {q.Text("Client Name"), q.Text("Sort Name"), q.Text("Client Code"), q.Text("File Name")});
+  for (const IndexedClient& client : ReadClientIndex(*app.central)) {
+    rows.push_back({client.name, client.sort_name, client.code, client.file_name});
   }
   return rows;
 }
@@ -347,7 +344,7 @@ FileResult CompressFile(Application& app, const std::string& path) {
     auto db = OpenAlone(app, path);
     CopyToBackup(path);
     RemoveIfPresent(temp);
-    db->Execute("VACUUM INTO :into", {{"into", temp}});
+    CompactInto(*db, temp);
     db.reset();
     RequireSound(app, temp);
     SyncPath(temp, true);

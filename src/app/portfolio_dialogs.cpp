@@ -2,6 +2,7 @@
 
 #include "app/taxpayer_file.h"
 #include "data/application.h"
+#include "data/client_info.h"
 #include "data/current_context.h"
 #include "data/database.h"
 #include "data/error_handler.h"
@@ -178,9 +179,8 @@ void LoadPortList(Application& app, OpenDelPortForm& form) {
   const std::string keep = before ? before->port_name : std::string();
   form.portfolios.clear();
   form.selected = -1;
-  Query q = app.client->SelectSaved("dlgOpenDelPort");
-  while (q.Next()) {
-    PortListRow row{q.Text("Port Name"), TrimRight(q.Text("2nd Line"))};
+  for (const PortfolioOnFile& port : ReadPortfolioPickList(*app.client)) {
+    PortListRow row{port.name, TrimRight(port.second_line)};
     if (form.selected < 0 && !keep.empty() && row.port_name == keep) {
       form.selected = static_cast<int>(form.portfolios.size());
     }

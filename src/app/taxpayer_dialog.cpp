@@ -3,7 +3,8 @@
 #include "app/app_state.h"
 #include "app/taxpayer_file.h"
 #include "data/application.h"
-#include "data/central_file.h"
+#include "data/client_index.h"
+#include "data/client_info.h"
 #include "data/current_context.h"
 #include "data/database.h"
 #include "data/error_handler.h"
@@ -22,18 +23,18 @@ namespace {
 // index row (which points at the lost file) makes room while the dialog is
 // open, and comes back unchanged if the user gives up. Returns true iff a
 // Taxpayer File is open afterwards.
-bool RecreateClientFile(Application& app, const CentralClient& row) {
+bool RecreateClientFile(Application& app, const IndexedClient& row) {
   Database& central = *app.central;
-  DeleteCentralClient(central, row.code);
+  DeleteIndexedClient(central, row.code);
   ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
   if (app.ended) {
     // A fatal error in the dialog has closed the files; the row still goes
     // back, through a connection of its own.
     auto reopened = Database::Open(app.central_path, Database::Mode::kShared, app.storage_faults);
-    if (!FindCentralClient(*reopened, row.code)) InsertCentralClient(*reopened, row);
+    if (!FindIndexedClient(*reopened, row.code)) AddIndexedClient(*reopened, row);
     return false;
   }
-  if (!FindCentralClient(central, row.code)) InsertCentralClient(central, row);
+  if (!FindIndexedClient(central, row.code)) AddIndexedClient(central, row);
   return app.client != nullptr;
 }
 
@@ -41,7 +42,7 @@ bool RecreateClientFile(Application& app, const CentralClient& row) {
 
 bool OpenClient(Application& app, const std::string& code) {
   return Trap(app, "OpenClient", false, [&] {
-    std::optional<CentralClient> row = FindCentralClient(*app.central, code);
+    std::optional<IndexedClient> row = FindIndexedClient(*app.central, code);
     if (!row) {
       ShowClientNotIndexed(app, code);
       return false;
@@ -207,10 +208,8 @@ void LoadClientList(Application& app, OpenClientForm& form) {
   }
   form.clients.clear();
   form.selected = -1;
-  Query q = app.central->SelectSaved("dlgOpenClient");
-  while (q.Next()) {
-    ClientListRow row{q.Text("Client Name"), q.Text("Sort Name"), q.Text("Client Code"),
-                      q.Text("File Name")};
+  for (const IndexedClient& indexed : ReadClientPickList(*app.central)) {
+    ClientListRow row{indexed.name, indexed.sort_name, indexed.code, indexed.file_name};
     if (form.selected < 0 && !keep.empty() && row.client_code == keep) {
       form.selected = static_cast<int>(form.clients.size());
     }
@@ -268,16 +267,8 @@ void OpenClient_OK(Application& app, OpenClientForm& form) {
     }
     form.closed = true;
     if (!app.window.options.open_only_port || !app.client) return;
-    std::string only_port;
-    int ports = 0;
-    {
-      Query q = app.client->SelectSaved("dlgOpenDelPort");
-      while (ports < 2 && q.Next()) {
-        ++ports;
-        only_port = q.Text("Port Name");
-      }
-    }
-    if (ports == 1) OpenPort(app, only_port);
+    const std::vector<PortfolioOnFile> ports = ReadPortfolioPickList(*app.client);
+    if (ports.size() == 1) OpenPort(app, ports.front().name);
   });
 }
 

@@ -8,11 +8,14 @@
 #include "app/app_state.h"
 #include "data/application.h"
 #include "data/central_file.h"
+#include "data/client_index.h"
+#include "data/client_info.h"
+#include "data/client_rows.h"
 #include "data/current_context.h"
 #include "data/database.h"
 #include "data/error_handler.h"
-#include "data/query_builders.h"
 #include "data/schema.h"
+#include "data/security_rows.h"
 #include "data/upgrades.h"
 #include "ground/environment.h"
 #include "ground/lw_error.h"
@@ -30,10 +33,12 @@ constexpr const char* kSortNameExistsText =
     "The Sort Name for this Client already exists for another Client. This is OK, however you may "
     "want to change it if you want unique Sort Names.";
 
-// The stored form of a year end: NULL for the empty date.
-Value YearEndValue(Date year_end) {
-  if (year_end.serial() == 0) return Value{};
-  return Value{year_end};
+// The Client row as stored: no year end for the empty date.
+ClientOnFile ClientRow(const std::string& name, const std::string& sort_name,
+                       const std::string& code, const std::string& second_line, Date year_end) {
+  ClientOnFile row{name, sort_name, code, StoredSecondLine(second_line), std::nullopt};
+  if (year_end.serial() != 0) row.year_end = year_end;
+  return row;
 }
 
 void ShowCodeInUse(Application& app, const std::string& code) {
@@ -48,35 +53,11 @@ void ShowPortInUse(Application& app, const std::string& name) {
       "Portfolio Name in use!", Icon::kInformation, Buttons::kOk);
 }
 
-// Returns the code of the first central row (in the order the rows were
-// made) whose sort name equals `sort_name` without regard to case.
-std::optional<std::string> FindSortNameHolder(Database& central, const std::string& sort_name) {
-  Query q = central.Select(
-      R"(SELECT "Client Code" FROM "Clients" WHERE "Sort Name" = :sort COLLATE NOCASE )"
-      R"(ORDER BY rowid)",
-      {{"sort", sort_name}});
-  if (!q.Next()) return std::nullopt;
-  return q.Text("Client Code");
-}
-
-bool SymbolInCentral(Database& central, const std::string& symbol) {
-  Query q = central.Select(R"(SELECT 1 AS Found FROM "Securities" WHERE "Sec Symbol" = :symbol)",
-                           {{"symbol", symbol}});
-  return q.Next();
-}
-
-bool PortfolioHolds(Database& client, const std::string& port_name, const std::string& symbol) {
-  Query q =
-      client.SelectSaved("Get a Security", {{"sPortName", port_name}, {"sSecSymbol", symbol}});
-  return q.Next();
-}
-
 // True iff `file_name` is neither indexed in the central file nor present
 // in the taxpayer folder (both compared without regard to case, as the
 // files may live on a folder that ignores case).
 bool ClientFileNameFree(Application& app, const std::string& file_name) {
-  Query indexed = app.central->SelectSaved("File Name", {{"sFileName", file_name}});
-  if (indexed.Next()) return false;
+  if (FileNameIndexed(*app.central, file_name)) return false;
   const std::string wanted = ToUpperAscii(file_name);
   for (const std::string& existing : ListFiles(app.taxpayer_folder, "*.mdb")) {
     if (ToUpperAscii(existing) == wanted) return false;
@@ -101,14 +82,7 @@ void WriteNewClientFile(Application& app, const std::string& name, const std::st
   fs::copy_file(app.ProgramFile(kClientTemplateName), path);
   try {
     auto db = Database::Open(path, Database::Mode::kExclusive, app.storage_faults);
-    db->Execute(
-        R"(INSERT INTO "Client" ("Client Name", "Sort Name", "Client Code", "2nd Line", "Year End") )"
-        R"(VALUES (:name, :sort, :code, :line, :year_end))",
-        {{"name", name},
-         {"sort", sort_name},
-         {"code", code},
-         {"line", StoredSecondLine(second_line)},
-         {"year_end", YearEndValue(year_end)}});
+    InsertClientRow(*db, ClientRow(name, sort_name, code, second_line, year_end));
   } catch (...) {
     RemoveClientFileQuietly(app, file_name);
     throw;
@@ -151,11 +125,9 @@ void UpdateSecCentralField(Application& app, const CentralFieldChange& change,
     const bool go_on = change.is_name ? ConfirmSharedSecName(app, central, value, symbol)
                                       : ConfirmSharedSecCusip(app, central, value, symbol);
     if (!go_on) return;
-    const char* sql =
-        change.is_name
-            ? R"(UPDATE "Securities" SET "Sec Name" = :value WHERE "Sec Symbol" = :symbol)"
-            : R"(UPDATE "Securities" SET "CUSIP" = :value WHERE "Sec Symbol" = :symbol)";
-    if (central.Execute(sql, {{"value", value}, {"symbol", symbol}}) == 0) {
+    const int64_t changed = change.is_name ? SetCentralSecName(central, symbol, value)
+                                           : SetCentralSecCusip(central, symbol, value);
+    if (changed == 0) {
       app.ui().MessageBox(
           "The Security you have specified can't be found. You may need to Add it again.",
           "Security not found", Icon::kInformation, Buttons::kOk);
@@ -214,7 +186,7 @@ bool NewClient(Application& app, const std::string& name, const std::string& sor
     Database& central = *app.central;
     const std::string file_name = CalcClientFileName(app, sort_name);
     if (file_name.empty()) return false;
-    if (FindCentralClient(central, code)) {
+    if (FindIndexedClient(central, code)) {
       ShowCodeInUse(app, code);
       return false;
     }
@@ -235,7 +207,7 @@ bool NewClient(Application& app, const std::string& name, const std::string& sor
     {
       Database::Transaction unit(central);
       try {
-        InsertCentralClient(central, {name, sort_name, code, file_name});
+        AddIndexedClient(central, {name, sort_name, code, file_name});
       } catch (const LwError& e) {
         if (e.number() != err::kDuplicateKey) throw;
         code_in_use = true;
@@ -296,7 +268,7 @@ bool ModClientInfo(Application& app, const std::string& name, const std::string&
     Database& central = *app.central;
     Database& client = *app.client;
     const std::string current = app.current.client_code;
-    std::optional<CentralClient> before = FindCentralClient(central, current);
+    std::optional<IndexedClient> before = FindIndexedClient(central, current);
     if (!before) {
       ShowClientNotIndexed(app, current);
       return false;
@@ -304,7 +276,7 @@ bool ModClientInfo(Application& app, const std::string& name, const std::string&
 
     if (code != current) {
       // A change of letter case only finds the taxpayer's own row.
-      std::optional<CentralClient> holder = FindCentralClient(central, code);
+      std::optional<IndexedClient> holder = FindIndexedClient(central, code);
       if (holder && holder->code == current) {
         ShowCodeInUse(app, code);
         return false;
@@ -329,27 +301,9 @@ bool ModClientInfo(Application& app, const std::string& name, const std::string&
     bool code_in_use = false;
     {
       Database::Transaction client_unit(client);
-      const Params values = {{"name", name},
-                             {"sort", sort_name},
-                             {"code", code},
-                             {"line", StoredSecondLine(second_line)},
-                             {"year_end", YearEndValue(year_end)},
-                             {"current", current}};
-      // The Client table holds the one row of this file's taxpayer; a file
-      // that lost it gets it back.
-      if (client.Execute(R"(UPDATE "Client" SET "Client Name" = :name, "Sort Name" = :sort, )"
-                         R"("Client Code" = :code, "2nd Line" = :line, "Year End" = :year_end)",
-                         values) == 0) {
-        client.Execute(
-            R"(INSERT INTO "Client" ("Client Name", "Sort Name", "Client Code", "2nd Line", )"
-            R"("Year End") VALUES (:name, :sort, :code, :line, :year_end))",
-            values);
-      }
+      WriteClientRow(client, ClientRow(name, sort_name, code, second_line, year_end));
       try {
-        central.Execute(
-            R"(UPDATE "Clients" SET "Client Name" = :name, "Sort Name" = :sort, "Client Code" = :code )"
-            R"(WHERE "Client Code" = :current)",
-            {{"name", name}, {"sort", sort_name}, {"code", code}, {"current", current}});
+        ChangeIndexedClient(central, current, {name, sort_name, code, before->file_name});
       } catch (const LwError& e) {
         if (e.number() != err::kDuplicateKey) throw;
         code_in_use = true;
@@ -359,12 +313,7 @@ bool ModClientInfo(Application& app, const std::string& name, const std::string&
           client_unit.Commit();
         } catch (...) {
           try {
-            central.Execute(R"(UPDATE "Clients" SET "Client Name" = :name, "Sort Name" = :sort, )"
-                            R"("Client Code" = :old_code WHERE "Client Code" = :code)",
-                            {{"name", before->name},
-                             {"sort", before->sort_name},
-                             {"old_code", before->code},
-                             {"code", code}});
+            ChangeIndexedClient(central, code, *before);
           } catch (...) {
             // The original error is the one the user must see.
           }
@@ -395,7 +344,7 @@ void DelTaxpayer(Application& app, const std::string& code) {
     }
     CloseClientFile(app);
     Database& central = *app.central;
-    std::optional<CentralClient> row = FindCentralClient(central, code);
+    std::optional<IndexedClient> row = FindIndexedClient(central, code);
     if (row && !row->file_name.empty()) {
       const std::string wanted = ToUpperAscii(row->file_name);
       for (const std::string& existing : ListFiles(app.taxpayer_folder, "*")) {
@@ -407,11 +356,7 @@ void DelTaxpayer(Application& app, const std::string& code) {
         fs::remove(app.taxpayer_folder + existing + "-journal", ec);
       }
     }
-    int count = 0;
-    {
-      Query found = central.SelectSaved("Get a Client", {{"sClientCode", code}});
-      while (found.Next()) ++count;
-    }
+    const int64_t count = CountIndexedWithCode(central, code);
     if (count != 1) {
       app.ui().MessageBox("One and only one record should be found with this taxpayer code. " +
                               std::to_string(count) +
@@ -419,18 +364,15 @@ void DelTaxpayer(Application& app, const std::string& code) {
                           "Warning", Icon::kExclamation, Buttons::kOk);
       return;
     }
-    central.ExecuteSaved("DeleteClient", {{"sClientCode", code}});
+    DeleteIndexedClient(central, code);
   });
 }
 
 bool NewPort(Application& app, const std::string& name, const std::string& second_line) {
   return Trap(app, "NewPort", false, [&] {
     try {
-      app.client->Execute(R"(INSERT INTO "Portfolio" ("Port Name", "2nd Line", "Client Code") )"
-                          R"(VALUES (:name, :line, :code))",
-                          {{"name", name},
-                           {"line", StoredSecondLine(second_line)},
-                           {"code", app.current.client_code}});
+      InsertPortfolioRow(*app.client, {name, StoredSecondLine(second_line)},
+                         app.current.client_code);
     } catch (const LwError& e) {
       if (e.number() != err::kDuplicateKey) throw;
       ShowPortInUse(app, name);
@@ -445,17 +387,10 @@ bool NewPort(Application& app, const std::string& name, const std::string& secon
 
 bool ModPort(Application& app, const std::string& name, const std::string& second_line) {
   return Trap(app, "ModPort", false, [&] {
-    // The securities follow the new name through the key's ON UPDATE CASCADE,
-    // in the same statement.
     int64_t changed = 0;
     try {
-      changed = app.client->Execute(
-          R"(UPDATE "Portfolio" SET "Port Name" = :name, "2nd Line" = :line, "Client Code" = :code )"
-          R"(WHERE "Port Name" = :current)",
-          {{"name", name},
-           {"line", StoredSecondLine(second_line)},
-           {"code", app.current.client_code},
-           {"current", app.current.port_name}});
+      changed = ChangePortfolioRow(*app.client, app.current.port_name,
+                                   {name, StoredSecondLine(second_line)}, app.current.client_code);
     } catch (const LwError& e) {
       if (e.number() != err::kDuplicateKey) throw;
       ShowPortInUse(app, name);
@@ -469,19 +404,15 @@ bool ModPort(Application& app, const std::string& name, const std::string& secon
 
 bool DelPort(Application& app, const std::string& name) {
   return Trap(app, "DelPort", false, [&] {
-    // Its securities, blocks and transactions go with it (ON DELETE CASCADE).
-    app.client->ExecuteSaved("DelPortfolio", {{"sPortName", name}});
+    DeletePortfolioRow(*app.client, name);
     return true;
   });
 }
 
 bool OpenPort(Application& app, const std::string& name) {
   return Trap(app, "OpenPort", false, [&] {
-    {
-      // Another user may have deleted it since the list was shown.
-      Query port = Select(*app.client, Query_GetPort(name));
-      if (!port.Next()) return false;
-    }
+    // Another user may have deleted it since the list was shown.
+    if (!FindPortfolio(*app.client, name)) return false;
     app.current.ClearPort();
     UpdateCurrPort(app, name);
     State(app, kPortOpen);
@@ -513,19 +444,16 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
     if (!SymbolLengthValid(app.ui(), symbol)) return false;
     // The portfolio may hold a symbol the central file lacks: the outcome of
     // the central add (the user may decline it) does not stop the portfolio's.
-    if (!SymbolInCentral(*app.central, symbol)) AddSecToCDB(app, symbol, name, cusip);
+    if (!CentralHasSymbol(*app.central, symbol)) AddSecToCDB(app, symbol, name, cusip);
     // A fatal error there has closed the files.
     if (app.ended) return false;
 
     Database& client = *app.client;
-    bool already_held = PortfolioHolds(client, port_name, symbol);
+    bool already_held = FindSecurity(client, port_name, symbol).has_value();
     if (!already_held) {
       Database::Transaction unit(client);
       try {
-        client.Execute(
-            R"(INSERT INTO "Security" ("Sec Symbol", "Port Name", "2nd Line") )"
-            R"(VALUES (:symbol, :port, :line))",
-            {{"symbol", symbol}, {"port", port_name}, {"line", StoredSecondLine(second_line)}});
+        InsertSecurityRow(client, port_name, symbol, StoredSecondLine(second_line));
       } catch (const LwError& e) {
         if (e.number() != err::kDuplicateKey) throw;
         already_held = true;
@@ -547,8 +475,7 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
 
 bool DelSec(Application& app, const std::string& port_name, const std::string& symbol) {
   return Trap(app, "DelSec", false, [&] {
-    // Its blocks and their transactions go with it (ON DELETE CASCADE).
-    app.client->ExecuteSaved("Delete Security", {{"sPortName", port_name}, {"sSecSymbol", symbol}});
+    DeleteSecurityRow(*app.client, port_name, symbol);
     return true;
   });
 }
@@ -556,11 +483,8 @@ bool DelSec(Application& app, const std::string& port_name, const std::string& s
 void UpdateSec2ndLine(Application& app, const std::string& symbol, const std::string& second_line) {
   TrapVoid(app, "UpdateSec2ndLine", [&] {
     app.ui().SetHelpBarText("Updating Optional Line");
-    app.client->Execute(R"(UPDATE "Security" SET "2nd Line" = :line WHERE "Port Name" = :port )"
-                        R"(AND "Sec Symbol" = :symbol)",
-                        {{"line", StoredSecondLine(second_line)},
-                         {"port", app.current.port_name},
-                         {"symbol", symbol}});
+    SetSecuritySecondLine(*app.client, app.current.port_name, symbol,
+                          StoredSecondLine(second_line));
   });
 }
 

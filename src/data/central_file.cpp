@@ -22,15 +22,10 @@ constexpr const char* kCusipExistsText =
     "click OK, otherwise click Cancel.";
 constexpr const char* kCusipExistsTitle = "CUSIP already exists";
 
-// Symbols, names and CUSIPs are found the way the users type them: without
-// regard to case, as the key columns compare. Whether a found row is the
-// same security as the one being changed is decided on the exact symbol.
-bool SymbolExists(Database& central, const std::string& symbol) {
-  Query q = central.Select(R"(SELECT 1 AS Found FROM "Securities" WHERE "Sec Symbol" = :symbol)",
-                           {{"symbol", symbol}});
-  return q.Next();
-}
-
+// Names and CUSIPs are found the way the users type them: without regard to
+// case, as the key columns compare. Whether a found row is the same
+// security as the one being changed is decided on the exact symbol.
+//
 // True iff a security other than `symbol` (exact comparison; empty = any)
 // already carries `name`.
 bool NameTakenByOther(Database& central, const std::string& name, const std::string& symbol) {
@@ -54,6 +49,23 @@ bool CusipTakenByOther(Database& central, const std::string& cusip, const std::s
 bool IsBlank(const std::string& text) { return text.find_first_not_of(' ') == std::string::npos; }
 
 }  // namespace
+
+bool CentralHasSymbol(Database& central, const std::string& symbol) {
+  Query q = central.Select(R"(SELECT 1 AS Found FROM "Securities" WHERE "Sec Symbol" = :symbol)",
+                           {{"symbol", symbol}});
+  return q.Next();
+}
+
+int64_t SetCentralSecName(Database& central, const std::string& symbol, const std::string& name) {
+  return central.Execute(
+      R"(UPDATE "Securities" SET "Sec Name" = :value WHERE "Sec Symbol" = :symbol)",
+      {{"value", name}, {"symbol", symbol}});
+}
+
+int64_t SetCentralSecCusip(Database& central, const std::string& symbol, const std::string& cusip) {
+  return central.Execute(R"(UPDATE "Securities" SET "CUSIP" = :value WHERE "Sec Symbol" = :symbol)",
+                         {{"value", cusip}, {"symbol", symbol}});
+}
 
 bool ConfirmSharedSecName(Application& app, Database& central, const std::string& name,
                           const std::string& symbol) {
@@ -89,7 +101,7 @@ bool AddSecToCDB(Application& app, const std::string& symbol, const std::string&
     // A security without a known CUSIP carries the placeholder, which never
     // counts as a duplicate.
     if (IsBlank(cusip)) cusip = kNoCusip;
-    if (SymbolExists(central, symbol)) {
+    if (CentralHasSymbol(central, symbol)) {
       app.ui().MessageBox("The Symbol: " + symbol +
                               " already exists. Please enter a new Symbol or use the Security that "
                               "already exists.",
@@ -123,7 +135,7 @@ bool ModSecInCDB(Application& app, const std::string& symbol, const std::string&
     Database& central = *app.central;
     if (!ConfirmSharedSecName(app, central, name, symbol)) return false;
     if (!ConfirmSharedSecCusip(app, central, cusip, symbol)) return false;
-    if (!SymbolExists(central, symbol)) {
+    if (!CentralHasSymbol(central, symbol)) {
       app.ui().MessageBox(
           "The Security you have specified can't be found. You may need to Add it again.",
           "Security not found", Icon::kInformation, Buttons::kOk);
@@ -200,24 +212,6 @@ std::vector<CentralSecurity> ListCentralSecurities(Database& central) {
   while (q.Next())
     securities.push_back({q.Text("Sec Symbol"), q.Text("Sec Name"), q.Text("CUSIP")});
   return securities;
-}
-
-std::optional<CentralClient> FindCentralClient(Database& central, std::string_view code) {
-  Query q = Select(central, Query_GetClientCDB(code));
-  if (!q.Next()) return std::nullopt;
-  return CentralClient{q.Text("Client Name"), q.Text("Sort Name"), q.Text("Client Code"),
-                       q.Text("File Name")};
-}
-
-void InsertCentralClient(Database& central, const CentralClient& row) {
-  central.Execute(
-      R"(INSERT INTO "Clients" ("Client Name", "Sort Name", "Client Code", "File Name") )"
-      R"(VALUES (:name, :sort, :code, :file))",
-      {{"name", row.name}, {"sort", row.sort_name}, {"code", row.code}, {"file", row.file_name}});
-}
-
-void DeleteCentralClient(Database& central, const std::string& code) {
-  central.Execute(R"(DELETE FROM "Clients" WHERE "Client Code" = :code)", {{"code", code}});
 }
 
 }  // namespace lotwise

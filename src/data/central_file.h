@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,6 +32,11 @@ bool ModSecInCDB(Application& app, const std::string& symbol, const std::string&
                  const std::string& cusip);
 // Deletes the symbol's row. Returns true iff no error occurred.
 bool DelSecFromCDB(Application& app, const std::string& symbol);
+// True iff the file holds `symbol` (compared as the key column compares).
+bool CentralHasSymbol(Database& central, const std::string& symbol);
+// Sets the name / the CUSIP of the symbol's row; returns the rows changed.
+int64_t SetCentralSecName(Database& central, const std::string& symbol, const std::string& name);
+int64_t SetCentralSecCusip(Database& central, const std::string& symbol, const std::string& cusip);
 // Returns the field ("[Sec Name]", "CUSIP", "[Sec Symbol]") of the symbol's
 // row, or kSymbolNotInCentral when there is none.
 std::string GetSecInfoFromCDB(Application& app, const std::string& symbol, std::string_view field);
@@ -59,21 +63,5 @@ struct CentralSecurity {
 std::vector<CentralSecurity> ListCentralSecurities(Database& central);
 // Returns the number of program starts counted so far (0 after an error).
 int32_t GetUsageCount(Application& app);
-
-// A taxpayer's row of the central index, as read before it is changed.
-struct CentralClient {
-  std::string name;
-  std::string sort_name;
-  std::string code;
-  std::string file_name;
-};
-
-// Returns the central index row of `code` (compared without regard to
-// case), if there is one.
-std::optional<CentralClient> FindCentralClient(Database& central, std::string_view code);
-// Writes the taxpayer's row of the central index.
-void InsertCentralClient(Database& central, const CentralClient& row);
-// Removes the taxpayer's row of the central index.
-void DeleteCentralClient(Database& central, const std::string& code);
 
 }  // namespace lotwise

@@ -49,4 +49,11 @@ std::vector<PortfolioOnFile> ListPortfolios(Database& client) {
   return rows;
 }
 
+std::vector<PortfolioOnFile> ReadPortfolioPickList(Database& client) {
+  std::vector<PortfolioOnFile> rows;
+  Query q = client.SelectSaved("dlgOpenDelPort");
+  while (q.Next()) rows.push_back({q.Text("Port Name"), q.Text("2nd Line")});
+  return rows;
+}
+
 }  // namespace lotwise

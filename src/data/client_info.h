@@ -37,5 +37,8 @@ struct PortfolioOnFile {
 std::optional<PortfolioOnFile> FindPortfolio(Database& client, std::string_view name);
 // Every portfolio, by name.
 std::vector<PortfolioOnFile> ListPortfolios(Database& client);
+// The rows of the Open / Delete Portfolio list, in the order its own query
+// gives.
+std::vector<PortfolioOnFile> ReadPortfolioPickList(Database& client);
 
 }  // namespace lotwise

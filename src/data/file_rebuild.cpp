@@ -329,6 +329,15 @@ void RefreshSharesLeft(Database& fresh) {
 
 }  // namespace
 
+void TakeWriteLock(Database& db) {
+  db.Execute("BEGIN EXCLUSIVE");
+  db.Execute("COMMIT");
+}
+
+void CompactInto(Database& db, const std::string& to) {
+  db.Execute("VACUUM INTO :into", {{"into", to}});
+}
+
 RebuildCounts RebuildDatabase(Database& damaged, const std::string& template_path,
                               const std::string& to, StorageFaults* faults) {
   const std::vector<SchemaRow> schema = ReadSchema(damaged);

@@ -8,6 +8,14 @@ namespace lotwise {
 class Database;
 class StorageFaults;
 
+// Takes the file's write lock through an empty exclusive unit; in
+// exclusive locking mode the connection then keeps it until it is closed.
+// A file another connection is working in fails as busy.
+void TakeWriteLock(Database& db);
+
+// Writes a compacted copy of the file at `to`, which must not exist.
+void CompactInto(Database& db, const std::string& to);
+
 // What a rebuild carried over.
 struct RebuildCounts {
   int64_t rows_copied = 0;

@@ -310,8 +310,24 @@ std::vector<SchedDExportRow> ReadSchedDExport(Database& report_db) {
   return rows;
 }
 
-Query ReadReportTable(Database& report_db, std::string_view table) {
-  return report_db.Select("SELECT * FROM " + QuotedIdentifier(table) + " ORDER BY rowid");
+ReportTable ReadReportTable(Database& report_db, std::string_view table) {
+  Query q = report_db.Select("SELECT * FROM " + QuotedIdentifier(table) + " ORDER BY rowid");
+  ReportTable read;
+  for (int i = 0; i < q.ColumnCount(); ++i) read.columns.push_back(q.ColumnName(i));
+  while (q.Next()) {
+    std::vector<ReportCell>& row = read.rows.emplace_back();
+    for (const std::string& column : read.columns) {
+      const char* name = column.c_str();
+      // Whether it is NULL is asked first: a conversion may change the type
+      // the database reports for the value.
+      ReportCell& cell = row.emplace_back();
+      cell.is_null = q.IsNull(name);
+      cell.integer = q.Int(name);
+      cell.number = q.Double(name);
+      cell.text = q.Text(name);
+    }
+  }
+  return read;
 }
 
 }  // namespace lotwise

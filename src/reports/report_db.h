@@ -188,7 +188,19 @@ struct SchedDExportRow {
 };
 std::vector<SchedDExportRow> ReadSchedDExport(Database& report_db);
 
+// One field of a report table's row, read in every form a reader may want
+// (the integer and number as the database converts the stored value).
+struct ReportCell {
+  bool is_null = true;
+  int64_t integer = 0;
+  double number = 0;
+  std::string text;  // empty for NULL
+};
+struct ReportTable {
+  std::vector<std::string> columns;
+  std::vector<std::vector<ReportCell>> rows;  // each in the order of `columns`
+};
 // Every row of a report table, in the order written, every column.
-Query ReadReportTable(Database& report_db, std::string_view table);
+ReportTable ReadReportTable(Database& report_db, std::string_view table);
 
 }  // namespace lotwise
