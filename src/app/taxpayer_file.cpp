@@ -483,8 +483,9 @@ bool DelSec(Application& app, const std::string& port_name, const std::string& s
 void UpdateSec2ndLine(Application& app, const std::string& symbol, const std::string& second_line) {
   TrapVoid(app, "UpdateSec2ndLine", [&] {
     app.ui().SetHelpBarText("Updating Optional Line");
-    SetSecuritySecondLine(*app.client, app.current.port_name, symbol,
-                          StoredSecondLine(second_line));
+    const std::string stored = StoredSecondLine(second_line);
+    SetSecuritySecondLine(*app.client, app.current.port_name, symbol, stored);
+    if (app.current.sec_symbol == symbol) app.window.display.second_line = stored;
   });
 }
 

@@ -53,6 +53,8 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
             std::string& cusip, const std::string& second_line, const std::string& port_name);
 // Deletes the security with its blocks and transactions from the portfolio.
 bool DelSec(Application& app, const std::string& port_name, const std::string& symbol);
+// Stores the security's second line by the blank-line rule, and shows it in
+// the security panel when the security is the open one.
 void UpdateSec2ndLine(Application& app, const std::string& symbol, const std::string& second_line);
 void UpdateSecName(Application& app, const std::string& symbol, const std::string& name);
 void UpdateSecCusip(Application& app, const std::string& symbol, const std::string& cusip);

@@ -634,11 +634,8 @@ void MainWindow::StoreSecurityField(QLineEdit* field) {
   const std::string text = FromQ(field->text());
   const std::string symbol = app_.current.sec_symbol;
   if (field == second_line_) {
-    if (ToQ(text).trimmed() == ToQ(display.second_line).trimmed()) return;
-    RunCore([&](Application& app) {
-      UpdateSec2ndLine(app, symbol, text);
-      if (!app.ended) app.window.display.second_line = FromQ(ToQ(text).trimmed()) + " ";
-    });
+    if (StoredSecondLine(text) == StoredSecondLine(display.second_line)) return;
+    RunCore([&](Application& app) { UpdateSec2ndLine(app, symbol, text); });
     return;
   }
   const bool is_name = field == sec_name_;

@@ -153,6 +153,7 @@ TEST_F(MainWindowTest, SecFields_EnterMovesOnAndLeavingStores) {
   QTest::keyClicks(line, "held since 1999");
   QTest::keyClick(line, Qt::Key_Return);
   EXPECT_EQ(FirstText(*app_->client, R"(SELECT "2nd Line" FROM "Security")"), "held since 1999 ");
+  EXPECT_EQ(app_->window.display.second_line, "held since 1999 ");
 }
 
 // The grids show what the core holds for the open security: blocks oldest
