@@ -4,6 +4,7 @@
 #include "app/environment.h"
 #include "app/error_handler.h"
 #include "app/ini_file.h"
+#include "app/program_ended.h"
 #include "app/startup.h"
 
 namespace lotwise {
@@ -45,6 +46,7 @@ void SetFileLoc(Application& app, const std::string& ssf_folder, const std::stri
     // the INI write-back and the closing of EndProgram.
     app.ended = true;
     app.env().EndProcess(0);
+    throw ProgramEnded{};
   });
 }
 

@@ -5,6 +5,7 @@
 #include "app/app_state.h"
 #include "app/application.h"
 #include "app/error_handler.h"
+#include "app/program_ended.h"
 #include "app/security_display.h"
 #include "app/startup.h"
 #include "app/ui_port.h"
@@ -192,7 +193,7 @@ bool RunMenuCommand(Application& app, std::string_view name) {
 
 void CloseMainWindow(Application& app) {
   app.ui().SetHelpBarText("Thank you for using the Tarnwick Software - Lotwise");
-  EndProgram(app);
+  throw ProgramEnded{};
 }
 
 }  // namespace lotwise

@@ -110,21 +110,17 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
     app.ui().SetHelpBarText("Loading Security");
     std::string name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     std::string cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-    if (app.ended) return;
     // The taxpayer's transactions do not depend on the central row, so the
     // security opens either way; the marker text stands in for its name.
     if (name == kSymbolNotInCentral && AskReEnterDeletedSymbol(app, symbol)) {
       ShowReplaceSecInCDB(app, symbol);
-      if (app.ended) return;
       name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
       cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-      if (app.ended) return;
     }
 
     std::optional<SecurityRecord> found = GetASecurity(app, symbol);
     if (found && !found->sell_method) {
       AddSellMethod(app, symbol, kNotSelectedMethod);
-      if (app.ended) return;
       found = GetASecurity(app, symbol);
     }
     if (!found) {
@@ -149,9 +145,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
     display.trans_filter = 0;
     display.trans_filter_caption = kTransFilterCaptions[0];
     UpdateTransInBlock(app, display.trans_filter);
-    if (app.ended) return;
     UpdateSharesInSec(app);
-    if (app.ended) return;
     display.visible = true;
   });
 }

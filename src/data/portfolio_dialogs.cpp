@@ -71,7 +71,7 @@ void OpenSelectedPort(Application& app, OpenDelPortForm& form) {
     app.ui().SetHelpBarText("Opening Portfolio");
     opened = OpenPort(app, name);
   }
-  if (opened || app.ended) {
+  if (opened) {
     form.closed = true;
     return;
   }
@@ -100,10 +100,6 @@ void DeleteSelectedPort(Application& app, OpenDelPortForm& form) {
     HourglassGuard hourglass(app.ui());
     app.ui().SetHelpBarText("Deleting Portfolio");
     deleted = DelPort(app, name);
-  }
-  if (app.ended) {
-    form.closed = true;
-    return;
   }
   if (deleted && !app.current.port_name.empty() && SamePortName(app.current.port_name, name)) {
     ClosePort(app);
@@ -156,7 +152,7 @@ void NewModPort_OK(Application& app, NewModPortForm& form) {
                           Buttons::kOk);
     }
     // A refused entry keeps the dialog open with the user's values.
-    if (done || app.ended) form.closed = true;
+    if (done) form.accepted = form.closed = true;
   });
 }
 

@@ -98,7 +98,7 @@ void NewModClient_OK(Application& app, NewModClientForm& form) {
 
 void PressOkNewModClient(Application& app, NewModClientForm& form) {
   if (VerifyNewModClient(app, form)) NewModClient_OK(app, form);
-  if (form.accepted || app.ended) form.closed = true;
+  if (form.accepted) form.closed = true;
 }
 
 void NewModClient_Cancel(Application& app, NewModClientForm& form) {
@@ -169,10 +169,6 @@ void OpenClient_Open(Application& app, OpenClientForm& form) {
       const ClientListRow* row = SelectedClient(form);
       if (!row) return;
       DelTaxpayer(app, row->client_code);
-      if (app.ended) {
-        form.closed = true;
-        return;
-      }
       LoadClientList(app, form);
     }
   });
@@ -198,10 +194,6 @@ void OpenClient_OK(Application& app, OpenClientForm& form) {
       form.clients.clear();
       form.selected = -1;
       opened = OpenClient(app, code);
-    }
-    if (app.ended) {
-      form.closed = true;
-      return;
     }
     if (!opened) {
       // The user may pick another taxpayer or cancel.

@@ -10,6 +10,7 @@
 #include "app/error_handler.h"
 #include "app/lw_error.h"
 #include "app/paths.h"
+#include "app/program_ended.h"
 #include "app/ui_port.h"
 #include "app/value_helpers.h"
 #include "data/central_file.h"
@@ -160,13 +161,14 @@ void WriteNewClientFile(Application& app, const std::string& name, const std::st
 bool RecreateClientFile(Application& app, const CentralClient& row) {
   Database& central = *app.central;
   central.Execute(R"(DELETE FROM "Clients" WHERE "Client Code" = :code)", {{"code", row.code}});
-  ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
-  if (app.ended) {
-    // A fatal error in the dialog has closed the files; the row still goes
-    // back, through a connection of its own.
+  try {
+    ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
+  } catch (const ProgramEnded&) {
+    // The program ends on a fatal error in the dialog; the row still goes
+    // back first, through a connection of its own.
     auto reopened = Database::Open(app.central_path, Database::Mode::kShared, app.storage_faults);
     if (!FindCentralClient(*reopened, row.code)) InsertCentralClient(*reopened, row);
-    return false;
+    throw;
   }
   if (!FindCentralClient(central, row.code)) InsertCentralClient(central, row);
   return app.client != nullptr;
@@ -318,7 +320,7 @@ bool NewClient(Application& app, const std::string& name, const std::string& sor
 
     CloseClientFile(app);
     // The taxpayer stays created even when the open one could not be closed.
-    if (app.ended || State(app, kStateQuery) != kClientClosed) return true;
+    if (State(app, kStateQuery) != kClientClosed) return true;
     OpenClientFile(app, file_name);
     UpdateCurrClient(app, file_name, code);
     State(app, kClientOpen);
@@ -614,8 +616,6 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
     // The portfolio may hold a symbol the central file lacks: the outcome of
     // the central add (the user may decline it) does not stop the portfolio's.
     if (!SymbolInCentral(*app.central, symbol)) AddSecToCDB(app, symbol, name, cusip);
-    // A fatal error there has closed the files.
-    if (app.ended) return false;
 
     Database& client = *app.client;
     bool already_held = PortfolioHolds(client, port_name, symbol);

@@ -92,7 +92,6 @@ void SecList_Select(Application& app, int index) {
     const std::string symbol =
         window.securities[static_cast<size_t>(window.selected_security)].symbol;
     ShowSecDisplay(app, symbol);
-    if (app.ended) return;
     // A security that has gone is not opened; the list shows what is left.
     if (!window.display.visible) {
       ReloadSecList(app);
@@ -124,7 +123,6 @@ void SecList_Delete(Application& app) {
     app.ui().SetHelpBarText("Deleting Security");
     if (!DelSec(app, GetCurrPortInfo(app, "[Port Name]"), symbol)) return;
     HideSecDisplay(app);
-    if (app.ended) return;
     if (SameSymbol(app.current.sec_symbol, symbol)) {
       app.current.sec_id = 0;
       app.current.sec_symbol.clear();

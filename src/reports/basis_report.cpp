@@ -66,7 +66,8 @@ Date YearStart(Date year_end) { return year_end.AddYears(-1).AddDays(1); }
 
 Date LongTermDate(Date acquired) { return acquired.AddMonths(12).AddDays(1); }
 
-bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
+bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request, bool* export_made) {
+  if (export_made != nullptr) *export_made = false;
   return Trap(app, "RunBasisSchedDReport", false, [&] {
     UiPort& ui = app.ui();
     Date year_end;
@@ -133,7 +134,8 @@ bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
       }
       run_report({"Preparing Schedule D attachment, please wait...", "Schedule D Attachment",
                   request.detail ? "SCHED_D1.RPT" : "SCHED_D2.RPT"});
-      CreateSchDExportFile(app);
+      const bool made = CreateSchDExportFile(app);
+      if (export_made != nullptr) *export_made = made;
     }
     if (request.kind != BasisKind::kScheduleD) {
       std::string file = request.detail ? "BASIS_DT" : "BASIS_SM";

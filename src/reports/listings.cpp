@@ -90,8 +90,6 @@ bool RunClientReport(Application& app, ReportDestination destination, ClientSort
   return Trap(app, "RunClientReport", false, [&] {
     app.ui().SetHelpBarText("Preparing Taxpayer Report, Please Wait...");
     if (!CreateClientReportTables(app, sort)) {
-      // After a fatal error the program is ending: nothing more to say.
-      if (app.ended) return false;
       app.ui().MessageBox(
           "The report can't be generated. If an error was reported you should try to correct it "
           "first and then try the report again.",
@@ -127,7 +125,6 @@ bool RunSecReport(Application& app, ReportDestination destination, int list_from
     if (!PortfolioOpenFor(app, list_from)) return false;
     app.ui().SetHelpBarText("Preparing Security Listing Report, Please wait...");
     if (!CreateSecReportTables(app, list_from)) {
-      if (app.ended) return false;
       app.ui().MessageBox(
           "The Report can not be generated. If an error message was displayed you should try to "
           "correct the error first.You will need to run the report again.",
@@ -184,7 +181,6 @@ bool CreateSecReportTables(Application& app, int list_from) {
       const std::string name = GetSecInfoFromCDB(app, row.symbol, "[Sec Name]");
       const std::string cusip = GetSecInfoFromCDB(app, row.symbol, "CUSIP");
       const std::string method = GetSellName(app, row.method);
-      if (app.ended) return false;
       report->Execute(
           R"(INSERT INTO "Sec List Report" ("Port Name", "Sec Symbol", "Sec Name", "CUSIP", )"
           R"("2nd Line", "Sell Method") VALUES (:port, :symbol, :name, :cusip, :line, :method))",

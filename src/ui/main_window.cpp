@@ -27,7 +27,9 @@
 
 #include "app/application.h"
 #include "app/main_window_commands.h"
+#include "app/program_ended.h"
 #include "app/security_display.h"
+#include "app/startup.h"
 #include "app/ui_port.h"
 #include "data/central_file.h"
 #include "data/taxpayer_file.h"
@@ -553,25 +555,35 @@ void MainWindow::RunCore(Procedure procedure) {
     return;
   }
   command_running_ = true;
-  procedure(app_);
+  EndsHere([&] { procedure(app_); });
   command_running_ = false;
   Refresh();
-  if (app_.ended) close();
+  if (program_ended_) close();
 }
 
 bool MainWindow::RunCommand(std::string_view name) {
-  if (command_running_ || app_.ended) {
+  if (command_running_ || program_ended_) {
     Refresh();
     return false;
   }
   command_running_ = true;
   command_refresh_->start();
-  const bool ran = RunMenuCommand(app_, name);
+  bool ran = true;
+  EndsHere([&] { ran = RunMenuCommand(app_, name); });
   command_refresh_->stop();
   command_running_ = false;
   Refresh();
-  if (app_.ended) close();
+  if (program_ended_) close();
   return ran;
+}
+
+void MainWindow::EndsHere(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const ProgramEnded&) {
+    EndProgram(app_);
+    program_ended_ = true;
+  }
 }
 
 void MainWindow::Refresh() {
@@ -635,7 +647,7 @@ void MainWindow::StoreSecurityField(QLineEdit* field) {
     if (ToQ(text).trimmed() == ToQ(display.second_line).trimmed()) return;
     RunCore([&](Application& app) {
       UpdateSec2ndLine(app, symbol, text);
-      if (!app.ended) app.window.display.second_line = FromQ(ToQ(text).trimmed()) + " ";
+      app.window.display.second_line = FromQ(ToQ(text).trimmed()) + " ";
     });
     return;
   }
@@ -647,12 +659,11 @@ void MainWindow::StoreSecurityField(QLineEdit* field) {
     } else {
       UpdateSecCusip(app, symbol, text);
     }
-    if (app.ended) return;
     // Shows what the Security Symbols File now holds: the new text, or the
     // old one when the user kept it.
     const std::string name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     const std::string cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-    if (!app.ended) ModifySecDisplay(app, symbol, name, cusip);
+    ModifySecDisplay(app, symbol, name, cusip);
   });
   // The field lost the focus, so Refresh may now write the stored text.
   const QString shown = ToQ(is_name ? app_.window.display.sec_name : app_.window.display.sec_cusip);
@@ -674,8 +685,8 @@ void MainWindow::HideGauge() {
 void MainWindow::RecordGoodSize() { last_good_size_ = size(); }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (!app_.ended && !command_running_) CloseMainWindow(app_);
-  if (!app_.ended) {
+  if (!program_ended_ && !command_running_) EndsHere([this] { CloseMainWindow(app_); });
+  if (!program_ended_) {
     // A command is still running (a dialog is open): the window stays.
     event->ignore();
     return;

@@ -109,7 +109,7 @@ TEST_F(ExportTest, Export_LinesInOrder) {
   Security("ACME", "ACME FUND");
   ExpectDialogue(file_);
   ExpectWritten();
-  CreateSchDExportFile(*app_);
+  EXPECT_TRUE(CreateSchDExportFile(*app_));
   EXPECT_EQ(FileText(), expected);
   EXPECT_EQ(app_->prefs.exp_path, root_ + "export/");
 }
@@ -120,7 +120,7 @@ TEST_F(ExportTest, Export_ReplacesOldFile) {
   std::ofstream(file_, std::ios::binary) << std::string(500, 'x');
   ExpectDialogue(file_);
   ui_.Expect("The Schedule D information was empty.", kInfo, Icon::kInformation, Buttons::kOk);
-  CreateSchDExportFile(*app_);
+  EXPECT_TRUE(CreateSchDExportFile(*app_));
   EXPECT_EQ(FileText(), kHeader);
   Security("ACME", "ACME FUND");
   Sale("ACME", 100, "1", "2", true);
@@ -137,9 +137,9 @@ TEST_F(ExportTest, Export_NothingWritten) {
   Security("ACME", "ACME FUND");
   Sale("ACME", 100, "1", "2", true);
   ui_.Expect(kQuestion, "Schedule D Export File", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  CreateSchDExportFile(*app_);
+  EXPECT_FALSE(CreateSchDExportFile(*app_));
   ExpectDialogue("");
-  CreateSchDExportFile(*app_);
+  EXPECT_FALSE(CreateSchDExportFile(*app_));
   EXPECT_TRUE(fs::is_empty(root_ + "export"));
   EXPECT_EQ(app_->prefs.exp_path, root_ + "start/");
 
@@ -150,9 +150,8 @@ TEST_F(ExportTest, Export_NothingWritten) {
                  "another program, or is missing. Please make sure you have not opened any "
                  "Lotwise files before starting this program again.",
              "Error!", Icon::kCritical, Buttons::kOk);
-  CreateSchDExportFile(*app_);
+  EXPECT_THROW(CreateSchDExportFile(*app_), ProgramEnded);
   EXPECT_FALSE(fs::exists(bad));
-  EXPECT_EQ(env_->end_calls(), 1);
 }
 
 }  // namespace

@@ -21,7 +21,7 @@ using testing::StartupTest;
 // until EndProgram removes it with its journal. A second start meanwhile,
 // in the same second, gets a report database of its own.
 TEST_F(StartupTest, Main_FreshProgramFolderStartsAndEnds) {
-  ASSERT_TRUE(Main(*app_));
+  ASSERT_NO_THROW(Main(*app_));
   const std::string report = root_ + "tmp/~LW0703.MDB";
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->ini_path + "|" + app_->help_path + "|" + app_->central_path + "|" +
@@ -34,7 +34,7 @@ TEST_F(StartupTest, Main_FreshProgramFolderStartsAndEnds) {
 
   Application second(ui_, *env_, program_folder_, "lotwise");
   second.settings_store_path = app_->settings_store_path;
-  ASSERT_TRUE(Main(second));
+  ASSERT_NO_THROW(Main(second));
   EXPECT_NE(second.report_db_path, report);
   EXPECT_EQ(GetUsageCount(second), 2);
   EndProgram(second);
@@ -75,8 +75,7 @@ TEST_F(StartupTest, GetUniqueReportName_FirstFreeName) {
                  "another program, or is missing. Please make sure you have not opened any Lotwise "
                  "files before starting this program again.",
              "Error!", Icon::kCritical, Buttons::kOk);
-  EXPECT_EQ(GetUniqueReportName(*app_), "");
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(GetUniqueReportName(*app_), ProgramEnded);
 }
 
 // A data folder that cannot be used brings the "WARNING" and the
@@ -124,7 +123,8 @@ TEST_P(BrokenDataFolder, Main_WarnsOffersLocationsAndEnds) {
                    "is correct, and the directory exists.",
                "Error!", Icon::kCritical, Buttons::kOk);
   }
-  EXPECT_FALSE(Main(*app_));
+  EXPECT_THROW(Main(*app_), ProgramEnded);
+  EndProgram(*app_);
   EXPECT_EQ(env_->end_calls(), 1);
   EXPECT_EQ(FileExists(app_->ProgramFile("LWERR.LOG")), !designate);
   EXPECT_EQ(FileExists(app_->ini_path), !designate) << "EndProgram ran";

@@ -86,6 +86,7 @@ TEST_P(NewPortTest, ShowNewPort_Cases) {
       NewModPort_OK(*app_, form);
     }
     EXPECT_TRUE(form.closed);
+    EXPECT_EQ(form.accepted, c.text.empty());
   });
   ShowNewPort(*app_);
   EXPECT_EQ(Portfolios(), c.after);

@@ -42,8 +42,7 @@ TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
                  "file was damaged. Sometimes data corruption can be fixed. From the File menu use "
                  "the Repair routine followed by the Compress routine.",
              "Possible Error!", Icon::kInformation, Buttons::kOk);
-  EXPECT_FALSE(OpenClient(*app_, "DOE01"));
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(OpenClient(*app_, "DOE01"), ProgramEnded);
   EXPECT_EQ(app_->client, nullptr);
 }
 

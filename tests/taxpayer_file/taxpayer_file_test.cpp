@@ -98,8 +98,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
   faults.FailWriteNumber(1);
   ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", "CreateClientFile") + kShutDownAdvice,
              "Warning!", Icon::kCritical, Buttons::kOk);
-  EXPECT_FALSE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd), ProgramEnded);
   app_->central = Database::Open(app_->central_path);
   EXPECT_EQ(CountCentralRows("Clients"), 0);
   EXPECT_TRUE(TaxpayerFiles().empty());

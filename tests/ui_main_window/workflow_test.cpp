@@ -31,7 +31,7 @@ class WorkflowTest : public AppTest {
   void SetUp() override {
     QtApp();
     AppTest::SetUp();
-    ASSERT_TRUE(Main(*app_));
+    ASSERT_NO_THROW(Main(*app_));
     window_ = std::make_unique<ui::MainWindow>(*app_);
     window_->show();
   }

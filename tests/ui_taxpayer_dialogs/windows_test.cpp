@@ -3,6 +3,7 @@
 #include "app/app_state.h"
 #include "app/file_location_dialog.h"
 #include "app/ini_file.h"
+#include "app/program_ended.h"
 #include "app/startup.h"
 #include "data/portfolio_dialogs.h"
 #include "data/taxpayer_dialog.h"
@@ -264,7 +265,7 @@ TEST_F(TaxpayerWindowsTest, FileLoc_PickedFoldersStoredOnOk) {
                "Notice", Icon::kInformation, Buttons::kOk);
     Click(window, "btnOK");
   });
-  RunDlgFileLoc(*app_);
+  EXPECT_THROW(RunDlgFileLoc(*app_), ProgramEnded);
   IniFile store(app_->settings_store_path);
   EXPECT_EQ(store.ReadText("File Options", "SSF Path", "") + "|" +
                 store.ReadText("File Options", "Taxpayer Path", ""),
