@@ -189,23 +189,25 @@ int RunDemo(const Context& context, const DemoOptions& options) {
   }
 
   Session session(context.location, global);
-  if (!session.Start()) return session.ExitCode(false);
-  std::cout << "data folder: " << data_shown.string() << '\n';
-  if (!CreateDemoTaxpayer(session.app)) {
-    std::cerr << "demo: the sample taxpayer could not be created\n";
-    return session.ExitCode(false);
-  }
-  std::istringstream ledger(kDemoLedger);
-  int stored = 0;
-  if (!ImportLedger(session, kDemoTaxpayerCode, ledger, "demo ledger", &stored)) {
-    return session.ExitCode(false);
-  }
-  std::cout << "taxpayer " << kDemoTaxpayerCode << ": " << stored << " transactions imported\n";
+  return session.Run([&] {
+    if (!session.Start()) return false;
+    std::cout << "data folder: " << data_shown.string() << '\n';
+    if (!CreateDemoTaxpayer(session.app)) {
+      std::cerr << "demo: the sample taxpayer could not be created\n";
+      return false;
+    }
+    std::istringstream ledger(kDemoLedger);
+    int stored = 0;
+    if (!ImportLedger(session, kDemoTaxpayerCode, ledger, "demo ledger", &stored)) {
+      return false;
+    }
+    std::cout << "taxpayer " << kDemoTaxpayerCode << ": " << stored << " transactions imported\n";
 
-  DemoReports reports(session, out_dir, shown_dir);
-  const bool ran = RunDemoReports(reports);
-  for (const std::string& file : reports.written()) std::cout << file << '\n';
-  return session.ExitCode(ran);
+    DemoReports reports(session, out_dir, shown_dir);
+    const bool ran = RunDemoReports(reports);
+    for (const std::string& file : reports.written()) std::cout << file << '\n';
+    return ran;
+  });
 }
 
 }  // namespace

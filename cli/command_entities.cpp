@@ -43,64 +43,70 @@ int RunNewTaxpayer(const Context& context, const TaxpayerOptions& options) {
     return 1;
   }
   Session session(context.location, context.global);
-  if (!session.Start()) return session.ExitCode(false);
-  Application& app = session.app;
-  bool created = false;
-  {
-    DialogPlay play(session.ui, [&](DialogForm& dialog) {
-      auto* form = dynamic_cast<NewModClientForm*>(&dialog);
-      if (form == nullptr) return false;
-      form->client_name = options.name;
-      form->sort_name = options.sort_name;
-      form->client_code = options.code;
-      form->opt_line = options.second_line;
-      form->year_end = options.year_end;
-      PressOkNewModClient(app, *form);
-      created = form->accepted && !app.ended;
-      if (!form->closed) NewModClient_Cancel(app, *form);
-      return true;
-    });
-    ShowNewClient(app);
-  }
-  if (created) {
-    std::cout << "created taxpayer " << app.current.client_code << ": " << app.current.client_name
-              << " (sort name " << app.current.sort_name << ", year end " << app.current.year_end
-              << ")\n";
-  }
-  return session.ExitCode(created);
+  return session.Run([&] {
+    if (!session.Start()) return false;
+    Application& app = session.app;
+    bool created = false;
+    {
+      DialogPlay play(session.ui, [&](DialogForm& dialog) {
+        auto* form = dynamic_cast<NewModClientForm*>(&dialog);
+        if (form == nullptr) return false;
+        form->client_name = options.name;
+        form->sort_name = options.sort_name;
+        form->client_code = options.code;
+        form->opt_line = options.second_line;
+        form->year_end = options.year_end;
+        PressOkNewModClient(app, *form);
+        created = form->accepted;
+        if (!form->closed) NewModClient_Cancel(app, *form);
+        return true;
+      });
+      ShowNewClient(app);
+    }
+    if (created) {
+      std::cout << "created taxpayer " << app.current.client_code << ": " << app.current.client_name
+                << " (sort name " << app.current.sort_name << ", year end " << app.current.year_end
+                << ")\n";
+    }
+    return created;
+  });
 }
 
 int RunNewPortfolio(const Context& context, const PortfolioOptions& options) {
   Session session(context.location, context.global);
-  if (!session.Start() || !session.OpenTaxpayer(options.taxpayer)) return session.ExitCode(false);
-  const bool created = NewPortfolio(session, options.name, options.second_line);
-  if (created) {
-    std::cout << "created portfolio " << session.app.current.port_name << " for "
-              << session.app.current.client_code << '\n';
-  }
-  return session.ExitCode(created);
+  return session.Run([&] {
+    if (!session.Start() || !session.OpenTaxpayer(options.taxpayer)) return false;
+    const bool created = NewPortfolio(session, options.name, options.second_line);
+    if (created) {
+      std::cout << "created portfolio " << session.app.current.port_name << " for "
+                << session.app.current.client_code << '\n';
+    }
+    return created;
+  });
 }
 
 int RunAddSecurity(const Context& context, const SecurityOptions& options) {
   Session session(context.location, context.global);
-  if (!session.Start() || !session.OpenTaxpayer(options.taxpayer)) return session.ExitCode(false);
-  Application& app = session.app;
-  std::optional<std::string> port = FindPortfolio(app, options.portfolio);
-  if (!port) {
-    std::cerr << "taxpayer " << app.current.client_code << " has no portfolio " << options.portfolio
-              << '\n';
-    return 1;
-  }
-  if (!session.OpenPortfolio(*port)) return session.ExitCode(false);
-  const bool added = AddSecurity(session, options.fields);
-  if (added) {
-    const SecurityDisplay& display = app.window.display;
-    std::cout << "added " << app.current.sec_symbol << " to portfolio " << app.current.port_name
-              << " of " << app.current.client_code << " ("
-              << (display.sec_name.empty() ? "no name" : display.sec_name) << ", CUSIP "
-              << display.sec_cusip << ")\n";
-  }
-  return session.ExitCode(added);
+  return session.Run([&] {
+    if (!session.Start() || !session.OpenTaxpayer(options.taxpayer)) return false;
+    Application& app = session.app;
+    std::optional<std::string> port = FindPortfolio(app, options.portfolio);
+    if (!port) {
+      std::cerr << "taxpayer " << app.current.client_code << " has no portfolio "
+                << options.portfolio << '\n';
+      return false;
+    }
+    if (!session.OpenPortfolio(*port)) return false;
+    const bool added = AddSecurity(session, options.fields);
+    if (added) {
+      const SecurityDisplay& display = app.window.display;
+      std::cout << "added " << app.current.sec_symbol << " to portfolio " << app.current.port_name
+                << " of " << app.current.client_code << " ("
+                << (display.sec_name.empty() ? "no name" : display.sec_name) << ", CUSIP "
+                << display.sec_cusip << ")\n";
+    }
+    return added;
+  });
 }
 
 }  // namespace

@@ -24,14 +24,16 @@ int RunImport(const Context& context, const ImportOptions& options) {
     return 1;
   }
   Session session(context.location, context.global);
-  if (!session.Start()) return session.ExitCode(false);
-  int stored = 0;
-  const bool imported = ImportLedger(session, options.taxpayer, csv, options.file, &stored);
-  if (imported) {
-    std::cout << "imported " << stored << (stored == 1 ? " transaction" : " transactions")
-              << " for " << session.app.current.client_code << '\n';
-  }
-  return session.ExitCode(imported);
+  return session.Run([&] {
+    if (!session.Start()) return false;
+    int stored = 0;
+    const bool imported = ImportLedger(session, options.taxpayer, csv, options.file, &stored);
+    if (imported) {
+      std::cout << "imported " << stored << (stored == 1 ? " transaction" : " transactions")
+                << " for " << session.app.current.client_code << '\n';
+    }
+    return imported;
+  });
 }
 
 }  // namespace

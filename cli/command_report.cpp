@@ -178,59 +178,68 @@ int RunBasis(const Context& context, const BasisOptions& options) {
   }
 
   Session session(context.location, context.global);
-  if (!session.Start() || !OpenScope(session, options.where)) return session.ExitCode(false);
+  return session.Run([&] {
+    if (!session.Start() || !OpenScope(session, options.where)) return false;
 
-  BasisReportRequest request;
-  request.kind = options.kind == BasisKind::kBasis && options.with_schedule_d ? BasisKind::kBoth
-                                                                              : options.kind;
-  request.detail = !options.summary;
-  request.scope = *scope;
-  request.year_end = options.year_end;
-  request.destination = ReportDestination::kScreen;
-  request.exclude_empty = options.exclude_empty;
-  request.elections = options.elections;
-  const bool ran =
-      RunBasisWithoutWindow(session, request, unsold_method, AbsolutePath(options.csv));
-  // Nothing shown: nothing was computed. A report that failed still leaves
-  // the others and the tables they were run from to deliver.
-  if (!ran && DocumentsSince(session, 0).empty()) return session.ExitCode(false);
-  const bool delivered = DeliverOutputs(session, options.out, kBasisTables);
-  return session.ExitCode(ran && delivered);
+    BasisReportRequest request;
+    request.kind = options.kind == BasisKind::kBasis && options.with_schedule_d ? BasisKind::kBoth
+                                                                                : options.kind;
+    request.detail = !options.summary;
+    request.scope = *scope;
+    request.year_end = options.year_end;
+    request.destination = ReportDestination::kScreen;
+    request.exclude_empty = options.exclude_empty;
+    request.elections = options.elections;
+    const bool ran =
+        RunBasisWithoutWindow(session, request, unsold_method, AbsolutePath(options.csv));
+    // Nothing shown: nothing was computed. A report that failed still leaves
+    // the others and the tables they were run from to deliver.
+    if (!ran && DocumentsSince(session, 0).empty()) return false;
+    const bool delivered = DeliverOutputs(session, options.out, kBasisTables);
+    return ran && delivered;
+  });
 }
 
 int RunTransList(const Context& context, const TransListOptions& options) {
   const std::optional<ReportScope> scope = ResolveScope(options.where);
   if (!scope) return kUsageError;
   Session session(context.location, context.global);
-  if (!session.Start() || !OpenScope(session, options.where)) return session.ExitCode(false);
-  if (!RunTransListRpt(session.app, *scope, options.from, options.to, ReportDestination::kScreen)) {
-    return session.ExitCode(false);
-  }
-  return session.ExitCode(DeliverOutputs(session, options.out, kTransListTables));
+  return session.Run([&] {
+    if (!session.Start() || !OpenScope(session, options.where)) return false;
+    if (!RunTransListRpt(session.app, *scope, options.from, options.to,
+                         ReportDestination::kScreen)) {
+      return false;
+    }
+    return DeliverOutputs(session, options.out, kTransListTables);
+  });
 }
 
 int RunTaxpayerList(const Context& context, const TaxpayerListOptions& options) {
   Session session(context.location, context.global);
-  if (!session.Start()) return session.ExitCode(false);
-  const ClientSort sort = options.sort == "name" ? ClientSort::kName : ClientSort::kCode;
-  if (!RunClientReport(session.app, ReportDestination::kScreen, sort)) {
-    return session.ExitCode(false);
-  }
-  return session.ExitCode(DeliverOutputs(session, options.out, kTaxpayerListTables));
+  return session.Run([&] {
+    if (!session.Start()) return false;
+    const ClientSort sort = options.sort == "name" ? ClientSort::kName : ClientSort::kCode;
+    if (!RunClientReport(session.app, ReportDestination::kScreen, sort)) {
+      return false;
+    }
+    return DeliverOutputs(session, options.out, kTaxpayerListTables);
+  });
 }
 
 int RunSecurityList(const Context& context, const SecurityListOptions& options) {
   Session session(context.location, context.global);
-  if (!session.Start() || !OpenScope(session, {options.taxpayer, options.portfolio, {}, {}})) {
-    return session.ExitCode(false);
-  }
-  const int list_from = static_cast<int>(options.portfolio.empty() ? SecListFrom::kTaxpayer
-                                                                   : SecListFrom::kPortfolio);
-  const int sort_choice = options.sort == "portfolio" ? 1 : 0;
-  if (!RunSecReport(session.app, ReportDestination::kScreen, list_from, sort_choice)) {
-    return session.ExitCode(false);
-  }
-  return session.ExitCode(DeliverOutputs(session, options.out, kSecurityListTables));
+  return session.Run([&] {
+    if (!session.Start() || !OpenScope(session, {options.taxpayer, options.portfolio, {}, {}})) {
+      return false;
+    }
+    const int list_from = static_cast<int>(options.portfolio.empty() ? SecListFrom::kTaxpayer
+                                                                     : SecListFrom::kPortfolio);
+    const int sort_choice = options.sort == "portfolio" ? 1 : 0;
+    if (!RunSecReport(session.app, ReportDestination::kScreen, list_from, sort_choice)) {
+      return false;
+    }
+    return DeliverOutputs(session, options.out, kSecurityListTables);
+  });
 }
 
 void AddOutputOptions(CLI::App* command, OutputOptions& out) {

@@ -12,6 +12,7 @@
 #include "data/client_index.h"
 #include "data/database.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 
 namespace lotwise::cli {
 namespace {
@@ -53,27 +54,29 @@ int RunStart(const Context& context) {
         << " (settings store and INI file left alone)\n";
   }
 
-  // Settling the folders first tells whether the central file was there
-  // before the start; Main settles them again to the same result.
-  SetDBPathsAndNames(app, ini_path);
-  bool central_existed = !app.ended && FileExists(app.ssf_folder + kCentralFileName);
-
-  if (app.ended || !Main(app)) {
+  try {
+    // Settling the folders first tells whether the central file was there
+    // before the start; Main settles them again to the same result.
+    SetDBPathsAndNames(app, ini_path);
+    const bool central_existed = FileExists(app.ssf_folder + kCentralFileName);
+    Main(app);
+    out << "Security Symbols File folder: " << app.ssf_folder << '\n';
+    out << "Taxpayer File folder: " << app.taxpayer_folder << '\n';
+    if (FileExists(app.report_db_path)) {
+      out << "report database created: " << app.report_db_path << '\n';
+    }
+    out << "Security Symbols File " << (central_existed ? "opened: " : "created: ")
+        << app.central_path << '\n';
+    out << "data version: " << DataVersion(*app.central) << '\n';
+    out << "taxpayers reconciled: " << CountIndexed(*app.central) << " indexed, "
+        << session.ui.chk_files_asked() << " mismatches left as they are\n";
+    out << "usage count: " << GetUsageCount(app) << '\n';
+    out << "state: CLIENTCLOSED\n";
+  } catch (const ProgramEnded&) {
+    EndProgram(app);
     out << "start-up failed: the program has ended\n";
     return 1;
   }
-  out << "Security Symbols File folder: " << app.ssf_folder << '\n';
-  out << "Taxpayer File folder: " << app.taxpayer_folder << '\n';
-  if (FileExists(app.report_db_path)) {
-    out << "report database created: " << app.report_db_path << '\n';
-  }
-  out << "Security Symbols File " << (central_existed ? "opened: " : "created: ")
-      << app.central_path << '\n';
-  out << "data version: " << DataVersion(*app.central) << '\n';
-  out << "taxpayers reconciled: " << CountIndexed(*app.central) << " indexed, "
-      << session.ui.chk_files_asked() << " mismatches left as they are\n";
-  out << "usage count: " << GetUsageCount(app) << '\n';
-  out << "state: CLIENTCLOSED\n";
 
   std::string report_db = app.report_db_path;
   EndProgram(app);

@@ -58,7 +58,7 @@ bool FillBuy(Application& app, BuyReinvestForm& form, const LedgerEntry& entry) 
   }
   if (!TypeField(form.fee, entry.fee, [&] { FeeLostFocusBR(app, form); })) return false;
   form.notes = entry.notes;
-  return !app.ended;
+  return true;
 }
 
 bool EnterBuy(Session& session, const LedgerEntry& entry) {
@@ -104,10 +104,8 @@ class SalePlay {
     if (auto* form = dynamic_cast<NumSharesForm*>(&dialog)) {
       form->num_shares = prompt_answer_;
       NumShares_OK(app(), *form);
-      if (!form->closed) {
-        picks_refused_ = true;
-        NumShares_Cancel(app(), *form);
-      }
+      pick_accepted_ = form->accepted;
+      if (!form->closed) NumShares_Cancel(app(), *form);
       return true;
     }
     return false;
@@ -146,7 +144,7 @@ class SalePlay {
     }
     if (!TypeField(form.fee, entry_.fee, [&] { CheckFeeSS(app(), form); })) return false;
     form.notes = entry_.notes;
-    return !app().ended;
+    return true;
   }
 
   // The Select button, then the picks in the selection dialog.
@@ -157,7 +155,7 @@ class SalePlay {
       return false;
     }
     NumSharesSS_Click(app(), form);
-    if (!selection_made_ || app().ended) return false;
+    if (!selection_made_) return false;
     if (entry_.shares_given && RoundShares(entry_.shares) != form.num_shares) {
       session_.ui.Note("Shares " + NumberText(entry_.shares) + " differ from the " +
                        NumberText(form.num_shares) + " shares picked in Block");
@@ -174,7 +172,7 @@ class SalePlay {
       }
     }
     SellSpecific_OK(app(), form);
-    selection_made_ = form.closed;
+    selection_made_ = form.accepted;
     if (!form.closed) SellSpecific_Cancel(app(), form);
   }
 
@@ -189,20 +187,19 @@ class SalePlay {
       session_.ui.Note("block " + pick.block_id + " has no shares to sell");
       return false;
     }
-    const double before = ComputeSharesSold(app());
     form.left_row = row;
     prompt_answer_ = pick.shares;
-    picks_refused_ = false;
+    pick_accepted_ = false;
     SellSpecific_Add(app(), form);
     // The dialog may have refused without asking (a block already empty).
-    return !picks_refused_ && !app().ended &&
-           RoundShares(ComputeSharesSold(app()) - before) == RoundShares(pick.shares);
+    return pick_accepted_;
   }
 
   Session& session_;
   const LedgerEntry& entry_;
   double prompt_answer_ = 0;
-  bool picks_refused_ = false;
+  // The number prompt took the pick's shares.
+  bool pick_accepted_ = false;
   bool selection_made_ = false;
   bool accepted_ = false;
 };
@@ -224,7 +221,7 @@ bool FillSplit(Application& app, SplitDivForm& form, const LedgerEntry& entry) {
   if (!CheckPostRatioSD(app, form)) return false;
   form.blocks = entry.block.empty() ? SplitDivForm::kAllBlocks : SplitDivForm::kCurrentBlock;
   form.notes = entry.notes;
-  return !app.ended;
+  return true;
 }
 
 bool EnterSplit(Session& session, const LedgerEntry& entry) {
@@ -255,7 +252,7 @@ bool EnterAdjust(Session& session, const LedgerEntry& entry) {
     if (form == nullptr) return false;
     form->date = entry.date;
     DateLostFocusAB(app, *form);
-    if (DateStands(form->date) && !app.ended) {
+    if (DateStands(form->date)) {
       form->num_shares = entry.shares;
       form->cost_basis = entry.amount;
       form->notes = entry.notes;
@@ -272,7 +269,6 @@ bool EnterAdjust(Session& session, const LedgerEntry& entry) {
 }  // namespace
 
 bool EnterTransaction(Session& session, const LedgerEntry& entry) {
-  Application& app = session.app;
   bool accepted = false;
   switch (entry.action) {
     case LedgerAction::kBuy:
@@ -290,7 +286,7 @@ bool EnterTransaction(Session& session, const LedgerEntry& entry) {
       accepted = EnterAdjust(session, entry);
       break;
   }
-  return accepted && !app.ended && app.client;
+  return accepted;
 }
 
 }  // namespace lotwise::cli

@@ -40,7 +40,7 @@ bool NewPortfolio(Session& session, const std::string& name, const std::string& 
     form->port_name = name;
     form->second_line = second_line;
     NewModPort_OK(app, *form);
-    created = form->closed && !app.ended;
+    created = form->accepted;
     // A refused name leaves the dialog open; the user gives up.
     if (!form->closed) NewModPort_Cancel(app, *form);
     return true;
@@ -52,7 +52,6 @@ bool NewPortfolio(Session& session, const std::string& name, const std::string& 
 bool AddSecurity(Session& session, const SecurityFields& fields) {
   Application& app = session.app;
   bool pressed = false;
-  bool gave_up = false;
   bool added = false;
   DialogPlay play(session.ui, [&](DialogForm& dialog) {
     auto* form = dynamic_cast<AddModSecForm*>(&dialog);
@@ -60,7 +59,6 @@ bool AddSecurity(Session& session, const SecurityFields& fields) {
     // A refused entry shows the dialog again: the user gives up then
     // rather than pressing OK on the same values for ever.
     if (pressed) {
-      gave_up = true;
       AddModSec_Cancel(app, *form);
       return true;
     }
@@ -72,7 +70,7 @@ bool AddSecurity(Session& session, const SecurityFields& fields) {
     if (!fields.cusip.empty()) form->cusip = fields.cusip;
     form->second_line = fields.second_line;
     AddModSec_Ok(app, *form);
-    added = form->closed && !gave_up && !app.ended;
+    added = form->accepted;
     return true;
   });
   ShowAddSec(app);

@@ -14,6 +14,7 @@
 #include "ground/date.h"
 #include "ground/number_text.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 #include "import_csv.h"
 #include "import_entries.h"
 #include "import_forms.h"
@@ -367,7 +368,7 @@ bool ImportLedger(Session& session, const std::string& taxpayer_code, std::istre
     return false;
   }
   const size_t width = records.front().fields.size();
-  if (app.ended || !app.central) return false;
+  if (!app.central) return false;
   if (!app.client || app.current.client_code != taxpayer_code) {
     if (!session.OpenTaxpayer(taxpayer_code)) return false;
   }
@@ -388,17 +389,24 @@ bool ImportLedger(Session& session, const std::string& taxpayer_code, std::istre
         })) {
       return false;
     }
-    for (size_t i = 1; i < records.size() && !app.ended; ++i) {
+    for (size_t i = 1; i < records.size(); ++i) {
       const CsvRecord& record = records[i];
       // Spreadsheets leave rows of empty cells below the data.
       if (AllEmpty(record)) continue;
       ++lines;
       std::vector<ConsoleUi::ShownLine> shown;
       bool ok = false;
+      // A line that ends the program still has its messages and its refusal
+      // told before the end goes on.
+      bool program_ended = false;
       {
         CaptureGuard capture(ui, shown);
-        ok = Trap(app, "ImportLedger", false,
-                  [&] { return ImportLine(session, map, width, record); });
+        try {
+          ok = Trap(app, "ImportLedger", false,
+                    [&] { return ImportLine(session, map, width, record); });
+        } catch (const ProgramEnded&) {
+          program_ended = true;
+        }
       }
       // A message of the error kind means something failed on the way,
       // even where the dialog went on and closed.
@@ -412,18 +420,17 @@ bool ImportLedger(Session& session, const std::string& taxpayer_code, std::istre
                 sale.date.ToString());
       }
       app.rebooked_sales.clear();
-      if (ok && !app.ended) {
+      if (ok) {
         ++imported;
       } else {
         ++refused;
         ui.Note(at(record.line) + "refused");
       }
+      if (program_ended) throw ProgramEnded{};
     }
-    if (refused > 0 || app.ended) {
-      if (!app.ended) {
-        ui.Note(source_name + ": nothing imported: " + std::to_string(refused) + " of " +
-                std::to_string(lines) + (lines == 1 ? " line" : " lines") + " refused");
-      }
+    if (refused > 0) {
+      ui.Note(source_name + ": nothing imported: " + std::to_string(refused) + " of " +
+              std::to_string(lines) + (lines == 1 ? " line" : " lines") + " refused");
       return false;
     }
     bool committed = Trap(app, "ImportLedger", false, [&] {
@@ -436,7 +443,7 @@ bool ImportLedger(Session& session, const std::string& taxpayer_code, std::istre
     if (!committed) return false;
   }
   if (stored != nullptr) *stored = imported;
-  return !app.ended;
+  return true;
 }
 
 }  // namespace lotwise::cli

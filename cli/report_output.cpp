@@ -6,11 +6,9 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <ostream>
-#include <system_error>
 #include <utility>
 
 #include "data/database.h"
@@ -33,21 +31,6 @@ const std::vector<std::string> kSecurityListTables = {"Usage", "Client Report", 
 namespace {
 
 constexpr const char* kExportQuestionTitle = "Schedule D Export File";
-
-// Whether and when a file was last written, to tell that a run wrote it
-// (an export file of an earlier run may lie there).
-struct FileStamp {
-  bool exists = false;
-  std::filesystem::file_time_type written;
-  friend bool operator==(const FileStamp&, const FileStamp&) = default;
-};
-
-FileStamp StampOf(const std::string& path) {
-  std::error_code ec;
-  if (path.empty() || !std::filesystem::exists(path, ec)) return {};
-  const auto written = std::filesystem::last_write_time(path, ec);
-  return ec ? FileStamp{} : FileStamp{true, written};
-}
 
 // Console text sets each text at the column of its place on the page: a
 // character stands for about the advance of a digit at the reports' 9-point
@@ -98,11 +81,11 @@ bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
     Method_OK(app, *form);
     return true;
   });
-  const FileStamp csv_before = StampOf(csv_path);
-  const bool ran = RunBasisSchedDReport(app, request);
+  bool export_made = false;
+  const bool ran = RunBasisSchedDReport(app, request, &export_made);
   ui.SetModalHandler(previous);
   ui.SetSaveFileAnswer({});
-  if (ran && !csv_path.empty() && StampOf(csv_path) == csv_before) {
+  if (ran && !csv_path.empty() && !export_made) {
     ui.Note("the Schedule D export file was not written: " + csv_path);
     return false;
   }

@@ -10,6 +10,7 @@
 #include "app/taxpayer_dialog.h"
 #include "app/taxpayer_file.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 #include "lots/security_display.h"
 
 namespace lotwise::cli {
@@ -29,7 +30,18 @@ Session::Session(const ProgramLocation& location, const GlobalOptions& options)
       options_(options) {}
 
 Session::~Session() {
-  if (started_ && !app.ended) EndProgram(app);
+  if (started_) EndProgram(app);
+}
+
+int Session::Run(const std::function<bool()>& command) {
+  bool succeeded = false;
+  try {
+    succeeded = command();
+  } catch (const ProgramEnded&) {
+    EndProgram(app);
+  }
+  if (env.end_requested()) return env.exit_code() != 0 ? env.exit_code() : 1;
+  return succeeded ? 0 : 1;
 }
 
 bool Session::Start() {
@@ -45,38 +57,45 @@ bool Session::Start() {
     app.forced_data_folder = WithTrailingSeparator(folder.string());
   }
   started_ = true;
-  if (app.ended || !Main(app)) {
+  try {
+    Main(app);
+  } catch (const ProgramEnded&) {
     std::cerr << "start-up failed: the program has ended\n";
-    return false;
+    throw;
   }
   return true;
 }
 
-bool Session::OpenTaxpayer(const std::string& code) {
-  if (app.ended) return false;
-  if (OpenClient(app, code) && !app.ended) return true;
-  ui.Note("taxpayer " + code + " could not be opened");
+namespace {
+
+// Runs `open`; says that `what` could not be opened when it fails, also
+// when it ends the program.
+bool Opened(ConsoleUi& ui, const std::string& what, const std::function<bool()>& open) {
+  try {
+    if (open()) return true;
+  } catch (const ProgramEnded&) {
+    ui.Note(what + " could not be opened");
+    throw;
+  }
+  ui.Note(what + " could not be opened");
   return false;
+}
+
+}  // namespace
+
+bool Session::OpenTaxpayer(const std::string& code) {
+  return Opened(ui, "taxpayer " + code, [&] { return OpenClient(app, code); });
 }
 
 bool Session::OpenPortfolio(const std::string& name) {
-  if (app.ended) return false;
-  if (OpenPort(app, name) && !app.ended) return true;
-  ui.Note("portfolio " + name + " could not be opened");
-  return false;
+  return Opened(ui, "portfolio " + name, [&] { return OpenPort(app, name); });
 }
 
 bool Session::OpenSecurity(const std::string& symbol) {
-  if (app.ended) return false;
-  DisplaySecurity(app, symbol);
-  if (!app.ended && app.window.state == kSecOpen && app.current.sec_symbol == symbol) return true;
-  ui.Note("security " + symbol + " could not be opened");
-  return false;
-}
-
-int Session::ExitCode(bool succeeded) const {
-  if (env.end_requested()) return env.exit_code() != 0 ? env.exit_code() : 1;
-  return succeeded && !app.ended ? 0 : 1;
+  return Opened(ui, "security " + symbol, [&] {
+    DisplaySecurity(app, symbol);
+    return app.window.state == kSecOpen && app.current.sec_symbol == symbol;
+  });
 }
 
 }  // namespace lotwise::cli

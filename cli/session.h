@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "console_ui.h"
@@ -25,7 +26,8 @@ struct GlobalOptions {
 };
 
 // One run of the program without its window: the console in place of the
-// window, started by Start() and shut down (EndProgram) when destroyed.
+// window, started by Start() and shut down (EndProgram) when a command ends
+// the program or when the session is destroyed.
 class Session {
  public:
   Session(const ProgramLocation& location, const GlobalOptions& options);
@@ -33,9 +35,14 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
+  // Runs a command (true when it succeeded) and returns the process's exit
+  // code: 0 on success, 1 otherwise. A command that ends the program
+  // (ProgramEnded) has the program shut down here.
+  int Run(const std::function<bool()>& command);
+
   // Settles the data folders (creating a forced one) and runs Main. Returns
   // true iff the program is up in CLIENTCLOSED; otherwise the reason was
-  // printed.
+  // printed (a failed Main ends the program).
   bool Start();
   // Opens the taxpayer with this code (CLIENTOPEN). Returns true iff open.
   bool OpenTaxpayer(const std::string& code);
@@ -43,10 +50,6 @@ class Session {
   bool OpenPortfolio(const std::string& name);
   // Opens a security of the open portfolio (SECOPEN).
   bool OpenSecurity(const std::string& symbol);
-
-  // The exit code after a command: 0 when it succeeded and the program was
-  // not ended by a fatal error, 1 otherwise.
-  int ExitCode(bool succeeded) const;
 
   ConsoleUi ui;
   ConsoleEnvironment env;

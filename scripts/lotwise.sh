@@ -78,6 +78,7 @@ case "${1:-}" in
   test)
     install_missing
     check_format
+    python3 scripts/check_layers.py
     build build -DCMAKE_BUILD_TYPE=Release
     ctest --test-dir build --output-on-failure -j "$jobs"
     build build-asan -DCMAKE_BUILD_TYPE=Debug -DLOTWISE_SANITIZE=ON -DLOTWISE_BENCHMARKS=OFF

@@ -52,7 +52,6 @@ bool AddToPortfolio(Application& app, const std::string& symbol, const std::stri
   }
   const std::string central_name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
   const std::string central_cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-  if (app.ended) return true;
   const bool unchanged = name == central_name && typed_cusip == central_cusip &&
                          !central_name.empty() && !central_cusip.empty();
   // The addition stands whatever the answer.
@@ -60,7 +59,6 @@ bool AddToPortfolio(Application& app, const std::string& symbol, const std::stri
                                         Icon::kExclamation, Buttons::kYesNo) == Answer::kYes) {
     ModSecInCDB(app, symbol, name, typed_cusip);
   }
-  if (app.ended) return true;
   OpenAddedSecurity(app, symbol);
   return true;
 }
@@ -99,7 +97,6 @@ void ShowModSecInCDB(Application& app, const std::string& symbol) {
     form.find_enabled = false;
     form.sec_name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     form.cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-    if (app.ended) return;
     form.focus = "txtSecName";
     RunAddModSec(app, form);
   });
@@ -163,9 +160,8 @@ void AddModSec_Ok(Application& app, AddModSecForm& form) {
       app.ui().MessageBox("Incorrect .caption on dlgAddModSec", "Warning", Icon::kExclamation,
                           Buttons::kOk);
     }
-    // After a fatal error the program is ending: nothing more to show.
-    if (written || app.ended) {
-      form.closed = true;
+    if (written) {
+      form.accepted = form.closed = true;
       return;
     }
     RunAddModSec(app, form);
@@ -195,11 +191,10 @@ void FillInNameCusip(Application& app, AddModSecForm& form) {
     const std::string symbol = Trimmed(form.symbol);
     if (symbol.empty() || symbol == form.filled_for_symbol) return;
     const std::string name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
-    if (app.ended || name == kSymbolNotInCentral) return;
+    if (name == kSymbolNotInCentral) return;
     const std::string cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
     // The symbol as the Security Symbols File spells it ("ibm" is IBM).
     const std::string stored_symbol = GetSecInfoFromCDB(app, symbol, "[Sec Symbol]");
-    if (app.ended) return;
     if (!SymbolIsFixed(form) && !stored_symbol.empty()) form.symbol = stored_symbol;
     form.sec_name = name;
     form.cusip = cusip;

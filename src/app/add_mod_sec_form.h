@@ -36,6 +36,7 @@ struct AddModSecForm : DialogForm {
   // True while the dialog is hidden during its write.
   bool hidden = false;
   // closed: set when the dialog unloads: a write that succeeded, or Cancel.
+  bool accepted = false;  // set only when OK's write succeeded
 
   std::string_view Name() const override { return "dlgAddModSec"; }
 };

@@ -5,6 +5,7 @@
 #include "data/error_handler.h"
 #include "ground/environment.h"
 #include "ground/ini_file.h"
+#include "ground/program_ended.h"
 
 namespace lotwise {
 
@@ -45,6 +46,7 @@ void SetFileLoc(Application& app, const std::string& ssf_folder, const std::stri
     // the INI write-back and the closing of EndProgram.
     app.ended = true;
     app.env().EndProcess(0);
+    throw ProgramEnded{};
   });
 }
 

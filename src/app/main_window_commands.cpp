@@ -14,6 +14,7 @@
 #include "data/application.h"
 #include "data/error_handler.h"
 #include "data/transaction_store.h"
+#include "ground/program_ended.h"
 #include "ground/ui_port.h"
 #include "lots/adjust_block.h"
 #include "lots/block_edit.h"
@@ -194,7 +195,7 @@ bool RunMenuCommand(Application& app, std::string_view name) {
 
 void CloseMainWindow(Application& app) {
   app.ui().SetHelpBarText("Thank you for using the Tarnwick Software - Lotwise");
-  EndProgram(app);
+  throw ProgramEnded{};
 }
 
 }  // namespace lotwise

@@ -20,7 +20,7 @@ bool CanRunMenuCommand(const Application& app, std::string_view name);
 bool RunMenuCommand(Application& app, std::string_view name);
 
 // Closes the main window (mnuFileExit, the "Exit" key): says goodbye on the
-// help bar and ends the program through EndProgram.
+// help bar and ends the program (throws ProgramEnded).
 void CloseMainWindow(Application& app);
 
 }  // namespace lotwise

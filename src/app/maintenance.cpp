@@ -230,7 +230,6 @@ void RunCentral(Application& app, CompressRepairForm& form, bool compress, RunGa
   Refresh(app, form);
   const FileResult result = RunRoutine(app, app.central_path, compress);
   OpenCDB(app, app.central_path);
-  if (app.ended) return;
   gauge.FileDone();
   if (result.ok()) {
     form.ssf_status = kStatusFinished;
@@ -276,7 +275,6 @@ void RunTaxpayers(Application& app, CompressRepairForm& form,
     form.progress = (compress ? "Compressing " : "Repairing ") + FixAmpersand(row.client_name);
     Refresh(app, form);
     const FileResult result = RunOnTaxpayerFile(app, app.taxpayer_folder + row.file_name, compress);
-    if (app.ended) return;
     if (!result.ok()) {
       failures.push_back(row.client_name + " was not completed: " + result.text);
     } else if (result.rebuilt) {
@@ -443,7 +441,6 @@ void StartCompressRepair(Application& app, CompressRepairForm& form) {
         illegal();
       } else {
         RunCentral(app, form, compress, gauge, rebuilt);
-        if (app.ended) return;
       }
     }
     if (form.all_chosen) {
@@ -452,7 +449,6 @@ void StartCompressRepair(Application& app, CompressRepairForm& form) {
       } else {
         RunTaxpayers(app, form, all, &CompressRepairForm::all_status, &CompressRepairForm::all_time,
                      compress, gauge, rebuilt);
-        if (app.ended) return;
       }
     }
     if (picked) {
@@ -461,7 +457,6 @@ void StartCompressRepair(Application& app, CompressRepairForm& form) {
       } else {
         RunTaxpayers(app, form, chosen, &CompressRepairForm::picked_status,
                      &CompressRepairForm::picked_time, compress, gauge, rebuilt);
-        if (app.ended) return;
       }
     }
     form.progress.clear();

@@ -72,7 +72,7 @@ void OpenSelectedPort(Application& app, OpenDelPortForm& form) {
     app.ui().SetHelpBarText("Opening Portfolio");
     opened = OpenPort(app, name);
   }
-  if (opened || app.ended) {
+  if (opened) {
     form.closed = true;
     return;
   }
@@ -101,10 +101,6 @@ void DeleteSelectedPort(Application& app, OpenDelPortForm& form) {
     HourglassGuard hourglass(app.ui());
     app.ui().SetHelpBarText("Deleting Portfolio");
     deleted = DelPort(app, name);
-  }
-  if (app.ended) {
-    form.closed = true;
-    return;
   }
   if (deleted && !app.current.port_name.empty() && SamePortName(app.current.port_name, name)) {
     ClosePort(app);
@@ -157,7 +153,7 @@ void NewModPort_OK(Application& app, NewModPortForm& form) {
                           Buttons::kOk);
     }
     // A refused entry keeps the dialog open with the user's values.
-    if (done || app.ended) form.closed = true;
+    if (done) form.accepted = form.closed = true;
   });
 }
 

@@ -19,6 +19,7 @@ inline constexpr const char* kModPortCaption = "Modify Portfolio";
 struct NewModPortForm : DialogForm {
   std::string port_name;    // txtPortName
   std::string second_line;  // txt2ndLine
+  bool accepted = false;    // set only when OK stored the portfolio
 
   std::string_view Name() const override { return "dlgNewModPort"; }
 };

@@ -55,7 +55,6 @@ void RunSecSymbol(Application& app, SecSymbolForm& form, const std::string& pres
     app.ui().SetHelpBarText("Get Securities");
     LoadKeeping(app, form, preselect);
   }
-  if (app.ended) return;
   form.instructions = form.picking() ? kPickInstructions : kManageInstructions;
   app.ui().SetHelpBarText(form.instructions);
   app.ui().RunModal(form);
@@ -88,7 +87,6 @@ void LoadSecSymbols(Application& app, SecSymbolForm& form) {
 void SecSymbol_Add(Application& app, SecSymbolForm& form) {
   TrapVoid(app, "SecSymbol_Add", [&] {
     ShowAddSecToCDB(app);
-    if (app.ended) return;
     LoadSecSymbols(app, form);
   });
 }
@@ -109,7 +107,6 @@ void SecSymbol_Modify(Application& app, SecSymbolForm& form) {
       return;
     }
     ShowModSecInCDB(app, row->symbol);
-    if (app.ended) return;
     LoadSecSymbols(app, form);
   });
 }
@@ -138,7 +135,6 @@ void SecSymbol_Delete(Application& app, SecSymbolForm& form) {
       // transactions, shown without a name until the symbol is re-entered.
       DelSecFromCDB(app, symbol);
     }
-    if (app.ended) return;
     LoadSecSymbols(app, form);
   });
 }

@@ -71,21 +71,17 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
     app.ui().SetHelpBarText("Loading Security");
     std::string name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     std::string cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-    if (app.ended) return;
     // The taxpayer's transactions do not depend on the central row, so the
     // security opens either way; the marker text stands in for its name.
     if (name == kSymbolNotInCentral && AskReEnterDeletedSymbol(app, symbol)) {
       ShowReplaceSecInCDB(app, symbol);
-      if (app.ended) return;
       name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
       cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-      if (app.ended) return;
     }
 
     std::optional<SecurityOnFile> found = GetASecurity(app, symbol);
     if (found && !found->sell_method) {
       AddSellMethod(app, symbol, kNotSelectedMethod);
-      if (app.ended) return;
       found = GetASecurity(app, symbol);
     }
     if (!found) {
@@ -146,7 +142,6 @@ void SecList_Select(Application& app, int index) {
     const std::string symbol =
         window.securities[static_cast<size_t>(window.selected_security)].symbol;
     ShowSecDisplay(app, symbol);
-    if (app.ended) return;
     // A security that has gone is not opened; the list shows what is left.
     if (!window.display.visible) {
       ReloadSecList(app);
@@ -178,7 +173,6 @@ void SecList_Delete(Application& app) {
     app.ui().SetHelpBarText("Deleting Security");
     if (!DelSec(app, GetCurrPortInfo(app, "[Port Name]"), symbol)) return;
     HideSecDisplay(app);
-    if (app.ended) return;
     if (SameSymbol(app.current.sec_symbol, symbol)) {
       app.current.sec_id = 0;
       app.current.sec_symbol.clear();

@@ -18,6 +18,7 @@
 #include "ground/ini_file.h"
 #include "ground/lw_error.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 #include "ground/value_helpers.h"
 
 namespace lotwise {
@@ -95,7 +96,7 @@ ClientOnFile ReadClientRow(Application& app, const std::string& path) {
 
 }  // namespace
 
-bool Main(Application& app) {
+void Main(Application& app) {
   try {
     State(app, kStateNone);
     app.ini_path = app.ProgramFile(app.exe_base_name + ".INI");
@@ -103,10 +104,8 @@ bool Main(Application& app) {
     app.temp_folder = WithTrailingSeparator(app.env().TempFolder());
 
     GetINISettings(app, app.ini_path);
-    if (app.ended) return false;
 
     app.report_db_path = GetUniqueReportName(app);
-    if (app.ended) return false;
     CopyTemplate(app, kReportTemplateName, app.report_db_path);
 
     MakeDefaultFolder(app.ssf_folder, DefaultSsfFolder(app));
@@ -115,32 +114,27 @@ bool Main(Application& app) {
     if (!FileExists(app.central_path)) CopyTemplate(app, kCentralTemplateName, app.central_path);
 
     OpenCDB(app, app.central_path);
-    if (app.ended) return false;
     if (!app.central) {
       throw LwError(kRuntimeObjectNotSet,
                     "The Security Symbols File is not open: " + app.central_path);
     }
     CheckDBFiles(app, *app.central);
-    if (app.ended) return false;
     AddUsage(app, *app.central);
-    if (app.ended) return false;
 
     State(app, kClientClosed);
-    return !app.ended;
+  } catch (const ProgramEnded&) {
+    throw;
   } catch (...) {
     LwError error = CurrentError();
-    if (app.ended) return false;
     if (error.number() == err::kPathNotFound) {
       app.ui().MessageBox(kMissingFoldersWarning, "WARNING", Icon::kCritical, Buttons::kOk);
-      RunDlgFileLoc(app);
       // Designating the folders ends the program at once.
-      if (app.ended) return false;
+      RunDlgFileLoc(app);
     }
     // A failed start is always fatal, also after the user fixed the
     // folders: they take effect at the next start.
     HandleError(app, static_cast<int16_t>(error.number()), error.text(), "Main");
-    EndProgram(app);
-    return false;
+    throw ProgramEnded{};
   }
 }
 
@@ -166,7 +160,6 @@ void GetINISettings(Application& app, const std::string& ini_path) {
     app.update_all = ini.ReadInt("LW Update Options", "Update All", 0) != 0;
 
     SetDBPathsAndNames(app, ini_path);
-    if (app.ended) return;
 
     Prefs& prefs = app.prefs;
     prefs.remove_0_sec = ini.ReadInt("Prefs", "Remove 0 Sec", 0) != 0;
@@ -241,11 +234,9 @@ void CheckDBFiles(Application& app, Database& central) {
     for (const IndexedClient& row : ReadClientIndex(central)) {
       if (on_disk.count(ToUpperAscii(row.file_name)) != 0) continue;
       ChkFilesChoice choice = ShowNoFile(app, row.name);
-      if (app.ended) return;
       if (choice == ChkFilesChoice::kCreate) {
         DeleteIndexedClient(central, row.code);
         ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
-        if (app.ended) return;
       } else if (choice == ChkFilesChoice::kDelete) {
         DeleteIndexedClient(central, row.code);
       }
@@ -265,10 +256,8 @@ void CheckDBFiles(Application& app, Database& central) {
       if (indexed.count(ToUpperAscii(name)) != 0) continue;
       std::string path = app.taxpayer_folder + name;
       ChkFilesChoice choice = ShowNoClient(app, path);
-      if (app.ended) return;
       if (choice == ChkFilesChoice::kCreate) {
         MakeClientFromFile(app, central, path);
-        if (app.ended) return;
       } else if (choice == ChkFilesChoice::kDelete) {
         fs::remove(path);
       }
@@ -339,8 +328,16 @@ void EndProgram(Application& app) {
   app.ended = true;
   // Each part is trapped on its own: a failed write-back must not keep the
   // files open or the scratch database on disk, and the process ends anyway.
+  // A fatal error of a part is shown and logged; the program is ending
+  // already, so the next part runs.
+  auto part = [&app](auto&& body) {
+    try {
+      TrapVoid(app, "EndProgram", body);
+    } catch (const ProgramEnded&) {
+    }
+  };
   if (app.forced_data_folder.empty() && !app.ini_path.empty()) {
-    TrapVoid(app, "EndProgram", [&] {
+    part([&] {
       IniFile ini(app.ini_path);
       const OptionMarks& options = app.window.options;
       ini.WriteText("LW Options", "HelpBar", CheckState(options.show_help_bar));
@@ -361,11 +358,9 @@ void EndProgram(Application& app) {
       ini.WriteText("Prefs", "Exp Path", prefs.exp_path);
     });
   }
-  TrapVoid(app, "EndProgram", [&] {
-    CloseClientFile(app);
-    CloseCDB(app);
-  });
-  TrapVoid(app, "EndProgram", [&] {
+  part([&] { CloseClientFile(app); });
+  part([&] { CloseCDB(app); });
+  part([&] {
     if (app.report_db_path.empty()) return;
     if (FileExists(app.report_db_path)) fs::remove(app.report_db_path);
     std::string journal = app.report_db_path + "-journal";

@@ -14,9 +14,9 @@ class Database;
 // store, data folders, the scratch report database, the Security Symbols
 // File (created from its template when missing, opened and upgraded), the
 // reconciliation of taxpayers and files, the usage count, state
-// CLIENTCLOSED. Returns true iff the program is ready; after a failure the
-// program has been ended through EndProgram.
-bool Main(Application& app);
+// CLIENTCLOSED. A start that fails ends the program: throws ProgramEnded,
+// for the front to shut down (EndProgram) and exit.
+void Main(Application& app);
 
 // Reads the INI keys, applies the option check marks, settles the folders.
 void GetINISettings(Application& app, const std::string& ini_path);
@@ -35,7 +35,8 @@ ChkFilesChoice ShowNoClient(Application& app, const std::string& file_name);
 void MakeClientFromFile(Application& app, Database& central, const std::string& file_name);
 
 // Writes the INI file back, closes the files, deletes the scratch report
-// database and its journal, and ends the process. Runs once per program.
+// database and its journal, and ends the process. Runs once per program;
+// only the fronts call it, when ProgramEnded reaches them or at exit.
 void EndProgram(Application& app);
 
 // The data-location dialog dlgFileLoc and its helpers.
@@ -43,7 +44,7 @@ void RunDlgFileLoc(Application& app);
 // Returns the folder the user picked (ending in a separator), or empty text.
 std::string GetFileLoc(Application& app, const std::string& start_folder);
 // Stores the two folders in the settings store, tells the user and ends the
-// process at once, skipping EndProgram.
+// process at once: EndProgram is skipped, and ProgramEnded thrown.
 void SetFileLoc(Application& app, const std::string& ssf_folder, const std::string& client_folder);
 
 }  // namespace lotwise

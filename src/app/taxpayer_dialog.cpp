@@ -11,6 +11,7 @@
 #include "data/upgrades.h"
 #include "ground/date.h"
 #include "ground/lw_error.h"
+#include "ground/program_ended.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
 
@@ -26,13 +27,14 @@ namespace {
 bool RecreateClientFile(Application& app, const IndexedClient& row) {
   Database& central = *app.central;
   DeleteIndexedClient(central, row.code);
-  ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
-  if (app.ended) {
-    // A fatal error in the dialog has closed the files; the row still goes
-    // back, through a connection of its own.
+  try {
+    ShowNewModClient(app, "New Taxpayer", row.name, row.sort_name, row.code);
+  } catch (const ProgramEnded&) {
+    // The program ends on a fatal error in the dialog; the row still goes
+    // back first, through a connection of its own.
     auto reopened = Database::Open(app.central_path, Database::Mode::kShared, app.storage_faults);
     if (!FindIndexedClient(*reopened, row.code)) AddIndexedClient(*reopened, row);
-    return false;
+    throw;
   }
   if (!FindIndexedClient(central, row.code)) AddIndexedClient(central, row);
   return app.client != nullptr;
@@ -157,7 +159,7 @@ void NewModClient_OK(Application& app, NewModClientForm& form) {
 
 void PressOkNewModClient(Application& app, NewModClientForm& form) {
   if (VerifyNewModClient(app, form)) NewModClient_OK(app, form);
-  if (form.accepted || app.ended) form.closed = true;
+  if (form.accepted) form.closed = true;
 }
 
 void NewModClient_Cancel(Application& app, NewModClientForm& form) {
@@ -226,10 +228,6 @@ void OpenClient_Open(Application& app, OpenClientForm& form) {
       const ClientListRow* row = SelectedClient(form);
       if (!row) return;
       DelTaxpayer(app, row->client_code);
-      if (app.ended) {
-        form.closed = true;
-        return;
-      }
       LoadClientList(app, form);
     }
   });
@@ -255,10 +253,6 @@ void OpenClient_OK(Application& app, OpenClientForm& form) {
       form.clients.clear();
       form.selected = -1;
       opened = OpenClient(app, code);
-    }
-    if (app.ended) {
-      form.closed = true;
-      return;
     }
     if (!opened) {
       // The user may pick another taxpayer or cancel.

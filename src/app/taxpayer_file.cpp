@@ -20,6 +20,7 @@
 #include "ground/environment.h"
 #include "ground/lw_error.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
 
@@ -239,7 +240,7 @@ bool NewClient(Application& app, const std::string& name, const std::string& sor
 
     CloseClientFile(app);
     // The taxpayer stays created even when the open one could not be closed.
-    if (app.ended || State(app, kStateQuery) != kClientClosed) return true;
+    if (State(app, kStateQuery) != kClientClosed) return true;
     OpenClientFile(app, file_name);
     UpdateCurrClient(app, file_name, code);
     State(app, kClientOpen);
@@ -446,7 +447,6 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
     // the central add (the user may decline it) does not stop the portfolio's.
     if (!CentralHasSymbol(*app.central, symbol)) AddSecToCDB(app, symbol, name, cusip);
     // A fatal error there has closed the files.
-    if (app.ended) return false;
 
     Database& client = *app.client;
     bool already_held = FindSecurity(client, port_name, symbol).has_value();

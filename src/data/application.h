@@ -92,7 +92,9 @@ class Application {
 
   // The result code dlgChkFiles left behind.
   int chk_files_result = 0;
-  // Set once EndProgram has run, so that a second call does nothing.
+  // Set once EndProgram has run (or SetFileLoc has skipped it), so that a
+  // later call does nothing. Nothing else asks it: the end of the program
+  // travels as ProgramEnded.
   bool ended = false;
 
   // Returns program folder & separator & name.

@@ -2,7 +2,6 @@
 
 #include <fstream>
 
-#include "app/startup.h"
 #include "data/application.h"
 #include "ground/date.h"
 #include "ground/environment.h"
@@ -201,17 +200,15 @@ bool HandleError(Application& app, int number, std::string_view text, std::strin
                             ". The program will now shut down to prevent errors in your data. "
                             "Please contact Tarnwick Software with this error message.",
                         "Fatal Error!", Icon::kCritical, Buttons::kOk);
-    EndProgram(app);
-    return false;
+    throw ProgramEnded{};
   }
 }
 
 bool ReportError(Application& app, const LwError& error, std::string_view location) {
   // Error numbers are 16-bit in the handler's table.
   int number = static_cast<int16_t>(error.number());
-  bool carry_on = HandleError(app, number, error.text(), location);
-  if (!carry_on) EndProgram(app);
-  return carry_on;
+  if (!HandleError(app, number, error.text(), location)) throw ProgramEnded{};
+  return true;
 }
 
 void ChkTransDate(Application& app, std::string_view date_text) {

@@ -133,7 +133,6 @@ class ChangeLines {
     const Date today = Today(app.env());
     for (const std::string& line : lines_) {
       LogChange(app, app.current.port_name, app.current.sec_id, today, line);
-      if (app.ended) return false;
     }
     return true;
   }

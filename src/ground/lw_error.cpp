@@ -4,6 +4,8 @@
 #include <new>
 #include <system_error>
 
+#include "ground/program_ended.h"
+
 namespace lotwise {
 
 namespace {
@@ -23,6 +25,9 @@ int FileSystemErrorNumber(const std::error_code& code) {
 
 LwError CurrentError() {
   try {
+    throw;
+  } catch (const ProgramEnded&) {
+    // The end of the program is no error to report: it goes on unwinding.
     throw;
   } catch (const LwError& e) {
     return e;

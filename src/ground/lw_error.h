@@ -49,7 +49,8 @@ class LwError : public std::exception {
 
 // Returns the LwError that describes the exception in flight: LwError as it
 // is, bad_alloc as 7, filesystem errors as 76/75/68, anything else as an
-// "any other" error carrying its message. Must be called inside a catch block.
+// "any other" error carrying its message; ProgramEnded is thrown on. Must be
+// called inside a catch block.
 LwError CurrentError();
 
 }  // namespace lotwise

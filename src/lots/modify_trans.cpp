@@ -239,14 +239,11 @@ void ModifyTrans_OK(Application& app, ModifyTransForm& form) {
       ok = ModifySplit(app, id, date, form.num_shares, form.notes);
     }
     if (!ok) {
-      // After a fatal error the program is ending: nothing more to say.
-      if (!app.ended) {
-        app.ui().MessageBox(
-            "The modification was not completed successfully. If an error message was displayed "
-            "you should try to correct the error first. You will need to enter this modification "
-            "again.",
-            "Error!", Icon::kCritical, Buttons::kOk);
-      }
+      app.ui().MessageBox(
+          "The modification was not completed successfully. If an error message was displayed "
+          "you should try to correct the error first. You will need to enter this modification "
+          "again.",
+          "Error!", Icon::kCritical, Buttons::kOk);
       return;
     }
     // The change is stored: the dialog closes even if the display cannot follow.

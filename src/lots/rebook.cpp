@@ -52,7 +52,6 @@ bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
     LogChange(app, app.current.port_name, sec_id, today,
               "Re-booked Sell of " + NumberText(sale.shares) + " shares on " +
                   sale.date.ToString() + " from blocks " + sale.was + " to " + sale.now);
-    if (app.ended) return false;
   }
   for (const SplitChange& row : plan.splits) {
     if (row.remove) {
@@ -64,7 +63,6 @@ bool Apply(Application& app, int64_t sec_id, const RebookPlan& plan) {
       SetSplitShares(db, row.unique_id, row.shares);
     }
     LogChange(app, app.current.port_name, sec_id, today, ChangeLine(row));
-    if (app.ended) return false;
   }
   unit.Commit();
   return true;

@@ -111,13 +111,10 @@ void RollBack_OK(Application& app, RollbackForm& form) {
     }
     app.ui().SetHelpBarText("Rolling Back Transactions");
     if (!RollBackTrans(app, form, date)) {
-      // After a fatal error the program is ending: nothing more to say.
-      if (!app.ended) {
-        app.ui().MessageBox(
-            "The RollBack was not completed. If an error message was displayed you will need to "
-            "correct that first. Please do the RollBack again.",
-            "Error!", Icon::kCritical, Buttons::kOk);
-      }
+      app.ui().MessageBox(
+          "The RollBack was not completed. If an error message was displayed you will need to "
+          "correct that first. Please do the RollBack again.",
+          "Error!", Icon::kCritical, Buttons::kOk);
       return;
     }
     form.accepted = true;

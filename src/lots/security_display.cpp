@@ -71,9 +71,7 @@ void FillSecDisplay(Application& app, int64_t sec_id) {
   display.trans_filter = 0;
   display.trans_filter_caption = kTransFilterCaptions[0];
   UpdateTransInBlock(app, display.trans_filter);
-  if (app.ended) return;
   UpdateSharesInSec(app);
-  if (app.ended) return;
   display.visible = true;
 }
 

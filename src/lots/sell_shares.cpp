@@ -356,7 +356,6 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
     bool committed = false;
     const bool added = AddAllSales(app, app.sale_lists.selected, date, shares, sale_price, fee,
                                    form.notes, replacing, &committed);
-    if (app.ended) return;
     if (modify && !committed) {
       // The old rows are deleted only in the unit that stores the new ones.
       Tell(app,
@@ -495,7 +494,7 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
     // and they are all the security's sales of that day.
     if (replaced == nullptr || replaced->date != date) {
       for (const ShareEntry& entry : entries) {
-        if (!ConfirmSellOn(app, entry.block_no, date)) return !app.ended;
+        if (!ConfirmSellOn(app, entry.block_no, date)) return true;
       }
     }
     const std::vector<SaleRow> rows = ApportionSale(entries, shares, sale_price, fee);
@@ -514,9 +513,6 @@ bool AddAllSales(Application& app, const ShareList& selected, Date date, double 
         }
         if (rows.size() > 1) ui.SetGauge(static_cast<int>(i * 100 / (rows.size() - 1)));
       }
-      // An error that ends the program has closed the file, which undid the
-      // unit; nothing more can be shown of it.
-      if (app.ended) return false;
       if (all_written) {
         unit.Commit();
         if (committed != nullptr) *committed = true;

@@ -92,7 +92,6 @@ void ShowSellSpecific(Application& app, SellSharesForm& sale_form) {
     SaleLists& lists = app.sale_lists;
     if (lists.left.empty && lists.selected.empty) {
       if (!ResetShareLists(app, form)) {
-        if (app.ended) return;
         app.ui().MessageBox(
             "There are no shares in this security to sell. You may want to verify your "
             "transactions for this security if you think this is a mistake. You will not be able "
@@ -255,7 +254,7 @@ void SellSpecific_OK(Application& app, SellSpecificForm& form) {
       return;
     }
     if (form.sale_form != nullptr) form.sale_form->num_shares = total;
-    form.closed = true;
+    form.accepted = form.closed = true;
   });
 }
 

@@ -28,6 +28,7 @@ struct SellSpecificForm : DialogForm {
   double shares_sold_total = 0;  // pnlSharesSold
   // The sale dialog that opened this one; OK and Cancel set its shares.
   SellSharesForm* sale_form = nullptr;
+  bool accepted = false;  // set only when OK took the selection
 
   std::string_view Name() const override { return "dlgSellSpecific"; }
 };

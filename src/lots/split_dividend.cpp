@@ -192,7 +192,6 @@ void SplitDiv_OK(Application& app, SplitDivForm& form, bool modify_flag) {
       return;
     }
     if (modify_flag) {
-      if (app.ended) return;
       app.ui().MessageBox(
           "The transaction was not changed: the original one of " + form.modify_date.ToString() +
               " is kept as it was. If an error message was displayed the error will need to be "
@@ -286,8 +285,7 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
     if (all_added && rows_added != nullptr) *rows_added = added;
     return all_added;
   });
-  // A program that is ending has closed the file the display would read.
-  if (!app.ended && app.client) {
+  if (app.client) {
     TrapVoid(app, "AddAllSplitDivs", [&] { DisplayBlock(app, grid_block); });
   }
   return committed;

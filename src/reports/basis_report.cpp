@@ -47,7 +47,8 @@ struct ReportRun {
 
 }  // namespace
 
-bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
+bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request, bool* export_made) {
+  if (export_made != nullptr) *export_made = false;
   return Trap(app, "RunBasisSchedDReport", false, [&] {
     UiPort& ui = app.ui();
     Date year_end;
@@ -114,7 +115,8 @@ bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request) {
       }
       run_report({"Preparing Schedule D attachment, please wait...", "Schedule D Attachment",
                   request.detail ? "SCHED_D1.RPT" : "SCHED_D2.RPT"});
-      CreateSchDExportFile(app);
+      const bool made = CreateSchDExportFile(app);
+      if (export_made != nullptr) *export_made = made;
     }
     if (request.kind != BasisKind::kScheduleD) {
       std::string file = request.detail ? "BASIS_DT" : "BASIS_SM";

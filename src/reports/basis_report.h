@@ -14,8 +14,10 @@ class Application;
 // portfolio scope, computes (CalcBasisSchedDRpt), runs the chosen report
 // files and, after a Schedule D attachment, offers the export file. A report
 // that fails is reported and the run goes on with the others. Returns true
-// iff the tables were computed and every report ran.
-bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request);
+// iff the tables were computed and every report ran; `export_made` (when
+// given) tells whether the export file was made.
+bool RunBasisSchedDReport(Application& app, const BasisReportRequest& request,
+                          bool* export_made = nullptr);
 
 // Empties and fills the report tables of a basis run for `scope` and the
 // year ending `year_end`, the walk inside one database transaction. Returns

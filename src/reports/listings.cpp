@@ -71,8 +71,6 @@ bool RunClientReport(Application& app, ReportDestination destination, ClientSort
   return Trap(app, "RunClientReport", false, [&] {
     app.ui().SetHelpBarText("Preparing Taxpayer Report, Please Wait...");
     if (!CreateClientReportTables(app, sort)) {
-      // After a fatal error the program is ending: nothing more to say.
-      if (app.ended) return false;
       app.ui().MessageBox(
           "The report can't be generated. If an error was reported you should try to correct it "
           "first and then try the report again.",
@@ -106,7 +104,6 @@ bool RunSecReport(Application& app, ReportDestination destination, int list_from
     if (!PortfolioOpenFor(app, list_from)) return false;
     app.ui().SetHelpBarText("Preparing Security Listing Report, Please wait...");
     if (!CreateSecReportTables(app, list_from)) {
-      if (app.ended) return false;
       app.ui().MessageBox(
           "The Report can not be generated. If an error message was displayed you should try to "
           "correct the error first.You will need to run the report again.",
@@ -156,7 +153,6 @@ bool CreateSecReportTables(Application& app, int list_from) {
       const std::string name = GetSecInfoFromCDB(app, row.symbol, "[Sec Name]");
       const std::string cusip = GetSecInfoFromCDB(app, row.symbol, "CUSIP");
       const std::string method = GetSellName(app, row.method);
-      if (app.ended) return false;
       AddSecListReport(*report, {row.port_name, row.symbol, name, cusip, row.second_line, method});
     }
     unit.Commit();

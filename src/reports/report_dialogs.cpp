@@ -79,7 +79,7 @@ void RunBasisOptions(Application& app, BasisOptionsForm& form, bool print) {
       request.kind = form.include_sched_d ? BasisKind::kBoth : BasisKind::kBasis;
       request.exclude_empty = form.exclude_empty;
     }
-    if (RunBasisSchedDReport(app, request) || app.ended) {
+    if (RunBasisSchedDReport(app, request)) {
       form.closed = true;
     } else if (!ParseField(form.year_end)) {
       form.focus = "dtYearEnd";
@@ -93,8 +93,7 @@ void RunTransListOptions(Application& app, TransListOptionsForm& form, bool prin
     app.prefs.xact_start = PrefFromDateField(form.begin_date);
     app.prefs.xact_end = PrefFromDateField(form.end_date);
     if (RunTransListRpt(app, static_cast<ReportScope>(Choice(form.scope, 3, 0)), form.begin_date,
-                        form.end_date, Destination(print)) ||
-        app.ended) {
+                        form.end_date, Destination(print))) {
       form.closed = true;
       return;
     }
@@ -112,8 +111,7 @@ void RunClientListOptions(Application& app, ClientListOptionsForm& form, bool pr
   TrapVoid(app, "ClientListOptions_OK", [&] {
     form.sort_by = Choice(form.sort_by, 2, 1);
     app.prefs.client_order = form.sort_by;
-    if (RunClientReport(app, Destination(print), static_cast<ClientSort>(form.sort_by)) ||
-        app.ended) {
+    if (RunClientReport(app, Destination(print), static_cast<ClientSort>(form.sort_by))) {
       form.closed = true;
     }
   });
@@ -123,7 +121,7 @@ void RunSecListOptions(Application& app, SecListOptionsForm& form, bool print) {
   TrapVoid(app, "SecListOptions_OK", [&] {
     form.sort_by = Choice(form.sort_by, 2, 0);
     app.prefs.sec_order = form.sort_by;
-    if (RunSecReport(app, Destination(print), form.list_from, form.sort_by) || app.ended) {
+    if (RunSecReport(app, Destination(print), form.list_from, form.sort_by)) {
       form.closed = true;
     }
   });

@@ -106,8 +106,8 @@ std::string ClosingMessage(const std::string& file_name) {
 
 }  // namespace
 
-void CreateSchDExportFile(Application& app) {
-  TrapVoid(app, "CreateSchDExportFile", [&] {
+bool CreateSchDExportFile(Application& app) {
+  return Trap(app, "CreateSchDExportFile", false, [&] {
     UiPort& ui = app.ui();
     const Answer answer = ui.MessageBox(
         "This program can create a file that can be used to export the Schedule D information "
@@ -115,12 +115,12 @@ void CreateSchDExportFile(Application& app) {
         "as the Report Type in the Schedule D Options screen.\r\n\r\nDo you want to create a "
         "Schedule D export file?",
         "Schedule D Export File", Icon::kQuestion, Buttons::kYesNo);
-    if (answer != Answer::kYes) return;
+    if (answer != Answer::kYes) return false;
 
     const std::string file_name = GetSchDExportFilename(app, app.prefs.exp_path);
     // Without a name there is nothing to write and nothing to tell.
-    if (file_name.empty()) return;
-    if (!MakeExportHeader(app, file_name)) return;
+    if (file_name.empty()) return false;
+    if (!MakeExportHeader(app, file_name)) return false;
 
     switch (WriteExportRecords(app, file_name, app.report_db_path)) {
       case ExportOutcome::kWritten:
@@ -134,6 +134,7 @@ void CreateSchDExportFile(Application& app) {
         // Already reported; an "empty" message would mislead.
         break;
     }
+    return true;
   });
 }
 

@@ -8,8 +8,9 @@ class Application;
 
 // The Schedule D export: asks whether to write the file, asks for its name,
 // writes the header and the rows of the report database's Schedule D join,
-// and tells the user what was written.
-void CreateSchDExportFile(Application& app);
+// and tells the user what was written. Returns true iff the file was made
+// (it holds at least the header).
+bool CreateSchDExportFile(Application& app);
 
 // Asks for the export file's name in the save-file dialog, starting in
 // `initial_folder`; remembers the chosen folder as the export path. Returns

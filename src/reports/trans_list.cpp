@@ -267,8 +267,6 @@ bool CalcTransListRpt(Application& app, const std::string& port_filter,
       AddTLPort(*report, port_name);
       for (const SecurityOfPort& sec : SecuritiesOfPort(client, port_name, sec_filter)) {
         const std::string sec_name = GetSecInfoFromCDB(app, sec.symbol, "[Sec Name]");
-        // A fatal error there has closed the files.
-        if (app.ended) return false;
         const BlockOrder blocks = BlocksOfSec(client, sec.sec_id);
         std::vector<GatheredRow> rows;
         if (!CalcTLBuys(app, rows, sec.sec_id, blocks, range)) return false;

@@ -17,7 +17,9 @@
 #include <QVBoxLayout>
 #include <map>
 
+#include "app/startup.h"
 #include "data/application.h"
+#include "ground/program_ended.h"
 #include "ground/ui_port.h"
 #include "ui/form_widgets.h"
 
@@ -119,9 +121,12 @@ FormWindow* FormWindow::Of(const DialogForm& form) {
 }
 
 void FormWindow::Exec() {
-  if (form_.closed || app_.ended) return;
+  if (form_.closed) return;
   ApplyFocus();
   exec();
+  // The program ended in a procedure of this window: the core that showed
+  // the window unwinds too, up to the command that started it.
+  if (program_ended_) throw ProgramEnded{};
 }
 
 void FormWindow::ShowAgain() {
@@ -134,8 +139,15 @@ void FormWindow::Run(const std::function<void()>& procedure, bool any_text) {
   if (!any_text && RefuseAmounts()) return;
   running_ = true;
   Store();
-  procedure();
-  if (form_.closed || app_.ended) {
+  try {
+    procedure();
+  } catch (const ProgramEnded&) {
+    // Qt must not see the exception: the program shuts down here, the
+    // window closes and Exec passes the end on.
+    EndProgram(app_);
+    program_ended_ = true;
+  }
+  if (form_.closed || program_ended_) {
     finished_ = true;
     done(form_.closed ? QDialog::Accepted : QDialog::Rejected);
   } else {

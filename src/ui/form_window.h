@@ -52,7 +52,8 @@ QButtonGroup* NewOptions(QWidget* parent, const char* name, const char* caption,
 // procedure runs the same way: the widgets are written into the form, the
 // procedure runs, the form is shown again (a check may have reset a value)
 // and the focus goes where the procedure asked. The window closes when the
-// form says it is closed, or when the program ends.
+// form says it is closed, or when the program ends (Exec then throws
+// ProgramEnded).
 //
 // Enter moves between fields as Tab does; Escape and the close box run the
 // Cancel procedure; a named control shows the form's help text for it.
@@ -67,7 +68,8 @@ class FormWindow : public QDialog {
   static FormWindow* Of(const DialogForm& form);
 
   // Shows the window until the form is closed; a form closed before it
-  // shows is not shown.
+  // shows is not shown. Throws ProgramEnded when a procedure of the window
+  // ended the program.
   void Exec();
   // Called when a procedure shows this window's form again while it is
   // open: the window shows the form's values and stays up.
@@ -172,6 +174,8 @@ class FormWindow : public QDialog {
   int next_row_ = 0;
   bool running_ = false;
   bool finished_ = false;
+  // Set when a procedure ended the program.
+  bool program_ended_ = false;
 };
 
 // Shows the window `Window` (built from the app, its form and the parent)

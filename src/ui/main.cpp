@@ -15,6 +15,7 @@
 #include "app/startup.h"
 #include "data/application.h"
 #include "ground/environment.h"
+#include "ground/program_ended.h"
 #include "ui/main_window.h"
 #include "ui/qt_ui_port.h"
 #include "ui/splash.h"
@@ -29,15 +30,15 @@ using lotwise::Application;
 class QtEnvironment : public lotwise::SystemEnvironment {
  public:
   void EndProcess(int exit_code) override {
-    ended_ = true;
+    end_requested_ = true;
     exit_code_ = exit_code;
     QCoreApplication::exit(exit_code);
   }
-  bool ended() const { return ended_; }
+  bool end_requested() const { return end_requested_; }
   int exit_code() const { return exit_code_; }
 
  private:
-  bool ended_ = false;
+  bool end_requested_ = false;
   int exit_code_ = 0;
 };
 
@@ -99,7 +100,12 @@ int main(int argc, char** argv) {
 
   // The wait cursor from the files' opening until the window is up.
   auto hourglass = std::make_unique<lotwise::HourglassGuard>(ui);
-  if (!lotwise::Main(app)) return env.ended() ? env.exit_code() : 1;
+  try {
+    lotwise::Main(app);
+  } catch (const lotwise::ProgramEnded&) {
+    lotwise::EndProgram(app);
+    return env.end_requested() ? env.exit_code() : 1;
+  }
 
   lotwise::ui::MainWindow window(app);
   ui.SetMainWindow(&window);
@@ -113,7 +119,7 @@ int main(int argc, char** argv) {
   CloseOnTermination(window);
 
   const int exit_code = QApplication::exec();
-  if (!app.ended) lotwise::EndProgram(app);
+  lotwise::EndProgram(app);
   ui.SetMainWindow(nullptr);
-  return env.ended() ? env.exit_code() : exit_code;
+  return env.end_requested() ? env.exit_code() : exit_code;
 }

@@ -27,10 +27,12 @@
 
 #include "app/main_window_commands.h"
 #include "app/security_commands.h"
+#include "app/startup.h"
 #include "app/taxpayer_file.h"
 #include "data/application.h"
 #include "data/central_file.h"
 #include "ground/field_sizes.h"
+#include "ground/program_ended.h"
 #include "ground/ui_port.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
@@ -555,25 +557,35 @@ void MainWindow::RunCore(Procedure procedure) {
     return;
   }
   command_running_ = true;
-  procedure(app_);
+  EndsHere([&] { procedure(app_); });
   command_running_ = false;
   Refresh();
-  if (app_.ended) close();
+  if (program_ended_) close();
 }
 
 bool MainWindow::RunCommand(std::string_view name) {
-  if (command_running_ || app_.ended) {
+  if (command_running_ || program_ended_) {
     Refresh();
     return false;
   }
   command_running_ = true;
   command_refresh_->start();
-  const bool ran = RunMenuCommand(app_, name);
+  bool ran = true;
+  EndsHere([&] { ran = RunMenuCommand(app_, name); });
   command_refresh_->stop();
   command_running_ = false;
   Refresh();
-  if (app_.ended) close();
+  if (program_ended_) close();
   return ran;
+}
+
+void MainWindow::EndsHere(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const ProgramEnded&) {
+    EndProgram(app_);
+    program_ended_ = true;
+  }
 }
 
 void MainWindow::Refresh() {
@@ -646,12 +658,11 @@ void MainWindow::StoreSecurityField(QLineEdit* field) {
     } else {
       UpdateSecCusip(app, symbol, text);
     }
-    if (app.ended) return;
     // Shows what the Security Symbols File now holds: the new text, or the
     // old one when the user kept it.
     const std::string name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     const std::string cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
-    if (!app.ended) ModifySecDisplay(app, symbol, name, cusip);
+    ModifySecDisplay(app, symbol, name, cusip);
   });
   // The field lost the focus, so Refresh may now write the stored text.
   const QString shown = ToQ(is_name ? app_.window.display.sec_name : app_.window.display.sec_cusip);
@@ -673,8 +684,8 @@ void MainWindow::HideGauge() {
 void MainWindow::RecordGoodSize() { last_good_size_ = size(); }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (!app_.ended && !command_running_) CloseMainWindow(app_);
-  if (!app_.ended) {
+  if (!program_ended_ && !command_running_) EndsHere([this] { CloseMainWindow(app_); });
+  if (!program_ended_) {
     // A command is still running (a dialog is open): the window stays.
     event->ignore();
     return;

@@ -2,6 +2,7 @@
 
 #include <QMainWindow>
 #include <QSize>
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>
@@ -79,6 +80,9 @@ class MainWindow : public QMainWindow {
   // A procedure of the core run from a widget, then mirrored.
   template <typename Procedure>
   void RunCore(Procedure procedure);
+  // Runs `body`; when it ends the program, shuts the program down here:
+  // the exception must not reach Qt.
+  void EndsHere(const std::function<void()>& body);
   void StoreSecurityField(QLineEdit* field);
   void RestoreGoodSize();
 
@@ -118,6 +122,8 @@ class MainWindow : public QMainWindow {
 
   // True while a command runs; a second one waits for it to end.
   bool command_running_ = false;
+  // Set once a command has ended the program: the window closes.
+  bool program_ended_ = false;
   // True while Refresh writes into the widgets: the signals that raises are
   // the mirror's own, not the user's.
   bool mirroring_ = false;

@@ -8,6 +8,7 @@
 #include "app/main_window_commands.h"
 #include "app/security_commands.h"
 #include "app_state/window_fixture.h"
+#include "ground/program_ended.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
 
@@ -179,10 +180,8 @@ TEST_F(CommandTest, RunMenuCommand_OptionsModifySellAndExit) {
       "of the Security on its date will be modified together.",
       "No Sell Selected");
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuModEntireSell"));
-  EXPECT_TRUE(RunMenuCommand(*app_, "Exit"));
+  EXPECT_THROW(RunMenuCommand(*app_, "Exit"), ProgramEnded);
   EXPECT_EQ(ui_.help_texts().back(), "Thank you for using the Tarnwick Software - Lotwise");
-  EXPECT_EQ(env_->end_calls(), 1);
-  EXPECT_TRUE(app_->ended);
 }
 
 }  // namespace

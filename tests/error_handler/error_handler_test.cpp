@@ -187,9 +187,7 @@ TEST_F(ErrorHandlerTest, FailureInsideHandler_IsFatalAndUnlogged) {
       "shut down to prevent errors in your data. Please contact Tarnwick Software with this "
       "error message.",
       "Fatal Error!");
-  EXPECT_FALSE(HandleError(*app_, 75, "Path/File access error", "X"));
-  EXPECT_EQ(env_->end_calls(), 1);
-  EXPECT_TRUE(app_->ended);
+  EXPECT_THROW(HandleError(*app_, 75, "Path/File access error", "X"), ProgramEnded);
 }
 
 // ReportError ends the program exactly when the handler says so.
@@ -199,17 +197,15 @@ TEST_F(ErrorHandlerTest, ReportError_EndsOnlyOnFalse) {
                  "report file that Lotwise needs is missing. Please contact technical support.",
              "Report File Missing");
   EXPECT_TRUE(ReportError(*app_, LwError(20504, "gone"), "Run"));
-  EXPECT_EQ(env_->end_calls(), 0);
-  EXPECT_FALSE(ReportError(*app_, LwError(3000, "silent"), "Run"));
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(ReportError(*app_, LwError(3000, "silent"), "Run"), ProgramEnded);
 }
 
-// Trap turns any escaping exception into a handled error and the failure result.
-TEST_F(ErrorHandlerTest, Trap_ReturnsFailureAfterReporting) {
-  int result = Trap(*app_, "Proc", -1, []() -> int { throw LwError(3000, "quiet"); });
-  EXPECT_EQ(result, -1);
-  EXPECT_EQ(env_->end_calls(), 1);
-  EXPECT_NE(ReadLog().find("Location:           Proc"), std::string::npos);
+// Trap reports an escaping exception; a fatal one ends the program, and the
+// end passes every outer Trap unreported.
+TEST_F(ErrorHandlerTest, Trap_FatalErrorEndsThroughOuterTraps) {
+  auto inner = [&] { return Trap(*app_, "Proc", -1, []() -> int { throw LwError(3000, "q"); }); };
+  EXPECT_THROW(Trap(*app_, "Outer", 0, inner), ProgramEnded);
+  EXPECT_EQ(ReadLog(), "11-22-2026 -> " + ErrorHeader(3000, "q", "Proc") + "\r\n");
 }
 
 // ChkTransDate warns but never blocks; 1/1/1913 is the first plausible day.

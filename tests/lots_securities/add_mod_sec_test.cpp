@@ -80,7 +80,7 @@ TEST_P(AddSecTest, ShowAddSec_Cases) {
                  c.answer);
     }
     AddModSec_Ok(*app_, form);
-    EXPECT_TRUE(form.closed);
+    EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowAddSec(*app_);
   const std::string symbol = c.central_after.substr(0, c.central_after.find('|'));
@@ -138,7 +138,7 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
     AddModSec_Cancel(*app_, again);
   });
   AddModSec_Ok(*app_, form);
-  EXPECT_TRUE(form.closed);
+  EXPECT_TRUE(form.closed && !form.accepted);
   EXPECT_EQ(CentralSec("IBM"), kIbm);
   EXPECT_EQ(CountCentralRows("Securities") * 10 + CountClientRows("Security"), 11);
 }

@@ -11,9 +11,6 @@
 namespace lotwise::testing {
 namespace {
 
-const std::string kNotMade =
-    "The transaction was not made. If an error message was displayed the error will need to be "
-    "corrected. You will have to add this transaction again.";
 const std::string kNoneAdded =
     "No Stock Splits (or Dividends) were added. If you think this is incorrect you should check "
     "your data, and try this again.";
@@ -209,10 +206,8 @@ TEST_F(SplitDivTest, AllBlocks_SecondWriteFails_NoRowRemains) {
   UseStorageFaults();
   faults_.FailWriteNumber(2);
   ExpectFatal(err::kSqliteBase + 10, "disk I/O error (injected)", "AddSplit");
-  ui_.Expect(kNotMade, "Transaction not completed", Icon::kExclamation, Buttons::kOk);
   SplitDivForm form = AllBlocksForm("03/01/2024", 2, 1);
-  PressOkSplitDiv(*app_, form);
-  EXPECT_FALSE(form.closed);
+  EXPECT_THROW(PressOkSplitDiv(*app_, form), ProgramEnded);
   EXPECT_EQ(CountOnDisk("Split"), 0);
   EXPECT_EQ(IntegrityOnDisk(), "ok");
 }

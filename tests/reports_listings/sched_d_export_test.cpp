@@ -77,7 +77,7 @@ TEST_F(ExportTest, Export_LinesInOrder) {
   Security("ACME", "ACME FUND");
   ExpectDialogue(file_);
   ExpectWritten();
-  CreateSchDExportFile(*app_);
+  EXPECT_TRUE(CreateSchDExportFile(*app_));
   ExpectGolden(__FILE__, "export_lines.csv", FileText());
   EXPECT_EQ(app_->prefs.exp_path, root_ + "export/");
 }
@@ -89,7 +89,7 @@ TEST_F(ExportTest, Export_ReplacesOldFile) {
   ExpectDialogue(file_);
   ui_.Expect("The Schedule D information was empty.", "Export File Information", Icon::kInformation,
              Buttons::kOk);
-  CreateSchDExportFile(*app_);
+  EXPECT_TRUE(CreateSchDExportFile(*app_));
   EXPECT_EQ(FileText(), kHeader);
   Security("ACME", "ACME FUND");
   Sale("ACME", 100, "1", "2", true);
@@ -106,9 +106,9 @@ TEST_F(ExportTest, Export_NothingWritten) {
   Security("ACME", "ACME FUND");
   Sale("ACME", 100, "1", "2", true);
   ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
-  CreateSchDExportFile(*app_);
+  EXPECT_FALSE(CreateSchDExportFile(*app_));
   ExpectDialogue("");
-  CreateSchDExportFile(*app_);
+  EXPECT_FALSE(CreateSchDExportFile(*app_));
   EXPECT_TRUE(fs::is_empty(root_ + "export"));
   EXPECT_EQ(app_->prefs.exp_path, root_ + "start/");
 
@@ -116,9 +116,8 @@ TEST_F(ExportTest, Export_NothingWritten) {
   ExpectDialogue(bad);
   ExpectSaid(ui_, kListingsSource, "export_path", Answer::kOk,
              {ErrorHeader(75, "Path/File access error: " + bad, "MakeExportHeader")});
-  CreateSchDExportFile(*app_);
+  EXPECT_THROW(CreateSchDExportFile(*app_), ProgramEnded);
   EXPECT_FALSE(fs::exists(bad));
-  EXPECT_EQ(env_->end_calls(), 1);
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "ground/ini_file.h"
 #include "ground/lw_error.h"
 #include "ground/paths.h"
+#include "ground/program_ended.h"
 #include "support/app_fixture.h"
 
 namespace lotwise::testing {
@@ -66,7 +67,7 @@ class StartupTest : public AppTest {
 // report database until EndProgram removes it with its journal. A second
 // start meanwhile, in the same second, gets a report database of its own.
 TEST_F(StartupTest, Main_FreshProgramFolderStartsAndEnds) {
-  ASSERT_TRUE(Main(*app_));
+  ASSERT_NO_THROW(Main(*app_));
   const std::string report = root_ + "tmp/~LW0703.MDB";
   EXPECT_EQ(app_->window.state, kClientClosed);
   EXPECT_EQ(app_->ini_path + "|" + app_->help_path + "|" + app_->central_path + "|" +
@@ -79,7 +80,7 @@ TEST_F(StartupTest, Main_FreshProgramFolderStartsAndEnds) {
 
   Application second(ui_, *env_, program_folder_, "lotwise");
   second.settings_store_path = app_->settings_store_path;
-  ASSERT_TRUE(Main(second));
+  ASSERT_NO_THROW(Main(second));
   EXPECT_NE(second.report_db_path, report);
   EXPECT_EQ(GetUsageCount(second), 2);
   EndProgram(second);
@@ -118,8 +119,7 @@ TEST_F(StartupTest, GetUniqueReportName_FirstFreeName) {
                  "another program, or is missing. Please make sure you have not opened any Lotwise "
                  "files before starting this program again.",
              "Error!", Icon::kCritical, Buttons::kOk);
-  EXPECT_EQ(GetUniqueReportName(*app_), "");
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(GetUniqueReportName(*app_), ProgramEnded);
 }
 
 // A data folder that cannot be used brings the "WARNING" and the
@@ -167,7 +167,8 @@ TEST_P(BrokenDataFolder, Main_WarnsOffersLocationsAndEnds) {
                    "is correct, and the directory exists.",
                "Error!", Icon::kCritical, Buttons::kOk);
   }
-  EXPECT_FALSE(Main(*app_));
+  EXPECT_THROW(Main(*app_), ProgramEnded);
+  EndProgram(*app_);
   EXPECT_EQ(env_->end_calls(), 1);
   EXPECT_EQ(FileExists(app_->ProgramFile("LWERR.LOG")), !designate);
   EXPECT_EQ(FileExists(app_->ini_path), !designate) << "EndProgram ran";

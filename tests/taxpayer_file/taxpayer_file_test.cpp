@@ -12,6 +12,7 @@
 #include "app/app_state.h"
 #include "app/taxpayer_dialog.h"
 #include "data/error_handler.h"
+#include "ground/program_ended.h"
 #include "taxpayer_file/taxpayer_fixture.h"
 
 namespace lotwise::testing {
@@ -86,8 +87,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
   faults.FailWriteNumber(1);
   ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", "CreateClientFile") + kShutDownAdvice,
              "Warning!", Icon::kCritical, Buttons::kOk);
-  EXPECT_FALSE(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd));
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd), ProgramEnded);
   app_->central = Database::Open(app_->central_path);
   EXPECT_EQ(CountCentralRows("Clients"), 0);
   EXPECT_TRUE(TaxpayerFiles().empty());
@@ -209,8 +209,7 @@ TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
   Scribble(0);
   ExpectSaid(ui_, __FILE__, "not_a_database", Answer::kOk,
              {ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient")});
-  EXPECT_FALSE(OpenClient(*app_, "DOE01"));
-  EXPECT_EQ(env_->end_calls(), 1);
+  EXPECT_THROW(OpenClient(*app_, "DOE01"), ProgramEnded);
   EXPECT_EQ(app_->client, nullptr);
 }
 

@@ -398,10 +398,10 @@ TEST_P(FaultTest, WriteFails_FileAsBefore) {
   faults_.FailWriteNumber(c.failing_write);
   ui_.Expect(FatalMessage(31010, "disk I/O error (injected)", c.location), "Warning!",
              Icon::kCritical, Buttons::kOk);
-  EXPECT_FALSE(c.modify ? ModifyBuy(*app_, 1, D("02/01/2024"), Money("1000"), Currency(), 100, "")
+  EXPECT_THROW(c.modify ? ModifyBuy(*app_, 1, D("02/01/2024"), Money("1000"), Currency(), 100, "")
                         : AddBuy(*app_, sec_id_, block_id_, kTypeBuy, D("02/01/2024"),
-                                 Money("1000"), 100, Currency(), ""));
-  EXPECT_EQ(env_->end_calls(), 1);
+                                 Money("1000"), 100, Currency(), ""),
+               ProgramEnded);
   EXPECT_EQ(BlocksOnDisk(), Lines{"1|01/02/2024-1|2024-01-02|2024-01-02|10000000"});
   EXPECT_EQ(TransactionRows(), 1);
   EXPECT_EQ(CountOnDisk("Change"), 0);

@@ -9,6 +9,7 @@
 #include "app/taxpayer_dialog.h"
 #include "app/taxpayer_file.h"
 #include "ground/ini_file.h"
+#include "ground/program_ended.h"
 #include "ui_taxpayer_dialogs/window_fixture.h"
 
 namespace lotwise::testing {
@@ -208,7 +209,7 @@ TEST_F(TaxpayerWindowsTest, FileLoc_PickedFoldersStoredOnOk) {
                "Notice", Icon::kInformation, Buttons::kOk);
     Click(window, "btnOK");
   });
-  RunDlgFileLoc(*app_);
+  EXPECT_THROW(RunDlgFileLoc(*app_), ProgramEnded);
   IniFile store(app_->settings_store_path);
   EXPECT_EQ(store.ReadText("File Options", "SSF Path", "") + "|" +
                 store.ReadText("File Options", "Taxpayer Path", ""),

@@ -1,0 +1,1 @@
+// The link checks of the layer libraries need one source file of their own.
