@@ -16,7 +16,7 @@ PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev libkainjow-mustache-dev
   libhpdf-dev libcsv-dev poppler-utils
   qt6-base-dev qt6-qpa-plugins libgl-dev xvfb xauth
-  clang-format
+  clang-format python3
 )
 
 as_root() {
