@@ -21,7 +21,7 @@ import subprocess
 import sys
 from pathlib import Path
 
-FOLDERS = ("src/app", "src/data", "src/lots", "src/reports")
+FOLDERS = ("src/ground", "src/data", "src/lots", "src/reports", "src/app")
 DEFAULT_SEED = 20261124
 DEFAULT_COUNT = 200
 
