@@ -323,7 +323,19 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   sec_display_->setObjectName("pnlSecDisplay");
   sec_display_->setFrameShape(QFrame::StyledPanel);
   auto* layout = new QVBoxLayout(sec_display_);
+  layout->addLayout(BuildSecurityFields());
+  auto* grids = new QHBoxLayout;
+  grids->addLayout(BuildBlocksColumn());
+  grids->addLayout(BuildTransactionsColumn(), 1);
+  layout->addLayout(grids, 1);
+  layout->addLayout(BuildTotalShares());
+  layout->addWidget(BuildPanelButtons());
+  return sec_display_;
+}
 
+// Name, CUSIP and second line, stored when left; the sell method beside
+// them.
+QLayout* MainWindow::BuildSecurityFields() {
   auto* fields = new QGridLayout;
   auto add_field = [&](int row, const char* label_name, const char* caption, const char* field_name,
                        const char* help) {
@@ -353,9 +365,11 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   sell_method_->setObjectName("lblSellMethod");
   fields->addWidget(sell_method_, 1, 2);
   fields->setColumnStretch(1, 1);
-  layout->addLayout(fields);
 
-  auto* grids = new QHBoxLayout;
+  return fields;
+}
+
+QLayout* MainWindow::BuildBlocksColumn() {
   auto* blocks_column = new QVBoxLayout;
   auto* blocks_label = new QLabel("Blocks", sec_display_);
   blocks_label->setObjectName("lblBlocks");
@@ -367,8 +381,13 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   blocks_->setFixedWidth(150);
   AddHelp(blocks_, "Click on a Block to view the Transactions for that Block");
   blocks_column->addWidget(blocks_, 1);
-  grids->addLayout(blocks_column);
 
+  return blocks_column;
+}
+
+// The transactions grid under its caption, with the type filter that the
+// "Select Type..." button shows and hides.
+QLayout* MainWindow::BuildTransactionsColumn() {
   auto* trans_column = new QVBoxLayout;
   auto* trans_head = new QHBoxLayout;
   auto* display_label = new QLabel("Display:", sec_display_);
@@ -427,9 +446,11 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   }
   AddHelp(transactions_, "This shows all the transactions for the Block selected to the left");
   trans_column->addWidget(transactions_, 1);
-  grids->addLayout(trans_column, 1);
-  layout->addLayout(grids, 1);
+  return trans_column;
+}
 
+// The total, computed on a click when recalculation is off.
+QLayout* MainWindow::BuildTotalShares() {
   auto* totals = new QHBoxLayout;
   auto* total_label = new QLabel("Total Shares:", sec_display_);
   total_label->setObjectName("lblTotalShares");
@@ -448,8 +469,11 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
   totals->addWidget(total_label);
   totals->addWidget(total_shares_);
   totals->addStretch();
-  layout->addLayout(totals);
 
+  return totals;
+}
+
+QWidget* MainWindow::BuildPanelButtons() {
   auto* buttons_panel = new QFrame(sec_display_);
   buttons_panel->setObjectName("pnlSecButtons");
   auto* buttons = new QHBoxLayout(buttons_panel);
@@ -464,8 +488,7 @@ QWidget* MainWindow::BuildSecurityPanel(QWidget* parent) {
     panel_buttons_[name] = button;
     buttons->addWidget(button);
   }
-  layout->addWidget(buttons_panel);
-  return sec_display_;
+  return buttons_panel;
 }
 
 QWidget* MainWindow::BuildHelpBar(QWidget* parent) {

@@ -73,6 +73,12 @@ class MainWindow : public QMainWindow {
   void BuildMenus();
   void BuildToolBar(QWidget* parent);
   QWidget* BuildSecurityPanel(QWidget* parent);
+  // The parts of the security panel, built into sec_display_.
+  QLayout* BuildSecurityFields();
+  QLayout* BuildBlocksColumn();
+  QLayout* BuildTransactionsColumn();
+  QLayout* BuildTotalShares();
+  QWidget* BuildPanelButtons();
   QWidget* BuildHelpBar(QWidget* parent);
   void AddHelp(QWidget* control, const char* text);
   void ConnectGrids();
