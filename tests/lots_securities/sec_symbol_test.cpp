@@ -73,7 +73,6 @@ TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
 // With an empty list, every command that needs a security says so, under
 // the one shared title, and nothing else happens.
 struct EmptyListCase {
-  const char* label;
   void (*command)(Application&, SecSymbolForm&);
   std::string text;
 };
@@ -97,15 +96,14 @@ TEST_P(EmptyListTest, SecSymbol_EmptyList_Message) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, EmptyListTest,
     ::testing::Values(
-        EmptyListCase{"Modify", SecSymbol_Modify,
+        EmptyListCase{SecSymbol_Modify,
                       "There are no Securities to modify. If you would like add a security click "
                       "on the Add button."},
-        EmptyListCase{"Delete", SecSymbol_Delete,
+        EmptyListCase{SecSymbol_Delete,
                       "There are no Securities to delete. If you would like add a security click "
                       "on the Add button."},
-        EmptyListCase{"Select", SecSymbol_Select,
-                      "There are no Securities to select. Please click on the Cancel button."}),
-    [](const auto& info) { return std::string(info.param.label); });
+        EmptyListCase{SecSymbol_Select,
+                      "There are no Securities to select. Please click on the Cancel button."}));
 
 // Deleting a central symbol removes only the central row: the taxpayer's
 // security, blocks and transactions stay. Opening the security then offers
