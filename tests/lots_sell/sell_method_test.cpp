@@ -46,8 +46,6 @@ TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
     }
     EXPECT_TRUE(form.select_enabled);
     EXPECT_EQ(form.focus, "btnSelect");
-    EXPECT_EQ(HelpText(form, "DblNumShares"),
-              "This is the number of shares you have selected for sale");
     SellShares_Cancel(*app_, form);
   });
   const char* question =

@@ -167,7 +167,6 @@ TEST_F(SecurityDisplayTest, SetDisplayTrans_ListsKind) {
     app_->window.display.trans_filter = c.filter;
     SetDisplayTrans(*app_);
     EXPECT_EQ(DisplayedTransactions(), c.listed) << c.filter;
-    EXPECT_EQ(app_->window.display.trans_filter_caption, kTransFilterCaptions[c.filter]);
   }
   EXPECT_EQ(app_->window.display.total_shares, "153.05");
   SelectBlock(*app_, 0);
