@@ -13,40 +13,33 @@ namespace {
 
 // VerifyAddModSec: a symbol is required; a missing name or CUSIP is the
 // user's choice.
-struct VerifyCase {
-  std::string symbol, name, cusip;
-  bool asks_symbol, asks_item;
-  Answer answer;
-  bool result;
-};
-
-class VerifyAddModSecTest : public SecuritiesTest,
-                            public ::testing::WithParamInterface<VerifyCase> {};
-
-TEST_P(VerifyAddModSecTest, VerifyAddModSec_Cases) {
-  const VerifyCase& c = GetParam();
-  AddModSecForm form;
-  form.caption = kAddSecCaption;
-  form.symbol = c.symbol;
-  form.sec_name = c.name;
-  form.cusip = c.cusip;
-  if (c.asks_symbol) {
-    ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
-               Icon::kInformation, Buttons::kOk);
+TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
+  const struct {
+    const char *symbol, *name, *cusip;
+    bool asks_symbol, asks_item;
+    Answer answer;
+    bool result;
+  } cases[] = {{"", "Name", "1", true, false, Answer::kOk, false},
+               {"  ", "", "", true, false, Answer::kOk, false},
+               {"X", "", "1", false, true, Answer::kYes, true},
+               {"X", "N", " ", false, true, Answer::kNo, false},
+               {"X", "N", "1", false, false, Answer::kOk, true}};
+  for (const auto& c : cases) {
+    AddModSecForm form;
+    form.caption = kAddSecCaption;
+    form.symbol = c.symbol;
+    form.sec_name = c.name;
+    form.cusip = c.cusip;
+    if (c.asks_symbol) {
+      ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
+                 Icon::kInformation, Buttons::kOk);
+    }
+    if (c.asks_item) {
+      ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
+    }
+    EXPECT_EQ(VerifyAddModSec(*app_, form), c.result) << c.symbol << c.name << c.cusip;
   }
-  if (c.asks_item) {
-    ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
-  }
-  EXPECT_EQ(VerifyAddModSec(*app_, form), c.result);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, VerifyAddModSecTest,
-    ::testing::Values(VerifyCase{"", "Name", "1", true, false, Answer::kOk, false},
-                      VerifyCase{"  ", "", "", true, false, Answer::kOk, false},
-                      VerifyCase{"X", "", "1", false, true, Answer::kYes, true},
-                      VerifyCase{"X", "N", " ", false, true, Answer::kNo, false},
-                      VerifyCase{"X", "N", "1", false, false, Answer::kOk, true}));
 
 // "Add a Security": a known symbol fills its name and CUSIP (in the central
 // spelling); the central values change only when the user changed them and

@@ -72,38 +72,29 @@ TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
 
 // With an empty list, every command that needs a security says so, under
 // the one shared title, and nothing else happens.
-struct EmptyListCase {
-  void (*command)(Application&, SecSymbolForm&);
-  std::string text;
-};
-
-class EmptyListTest : public SecuritiesTest, public ::testing::WithParamInterface<EmptyListCase> {};
-
-TEST_P(EmptyListTest, SecSymbol_EmptyList_Message) {
+TEST_F(SecuritiesTest, SecSymbol_EmptyList_Message) {
   app_->central->Execute(R"(DELETE FROM "Securities")");
+  const std::pair<void (*)(Application&, SecSymbolForm&), const char*> commands[] = {
+      {SecSymbol_Modify,
+       "There are no Securities to modify. If you would like add a security click on the Add "
+       "button."},
+      {SecSymbol_Delete,
+       "There are no Securities to delete. If you would like add a security click on the Add "
+       "button."},
+      {SecSymbol_Select, "There are no Securities to select. Please click on the Cancel button."}};
   AddModSecForm target;
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
     EXPECT_TRUE(list.securities.empty());
     EXPECT_EQ(list.selected, -1);
-    ui_.Expect(GetParam().text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
-    GetParam().command(*app_, list);
-    EXPECT_FALSE(list.closed);
+    for (auto [command, text] : commands) {
+      ui_.Expect(text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
+      command(*app_, list);
+      EXPECT_FALSE(list.closed);
+    }
   });
   ShowFindSecSymbol(*app_, target);
   EXPECT_EQ(target.symbol, "");
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, EmptyListTest,
-    ::testing::Values(
-        EmptyListCase{SecSymbol_Modify,
-                      "There are no Securities to modify. If you would like add a security click "
-                      "on the Add button."},
-        EmptyListCase{SecSymbol_Delete,
-                      "There are no Securities to delete. If you would like add a security click "
-                      "on the Add button."},
-        EmptyListCase{SecSymbol_Select,
-                      "There are no Securities to select. Please click on the Cancel button."}));
 
 // Deleting a central symbol removes only the central row: the taxpayer's
 // security, blocks and transactions stay. Opening the security then offers
