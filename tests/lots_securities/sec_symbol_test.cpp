@@ -100,23 +100,15 @@ TEST_F(SecuritiesTest, SecSymbol_EmptyList_Message) {
 // security, blocks and transactions stay. Opening the security then offers
 // to re-enter the symbol, which puts it back with what the user types.
 TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
-  std::string cusip = "459200101";
-  ASSERT_TRUE(AddSec(*app_, "IBM", "International Business Machines", cusip, "", "Growth"));
-  Query sec = app_->client->Select(R"(SELECT "Sec ID" FROM "Security")");
-  ASSERT_TRUE(sec.Next());
-  std::string block_id;
-  ASSERT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, 10, Date::FromYmd(2020, 1, 15),
-                     Currency::FromDouble(1500), 10, Currency::FromDouble(5), "first"));
-
-  const std::string kDeleteQuestion =
+  Buy(Security("IBM"), "01/15/2020", 10);
+  const std::string question =
       "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. Are you "
       "sure you want to do this?";
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
-    ui_.Expect(kDeleteQuestion, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    ui_.Expect(question, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(CountCentralRows("Securities"), 1);
-
-    ui_.Expect(kDeleteQuestion, "Delete Security?", Answer::kYes);
+    ui_.Expect(question, "Delete Security?", Answer::kYes);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(ui_.help_texts().back(), "Deleting Security");
     EXPECT_TRUE(list.securities.empty());
@@ -129,12 +121,16 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 
-  ui_.Expect(
-      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis "
-      "means that the Symbol and Name will be missing, however any Transactions in the "
-      "Security should be intact.\n\nWould you like to Add the Security to the Security "
-      "Symbols File again?",
-      "Please Note!", Answer::kYes);
+  // Declined, the security opens as the Taxpayer File holds it.
+  const std::string reenter =
+      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis means "
+      "that the Symbol and Name will be missing, however any Transactions in the Security should "
+      "be intact.\n\nWould you like to Add the Security to the Security Symbols File again?";
+  ui_.Expect(reenter, "Please Note!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ShowSecDisplay(*app_, "IBM");
+  EXPECT_EQ(app_->window.display.sec_name, kSymbolNotInCentral);
+  EXPECT_EQ(app_->window.display.total_shares, "10");
+  ui_.Expect(reenter, "Please Note!", Answer::kYes);
   ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
     EXPECT_EQ(form.caption, "Re-enter a Security (SSF)");
     EXPECT_EQ(form.symbol + "|" + form.sec_name + "|" + form.cusip, "IBM||");
@@ -147,8 +143,7 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   EXPECT_EQ(CentralSec("IBM"), "IBM|IBM Corp|459200101");
   EXPECT_EQ(app_->window.display.sec_name, "IBM Corp");
   EXPECT_EQ(app_->window.display.blocks.size(), 1u);
-  EXPECT_TRUE(std::find(ui_.help_texts().begin(), ui_.help_texts().end(), "Replacing Security") !=
-              ui_.help_texts().end());
+  EXPECT_EQ(std::ranges::count(ui_.help_texts(), "Replacing Security"), 1);
 }
 
 }  // namespace

@@ -105,9 +105,8 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_FillsPanel) {
 
 // A security whose sell method was never stored gets "NOT SELECTED" (255),
 // stored; a null second line shows as a single blank; no blocks means no
-// block. A symbol deleted from the Security Symbols File opens, when the
-// user declines to re-enter it, as the Taxpayer File holds it.
-TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodLineAndSymbol) {
+// block.
+TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodAndLine) {
   AddSecurity("MSFT", "Microsoft", "NO CUSIP", nullptr);
   ShowSecDisplay(*app_, "MSFT");
   const SecurityDisplay& d = app_->window.display;
@@ -122,20 +121,6 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodLineAndSymbol) {
   EXPECT_EQ(d.transactions_caption, "Transaction List");
   EXPECT_EQ(app_->current.block_no, 0);
   EXPECT_EQ(d.total_shares, "0");
-
-  const int64_t block = Buy(ibm_, "01/15/2024", 100);
-  ASSERT_TRUE(AddSell(*app_, block, D("02/01/2024"), {}, {}, -40, ""));
-  ASSERT_TRUE(DelSecFromCDB(*app_, "IBM"));
-  ui_.Expect(
-      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis means "
-      "that the Symbol and Name will be missing, however any Transactions in the Security should "
-      "be intact.\n\nWould you like to Add the Security to the Security Symbols File again?",
-      "Please Note!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ShowSecDisplay(*app_, "IBM");
-  EXPECT_TRUE(d.visible);
-  EXPECT_EQ(d.sec_name, kSymbolNotInCentral);
-  EXPECT_EQ(DisplayedTransactions(), (Texts{"Buy", "Sell"}));
-  EXPECT_EQ(d.total_shares, "60");
 }
 
 // Each filter lists its kind of the selected block only, in date order and,
