@@ -209,7 +209,6 @@ INSTANTIATE_TEST_SUITE_P(
                                   "from this security. Please select one."},
                       RefusalCase{kSellFifo, 0, "No Shares", kZero},
                       RefusalCase{kSellSpecificId, 0, "No Shares", kZero + kSelect},
-                      RefusalCase{kSellAvgDouble, 0, "No Shares", kZero + kSelect},
                       RefusalCase{kSellFifo, 1, "Sale Price is zero",
                                   "The Sale Price is equal to zero, this is probably a mistake. "
                                   "\nDo still want to enter this sale?"}));

@@ -86,20 +86,17 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_FillsPanel) {
   EXPECT_TRUE(d.visible);
   EXPECT_EQ(d.sec_name + "|" + d.sec_cusip + "|" + d.second_line,
             "Intl Business Machines|459200101| ");
-  EXPECT_EQ(d.sell_method, 1);
   EXPECT_EQ(DisplayedBlockIds(),
             (Texts{"01/05/2024-1", "01/05/2024-10", "01/05/2024-2", "03/01/2024-2"}));
-  EXPECT_EQ(d.selected_block, 0);
-  EXPECT_EQ(d.trans_filter, 0);
-  EXPECT_EQ(d.trans_filter_caption, "All");
   EXPECT_EQ(DisplayedTransactions(), (Texts{"Buy"}));
-  const int64_t first = BlockNo("01/05/2024-1");
-  EXPECT_EQ(d.transactions_caption, "Transaction List for Block - " + std::to_string(first));
-  EXPECT_EQ(d.total_shares, "40");
-  EXPECT_EQ(app_->current.sec_id, ibm_);
-  EXPECT_EQ(app_->current.sec_symbol, "IBM");
-  EXPECT_EQ(app_->current.block_no, first);
-  EXPECT_EQ(app_->current.block_id, "01/05/2024-1");
+  const std::string first = std::to_string(BlockNo("01/05/2024-1"));
+  EXPECT_EQ(std::to_string(d.sell_method) + "|" + std::to_string(d.selected_block) + "|" +
+                std::to_string(d.trans_filter) + "|" + d.trans_filter_caption + "|" +
+                d.transactions_caption + "|" + d.total_shares,
+            "1|0|0|All|Transaction List for Block - " + first + "|40");
+  EXPECT_EQ(std::to_string(app_->current.sec_id) + "|" + app_->current.sec_symbol + "|" +
+                std::to_string(app_->current.block_no) + "|" + app_->current.block_id,
+            std::to_string(ibm_) + "|IBM|" + first + "|01/05/2024-1");
   EXPECT_EQ(ui_.help_texts(), (Texts{"Loading Security", "Calculating Total Shares"}));
 }
 
@@ -110,17 +107,15 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodAndLine) {
   AddSecurity("MSFT", "Microsoft", "NO CUSIP", nullptr);
   ShowSecDisplay(*app_, "MSFT");
   const SecurityDisplay& d = app_->window.display;
-  EXPECT_EQ(d.sell_method, 255);
-  EXPECT_EQ(d.second_line, " ");
+  EXPECT_EQ(std::to_string(d.sell_method) + "|" + d.second_line, "255| ");
   Query method = app_->client->Select(
       R"(SELECT "Sell Method" FROM "Sell Method" WHERE "Sec Symbol" = 'MSFT')");
   ASSERT_TRUE(method.Next());
   EXPECT_EQ(method.Int("Sell Method"), 255);
   EXPECT_TRUE(d.blocks.empty());
-  EXPECT_EQ(d.selected_block, -1);
-  EXPECT_EQ(d.transactions_caption, "Transaction List");
-  EXPECT_EQ(app_->current.block_no, 0);
-  EXPECT_EQ(d.total_shares, "0");
+  EXPECT_EQ(std::to_string(d.selected_block) + "|" + d.transactions_caption + "|" + d.total_shares +
+                "|" + std::to_string(app_->current.block_no),
+            "-1|Transaction List|0|0");
 }
 
 // Each filter lists its kind of the selected block only, in date order and,

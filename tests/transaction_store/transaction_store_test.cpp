@@ -241,8 +241,6 @@ INSTANTIATE_TEST_SUITE_P(
         ModifyCase{"Buy", "01/03/2024", "1000.5", "9.95", 100.5,
                    Lines{"'Date' from 01/02/2024 to 01/03/2024", "'Cost' from 1000 to 1000.5",
                          "'Fee' from 0 to 9.95", "'Shares' from 100 to 100.5"}},
-        ModifyCase{"Buy", "01/02/2024", "1000", "0", 0.12345,
-                   Lines{"'Shares' from 100 to 0.12345"}},
         ModifyCase{"Sell", "06/04/2024", "550.25", "0", -40.25,
                    Lines{"'Date' from 06/03/2024 to 06/04/2024", "'Sale Price' from 500 to 550.25",
                          "'Fee' from 5 to 0", "'Shares' from -40 to -40.25"}},
