@@ -174,65 +174,50 @@ INSTANTIATE_TEST_SUITE_P(
             "06/30/2024", kRollbackAllBlocks, {"07/01/2024-1", "08/01/2024-1"}, 2, "332"}));
 
 // Every refusal comes before the first delete: the file is left as it was
-// and the dialog stays open.
-struct RefusalCase {
-  const char* date;
-  bool tick;
-  int blocks;
-  const char *message, *title;
-  Answer answer;
-  bool then_not_completed;
-};
-
-class RollbackRefusalTest : public RollbackTest,
-                            public ::testing::WithParamInterface<RefusalCase> {};
-
-TEST_P(RollbackRefusalTest, RollBack_OK_Refused_NothingDeleted) {
-  const RefusalCase& c = GetParam();
+// and the dialog stays open. The warning comes first and Cancel opens
+// nothing; a security without any transaction has nothing to roll back.
+TEST_F(RollbackTest, RollBack_OK_Refused_NothingDeleted) {
   const std::string before = Snapshot();
-  OpenBlock("01/02/2024-1");
-  ExpectRollback([&](RollbackForm& form) {
-    form.date = c.date;
-    form.sells = c.tick;
-    form.blocks = c.blocks;
-    RollBack_OK(*app_, form);
-    EXPECT_FALSE(form.closed || form.accepted);
-  });
-  ui_.Expect(c.message, c.title, c.answer);
-  if (c.then_not_completed) {
-    ui_.Expect(
-        "The RollBack was not completed. If an error message was displayed you will need to "
-        "correct that first. Please do the RollBack again.",
-        "Error!");
-  }
-  ShowRollBack(*app_);
-  EXPECT_EQ(Snapshot(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, RollbackRefusalTest,
-    ::testing::Values(
-        RefusalCase{"02/30/2024", true, kRollbackCurrentBlock,
-                    "The date entered as 02/30/2024 is not valid.  Please re-enter the date. If "
-                    "you are cancelling, click OK, and then click Cancel again.",
-                    "Invalid Date", Answer::kOk, false},
-        RefusalCase{"01/01/2024", false, kRollbackAllBlocks,
-                    "You must select the transaction types you would like to Rollback. To do "
-                    "this, click on the box next to the type of transaction so that an X appears "
-                    "in it.",
-                    "No Transactions selected", Answer::kOk, false},
-        RefusalCase{"01/01/2024", true, kRollbackAllBlocks, kAreYouSure, "Are you sure?",
-                    Answer::kNo, false},
-        RefusalCase{"01/01/2024", true, kRollbackNoBlocks,
-                    "You need to select either All Blocks, or the Current Block to rollback. ",
-                    "No blocks selected", Answer::kOk, true}));
-
-// The warning comes first and Cancel opens nothing; a security without any
-// transaction has nothing to roll back.
-TEST_F(RollbackTest, ShowRollBack_WarningCancelled_NoDialog) {
   OpenBlock("01/02/2024-1");
   ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kCancel);
   ShowRollBack(*app_);
+  const struct {
+    const char* date;
+    bool tick;
+    int blocks;
+    const char *message, *title;
+    Answer answer;
+  } refusals[] = {
+      {"02/30/2024", true, kRollbackCurrentBlock,
+       "The date entered as 02/30/2024 is not valid.  Please re-enter the date. If you are "
+       "cancelling, click OK, and then click Cancel again.",
+       "Invalid Date", Answer::kOk},
+      {"01/01/2024", false, kRollbackAllBlocks,
+       "You must select the transaction types you would like to Rollback. To do this, click on "
+       "the box next to the type of transaction so that an X appears in it.",
+       "No Transactions selected", Answer::kOk},
+      {"01/01/2024", true, kRollbackAllBlocks, kAreYouSure, "Are you sure?", Answer::kNo},
+      {"01/01/2024", true, kRollbackNoBlocks,
+       "You need to select either All Blocks, or the Current Block to rollback. ",
+       "No blocks selected", Answer::kOk}};
+  for (const auto& c : refusals) {
+    ExpectRollback([&](RollbackForm& form) {
+      form.date = c.date;
+      form.sells = c.tick;
+      form.blocks = c.blocks;
+      RollBack_OK(*app_, form);
+      EXPECT_FALSE(form.closed || form.accepted);
+    });
+    ui_.Expect(c.message, c.title, c.answer);
+    if (c.blocks == kRollbackNoBlocks) {
+      ui_.Expect(
+          "The RollBack was not completed. If an error message was displayed you will need to "
+          "correct that first. Please do the RollBack again.",
+          "Error!");
+    }
+    ShowRollBack(*app_);
+  }
+  EXPECT_EQ(Snapshot(), before);
 }
 
 TEST_F(LotsModifyTest, ShowRollBack_NoTransactions_NoWarning) {
