@@ -58,7 +58,6 @@ class BuyReinvestTest : public LotsTest {
 // Both commands open the one dialog in their own mode; what OK stores
 // carries that mode's type and rank, and the new block is the one shown.
 struct ModeCase {
-  const char* name;
   void (*show)(Application&);
   const char* caption;
   const char* type_rank;
@@ -92,12 +91,10 @@ TEST_P(BuyModeTest, ShowAndOk_StoresBlockOfItsType) {
   EXPECT_EQ(ui_.hourglass_depth(), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Modes, BuyModeTest,
-                         ::testing::Values(ModeCase{"Buy", ShowBuyShares, "Buy Shares", "10|10",
-                                                    "Adding Buy"},
-                                           ModeCase{"Reinvestment", ShowReinvest, "Reinvestment",
-                                                    "20|20", "Adding Reinvestment"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Modes, BuyModeTest,
+    ::testing::Values(ModeCase{ShowBuyShares, "Buy Shares", "10|10", "Adding Buy"},
+                      ModeCase{ShowReinvest, "Reinvestment", "20|20", "Adding Reinvestment"}));
 
 // A reinvestment needs a block to reinvest from: without one the user is
 // told and no dialog opens.
@@ -110,37 +107,35 @@ TEST_F(BuyReinvestTest, ShowReinvest_NoBlocks_NoDialog) {
 }
 
 // Zero cost and zero shares are questioned, cost first; a No to either
-// stores nothing and leaves the dialog open as typed.
-struct ZeroCase {
-  const char* name;
-  std::vector<Answer> answers;
-  bool stored;
-};
-
-class BuyZeroTest : public BuyReinvestTest, public ::testing::WithParamInterface<ZeroCase> {};
-
-TEST_P(BuyZeroTest, Ok_ZeroCostAndShares_AskedCostFirst) {
-  const ZeroCase& c = GetParam();
-  const std::string questions[] = {ZeroQuestion("Cost of Shares"),
-                                   ZeroQuestion("Number of Shares")};
-  for (size_t i = 0; i < c.answers.size(); ++i) {
-    ui_.Expect(questions[i], "Warning!", Icon::kQuestion, Buttons::kYesNo, c.answers[i]);
-  }
+// stores nothing and leaves the dialog open as typed. A caption that is
+// neither mode is reported and nothing is stored.
+TEST_F(BuyReinvestTest, Ok_ZeroCostAndShares_AskedCostFirst) {
+  const std::string cost = ZeroQuestion("Cost of Shares"),
+                    shares = ZeroQuestion("Number of Shares");
+  ui_.Expect(cost, "Warning!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(cost, "Warning!", Answer::kYes);
+  ui_.Expect(shares, "Warning!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ui_.Expect(cost, "Warning!", Answer::kYes);
+  ui_.Expect(shares, "Warning!", Answer::kYes);
+  ui_.Expect("Incorrect caption on dlgBuyReinvest", "Error", Icon::kExclamation, Buttons::kOk);
   BuyReinvestForm form;
   form.caption = "Buy Shares";
   Type(form, "03/15/2024", 0, "0");
+  for (int refused = 0; refused < 2; ++refused) {
+    BuyReinvest_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(CountClientRows("Blocks"), 0);
+  }
   BuyReinvest_OK(*app_, form, false);
-  EXPECT_EQ(form.closed, c.stored);
-  EXPECT_EQ(CountClientRows("Blocks"), c.stored ? 1 : 0);
+  EXPECT_TRUE(form.closed);
+  BuyReinvestForm unknown;
+  unknown.caption = "Buy shares";
+  Type(unknown, "03/16/2024", 10, "100");
+  BuyReinvest_OK(*app_, unknown, false);
+  EXPECT_FALSE(unknown.closed);
+  EXPECT_EQ(CountClientRows("Blocks"), 1);
   EXPECT_EQ(ui_.hourglass_depth(), 0);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Answers, BuyZeroTest,
-    ::testing::Values(ZeroCase{"NoToCost", {Answer::kNo}, false},
-                      ZeroCase{"NoToShares", {Answer::kYes, Answer::kNo}, false},
-                      ZeroCase{"YesToBoth", {Answer::kYes, Answer::kYes}, true}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // A second buy on one date is questioned by AddBuy: No stores nothing and
 // keeps the entry; Yes stores it as a block of its own. Next clears the
@@ -177,54 +172,32 @@ TEST_F(BuyReinvestTest, Next_SameDateBuys_BothStored) {
   EXPECT_EQ(app_->window.display.total_shares, "Recalculate");
 }
 
-// A caption that is neither mode is reported and nothing is stored.
-TEST_F(BuyReinvestTest, Ok_UnknownCaption_NothingStored) {
-  ui_.Expect("Incorrect caption on dlgBuyReinvest", "Error", Icon::kExclamation, Buttons::kOk);
-  BuyReinvestForm form;
-  form.caption = "Buy shares";
-  Type(form, "03/15/2024", 10, "100");
-  BuyReinvest_OK(*app_, form, false);
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(CountClientRows("Blocks"), 0);
-}
-
 // Leaving the date: no date draws the warning and the invalid-date message
 // and keeps the focus there, a date before 1913 only the warning. OK with
 // no date stops at the invalid-date message and writes nothing.
-struct DateCase {
-  const char* name;
-  const char* typed;
-  const char* warning;  // shown on leaving the date; with "WARNING" it is refused outright
-  const char* title;
-};
-
-class BuyDateTest : public BuyReinvestTest, public ::testing::WithParamInterface<DateCase> {};
-
-TEST_P(BuyDateTest, Date_BadInput) {
-  const DateCase& c = GetParam();
-  const bool refused = std::string(c.title) == "WARNING";
-  ui_.Expect(c.warning, c.title);
-  if (refused) ui_.Expect(InvalidDate(c.typed), "Invalid Date");
-  BuyReinvestForm form;
-  form.caption = "Buy Shares";
-  Type(form, c.typed, 10, "100");
-  DateLostFocusBR(*app_, form);
-  if (!refused) return;
-  EXPECT_EQ(form.focus, "dtDate");
-  ui_.Expect(InvalidDate(c.typed), "Invalid Date", Icon::kExclamation, Buttons::kOk);
-  BuyReinvest_OK(*app_, form, false);
-  EXPECT_FALSE(form.closed);
+TEST_F(BuyReinvestTest, Date_BadInput) {
+  const struct {
+    const char *typed, *warning, *title;  // with "WARNING" the date is refused outright
+  } cases[] = {
+      {"__/__/____", "Please enter a date.", "WARNING"},
+      {"02/30/2024", "Please enter a date.", "WARNING"},
+      {"12/31/1912", "The date, 12/31/1912, should not be earlier than 01/01/1913!", "WARNING!"}};
+  for (const auto& c : cases) {
+    const bool refused = std::string(c.title) == "WARNING";
+    ui_.Expect(c.warning, c.title, Icon::kExclamation, Buttons::kOk);
+    if (refused) ui_.Expect(InvalidDate(c.typed), "Invalid Date");
+    BuyReinvestForm form;
+    form.caption = "Buy Shares";
+    Type(form, c.typed, 10, "100");
+    DateLostFocusBR(*app_, form);
+    if (!refused) continue;
+    EXPECT_EQ(form.focus, "dtDate");
+    ui_.Expect(InvalidDate(c.typed), "Invalid Date", Icon::kExclamation, Buttons::kOk);
+    BuyReinvest_OK(*app_, form, false);
+    EXPECT_FALSE(form.closed);
+  }
   EXPECT_EQ(CountClientRows("Blocks"), 0);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Dates, BuyDateTest,
-    ::testing::Values(DateCase{"Empty", "__/__/____", "Please enter a date.", "WARNING"},
-                      DateCase{"NoSuchDay", "02/30/2024", "Please enter a date.", "WARNING"},
-                      DateCase{"Before1913", "12/31/1912",
-                               "The date, 12/31/1912, should not be earlier than 01/01/1913!",
-                               "WARNING!"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
 }  // namespace lotwise::testing

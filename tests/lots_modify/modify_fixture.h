@@ -69,6 +69,14 @@ class LotsModifyTest : public AppTest {
     EXPECT_EQ(app_->current.block_id, block_id);
   }
 
+  // The change log's lines, oldest first, each ended by a newline.
+  std::string Changes() {
+    std::string lines;
+    Query q = app_->client->Select(R"(SELECT "Description" FROM "Change" ORDER BY rowid)");
+    while (q.Next()) lines += q.Text("Description") + "\n";
+    return lines;
+  }
+
   // Every transaction row and block, as one text, to prove nothing changed.
   std::string Snapshot() {
     std::string all;

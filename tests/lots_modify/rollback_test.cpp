@@ -86,7 +86,6 @@ class RollbackTest : public LotsModifyTest {
 // One ticked kind over all blocks removes exactly that kind's rows dated
 // after the date, keeps the date itself, and removes the blocks it empties.
 struct KindCase {
-  const char* name;
   bool RollbackForm::*tick;
   const char* key;  // table and type as Counts() names them
   Lines removed_blocks;
@@ -117,19 +116,17 @@ TEST_P(RollbackKindTest, RollBack_OK_OneKindAllBlocks_OnlyItsLaterRowsGone) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, RollbackKindTest,
-    ::testing::Values(KindCase{"Buys", &RollbackForm::buys, "Buy 10", {"07/01/2024-1"}},
-                      KindCase{"Reinvests", &RollbackForm::reinvests, "Buy 20", {"08/01/2024-1"}},
-                      KindCase{"Sells", &RollbackForm::sells, "Sell 99", {}},
-                      KindCase{"Splits", &RollbackForm::splits, "Split 11", {}},
-                      KindCase{"Dividends", &RollbackForm::dividends, "Split 21", {}},
-                      KindCase{"Adjusts", &RollbackForm::adjusts, "Adjust 99", {}}),
-    [](const auto& info) { return std::string(info.param.name); });
+    ::testing::Values(KindCase{&RollbackForm::buys, "Buy 10", {"07/01/2024-1"}},
+                      KindCase{&RollbackForm::reinvests, "Buy 20", {"08/01/2024-1"}},
+                      KindCase{&RollbackForm::sells, "Sell 99", {}},
+                      KindCase{&RollbackForm::splits, "Split 11", {}},
+                      KindCase{&RollbackForm::dividends, "Split 21", {}},
+                      KindCase{&RollbackForm::adjusts, "Adjust 99", {}}));
 
 // Rolling back to a block's purchase date keeps the purchase; to the day
 // before removes it and its block, which are listed and printed with the
 // later ids indented.
 struct PurchaseCase {
-  const char* name;
   const char* date;
   int blocks;
   Lines removed;
@@ -171,80 +168,56 @@ TEST_P(RollbackPurchaseTest, RollBack_OK_AroundPurchaseDate_BlocksListedAndPrint
 INSTANTIATE_TEST_SUITE_P(
     Dates, RollbackPurchaseTest,
     ::testing::Values(
-        PurchaseCase{"OnPurchaseDateKept", "07/01/2024", kRollbackCurrentBlock, {}, 4, "338"},
+        PurchaseCase{"07/01/2024", kRollbackCurrentBlock, {}, 4, "338"},
+        PurchaseCase{"06/30/2024", kRollbackCurrentBlock, {"07/01/2024-1"}, 3, "333"},
         PurchaseCase{
-            "DayBeforeRemoved", "06/30/2024", kRollbackCurrentBlock, {"07/01/2024-1"}, 3, "333"},
-        PurchaseCase{"TwoBlocksRemoved",
-                     "06/30/2024",
-                     kRollbackAllBlocks,
-                     {"07/01/2024-1", "08/01/2024-1"},
-                     2,
-                     "332"}),
-    [](const auto& info) { return std::string(info.param.name); });
+            "06/30/2024", kRollbackAllBlocks, {"07/01/2024-1", "08/01/2024-1"}, 2, "332"}));
 
 // Every refusal comes before the first delete: the file is left as it was
-// and the dialog stays open.
-struct RefusalCase {
-  const char* name;
-  const char* date;
-  bool tick;
-  int blocks;
-  const char* message;
-  const char* title;
-  Answer answer;
-  bool then_not_completed;
-};
-
-class RollbackRefusalTest : public RollbackTest,
-                            public ::testing::WithParamInterface<RefusalCase> {};
-
-TEST_P(RollbackRefusalTest, RollBack_OK_Refused_NothingDeleted) {
-  const RefusalCase& c = GetParam();
+// and the dialog stays open. The warning comes first and Cancel opens
+// nothing; a security without any transaction has nothing to roll back.
+TEST_F(RollbackTest, RollBack_OK_Refused_NothingDeleted) {
   const std::string before = Snapshot();
-  OpenBlock("01/02/2024-1");
-  ExpectRollback([&](RollbackForm& form) {
-    form.date = c.date;
-    form.sells = c.tick;
-    form.blocks = c.blocks;
-    RollBack_OK(*app_, form);
-    EXPECT_FALSE(form.closed || form.accepted);
-  });
-  ui_.Expect(c.message, c.title, c.answer);
-  if (c.then_not_completed) {
-    ui_.Expect(
-        "The RollBack was not completed. If an error message was displayed you will need to "
-        "correct that first. Please do the RollBack again.",
-        "Error!");
-  }
-  ShowRollBack(*app_);
-  EXPECT_EQ(Snapshot(), before);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, RollbackRefusalTest,
-    ::testing::Values(
-        RefusalCase{"InvalidDate", "02/30/2024", true, kRollbackCurrentBlock,
-                    "The date entered as 02/30/2024 is not valid.  Please re-enter the date. If "
-                    "you are cancelling, click OK, and then click Cancel again.",
-                    "Invalid Date", Answer::kOk, false},
-        RefusalCase{"NoKindTicked", "01/01/2024", false, kRollbackAllBlocks,
-                    "You must select the transaction types you would like to Rollback. To do "
-                    "this, click on the box next to the type of transaction so that an X appears "
-                    "in it.",
-                    "No Transactions selected", Answer::kOk, false},
-        RefusalCase{"AllBlocksAnsweredNo", "01/01/2024", true, kRollbackAllBlocks, kAreYouSure,
-                    "Are you sure?", Answer::kNo, false},
-        RefusalCase{"NoBlockChoice", "01/01/2024", true, kRollbackNoBlocks,
-                    "You need to select either All Blocks, or the Current Block to rollback. ",
-                    "No blocks selected", Answer::kOk, true}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-// The warning comes first and Cancel opens nothing; a security without any
-// transaction has nothing to roll back.
-TEST_F(RollbackTest, ShowRollBack_WarningCancelled_NoDialog) {
   OpenBlock("01/02/2024-1");
   ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kCancel);
   ShowRollBack(*app_);
+  const struct {
+    const char* date;
+    bool tick;
+    int blocks;
+    const char *message, *title;
+    Answer answer;
+  } refusals[] = {
+      {"02/30/2024", true, kRollbackCurrentBlock,
+       "The date entered as 02/30/2024 is not valid.  Please re-enter the date. If you are "
+       "cancelling, click OK, and then click Cancel again.",
+       "Invalid Date", Answer::kOk},
+      {"01/01/2024", false, kRollbackAllBlocks,
+       "You must select the transaction types you would like to Rollback. To do this, click on "
+       "the box next to the type of transaction so that an X appears in it.",
+       "No Transactions selected", Answer::kOk},
+      {"01/01/2024", true, kRollbackAllBlocks, kAreYouSure, "Are you sure?", Answer::kNo},
+      {"01/01/2024", true, kRollbackNoBlocks,
+       "You need to select either All Blocks, or the Current Block to rollback. ",
+       "No blocks selected", Answer::kOk}};
+  for (const auto& c : refusals) {
+    ExpectRollback([&](RollbackForm& form) {
+      form.date = c.date;
+      form.sells = c.tick;
+      form.blocks = c.blocks;
+      RollBack_OK(*app_, form);
+      EXPECT_FALSE(form.closed || form.accepted);
+    });
+    ui_.Expect(c.message, c.title, c.answer);
+    if (c.blocks == kRollbackNoBlocks) {
+      ui_.Expect(
+          "The RollBack was not completed. If an error message was displayed you will need to "
+          "correct that first. Please do the RollBack again.",
+          "Error!");
+    }
+    ShowRollBack(*app_);
+  }
+  EXPECT_EQ(Snapshot(), before);
 }
 
 TEST_F(LotsModifyTest, ShowRollBack_NoTransactions_NoWarning) {
@@ -258,25 +231,22 @@ TEST_F(LotsModifyTest, ShowRollBack_NoTransactions_NoWarning) {
 // the deletes already made: no row is lost, and the file stays sound.
 TEST_F(RollbackTest, RollBackTrans_SecondBlockWriteFails_NoRowDeleted) {
   const std::string before = Snapshot();
-  StorageFaults faults;
   OpenBlock("01/02/2024-1");
-  app_->client.reset();
-  app_->storage_faults = &faults;
-  app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults);
+  UseStorageFaults();
   ExpectRollback([&](RollbackForm& form) {
     form.date = "01/01/2024";
     form.sells = form.adjusts = true;
     form.blocks = kRollbackAllBlocks;
     // Block A's sells and adjustments, then block B's (empty) sells: the
     // third write.
-    faults.FailWriteNumber(3);
+    faults_.FailWriteNumber(3);
     RollBack_OK(*app_, form);
   });
   ui_.Expect(kAreYouSure, "Are you sure?", Answer::kYes);
   ExpectFatal(31010, "disk I/O error (injected)", "RollBackTable");
   EXPECT_THROW(ShowRollBack(*app_), ProgramEnded);
   EXPECT_EQ(Snapshot(), before);
-  EXPECT_EQ(Database::Open(client_path_)->IntegrityCheck(), "ok");
+  EXPECT_EQ(IntegrityOnDisk(), "ok");
 }
 
 }  // namespace

@@ -13,42 +13,33 @@ namespace {
 
 // VerifyAddModSec: a symbol is required; a missing name or CUSIP is the
 // user's choice.
-struct VerifyCase {
-  const char* label;
-  std::string symbol, name, cusip;
-  bool asks_symbol, asks_item;
-  Answer answer;
-  bool result;
-};
-
-class VerifyAddModSecTest : public SecuritiesTest,
-                            public ::testing::WithParamInterface<VerifyCase> {};
-
-TEST_P(VerifyAddModSecTest, VerifyAddModSec_Cases) {
-  const VerifyCase& c = GetParam();
-  AddModSecForm form;
-  form.caption = kAddSecCaption;
-  form.symbol = c.symbol;
-  form.sec_name = c.name;
-  form.cusip = c.cusip;
-  if (c.asks_symbol) {
-    ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
-               Icon::kInformation, Buttons::kOk);
+TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
+  const struct {
+    const char *symbol, *name, *cusip;
+    bool asks_symbol, asks_item;
+    Answer answer;
+    bool result;
+  } cases[] = {{"", "Name", "1", true, false, Answer::kOk, false},
+               {"  ", "", "", true, false, Answer::kOk, false},
+               {"X", "", "1", false, true, Answer::kYes, true},
+               {"X", "N", " ", false, true, Answer::kNo, false},
+               {"X", "N", "1", false, false, Answer::kOk, true}};
+  for (const auto& c : cases) {
+    AddModSecForm form;
+    form.caption = kAddSecCaption;
+    form.symbol = c.symbol;
+    form.sec_name = c.name;
+    form.cusip = c.cusip;
+    if (c.asks_symbol) {
+      ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
+                 Icon::kInformation, Buttons::kOk);
+    }
+    if (c.asks_item) {
+      ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
+    }
+    EXPECT_EQ(VerifyAddModSec(*app_, form), c.result) << c.symbol << c.name << c.cusip;
   }
-  if (c.asks_item) {
-    ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
-  }
-  EXPECT_EQ(VerifyAddModSec(*app_, form), c.result);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Cases, VerifyAddModSecTest,
-    ::testing::Values(VerifyCase{"SymbolMissing", "", "Name", "1", true, false, Answer::kOk, false},
-                      VerifyCase{"BlankSymbol", "  ", "", "", true, false, Answer::kOk, false},
-                      VerifyCase{"NameMissingYes", "X", "", "1", false, true, Answer::kYes, true},
-                      VerifyCase{"CusipBlankNo", "X", "N", " ", false, true, Answer::kNo, false},
-                      VerifyCase{"Complete", "X", "N", "1", false, false, Answer::kOk, true}),
-    [](const auto& info) { return std::string(info.param.label); });
 
 // "Add a Security": a known symbol fills its name and CUSIP (in the central
 // spelling); the central values change only when the user changed them and
@@ -56,7 +47,6 @@ INSTANTIATE_TEST_SUITE_P(
 // when left empty), text exactly as typed. The portfolio gets the security
 // whatever the answers, and it is opened.
 struct AddCase {
-  const char* label;
   std::string symbol, name, cusip, line;  // name/cusip empty: keep what was filled in
   bool asks_item, asks_changed;
   Answer answer;
@@ -96,23 +86,19 @@ const char* const kIbm = "IBM|International Business Machines|459200101";
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, AddSecTest,
-    ::testing::Values(AddCase{"KnownUnchangedAsksNothing", "ibm", "", "", "long hold", false, false,
-                              Answer::kNo, kIbm, "IBM|long hold ;"},
-                      AddCase{"KnownNameChangedYes", "IBM", "IBM Corp", "", "", false, true,
-                              Answer::kYes, "IBM|IBM Corp|459200101", "IBM| ;"},
-                      AddCase{"KnownCusipChangedNo", "IBM", "", "999", "", false, true, Answer::kNo,
-                              kIbm, "IBM| ;"},
-                      AddCase{"NewEmptyCusipStoresNoCusip", "XYZ", "Xyz Corp", "-", "", true, false,
-                              Answer::kNo, "XYZ|Xyz Corp|NO CUSIP", "XYZ| ;"},
-                      AddCase{"NewQuotesAndNonAscii", "SG'\"É", "Société \"Générale\" & Cie", "F85",
-                              "O'Neil – ü", false, false, Answer::kNo,
-                              "SG'\"É|Société \"Générale\" & Cie|F85", "SG'\"É|O'Neil – ü ;"}),
-    [](const auto& info) { return std::string(info.param.label); });
+    ::testing::Values(
+        AddCase{"ibm", "", "", "long hold", false, false, Answer::kNo, kIbm, "IBM|long hold ;"},
+        AddCase{"IBM", "IBM Corp", "", "", false, true, Answer::kYes, "IBM|IBM Corp|459200101",
+                "IBM| ;"},
+        AddCase{"IBM", "", "999", "", false, true, Answer::kNo, kIbm, "IBM| ;"},
+        AddCase{"XYZ", "Xyz Corp", "-", "", true, false, Answer::kNo, "XYZ|Xyz Corp|NO CUSIP",
+                "XYZ| ;"},
+        AddCase{"SG'\"É", "Société \"Générale\" & Cie", "F85", "O'Neil – ü", false, false,
+                Answer::kNo, "SG'\"É|Société \"Générale\" & Cie|F85", "SG'\"É|O'Neil – ü ;"}));
 
 // A refused write shows the same dialog again with what the user typed,
 // and nothing is written.
 struct RefusalCase {
-  const char* label;
   std::string caption, symbol, text, title;
 };
 
@@ -146,22 +132,20 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, RefusalTest,
     ::testing::Values(
-        RefusalCase{"AlreadyInPortfolio", kAddSecCaption, "IBM",
+        RefusalCase{kAddSecCaption, "IBM",
                     "The Security you wish to add already exists in this Portfolio, therefore it "
                     "can not be added again. If you wish to purchase Shares for this Security, "
                     "click on the icon for the Security and click the 'Buy' button.",
                     "Security Already Exists!"},
-        RefusalCase{"SymbolInCentralFile", kAddSecToCdbCaption, "IBM",
+        RefusalCase{kAddSecToCdbCaption, "IBM",
                     "The Symbol: IBM already exists. Please enter a new Symbol or use the "
                     "Security that already exists.",
                     "Symbol already exists"},
-        RefusalCase{"ModifiedSymbolGone", kModSecInCdbCaption, "GONE",
+        RefusalCase{kModSecInCdbCaption, "GONE",
                     "The Security you have specified can't be found. You may need to Add it "
                     "again.",
                     "Security not found"},
-        RefusalCase{"UnknownCaption", "Add Securities", "IBM", "Incorrect .caption on dlgAddModSec",
-                    "Warning"}),
-    [](const auto& info) { return std::string(info.param.label); });
+        RefusalCase{"Add Securities", "IBM", "Incorrect .caption on dlgAddModSec", "Warning"}));
 
 // In the modify mode the symbol is fixed: an edit, at OK or through Find,
 // is refused with "Can't modify Symbol!", undone, and nothing is written.

@@ -73,62 +73,43 @@ TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
 
 // With an empty list, every command that needs a security says so, under
 // the one shared title, and nothing else happens.
-struct EmptyListCase {
-  const char* label;
-  void (*command)(Application&, SecSymbolForm&);
-  std::string text;
-};
-
-class EmptyListTest : public SecuritiesTest, public ::testing::WithParamInterface<EmptyListCase> {};
-
-TEST_P(EmptyListTest, SecSymbol_EmptyList_Message) {
+TEST_F(SecuritiesTest, SecSymbol_EmptyList_Message) {
   app_->central->Execute(R"(DELETE FROM "Securities")");
+  const std::pair<void (*)(Application&, SecSymbolForm&), const char*> commands[] = {
+      {SecSymbol_Modify,
+       "There are no Securities to modify. If you would like add a security click on the Add "
+       "button."},
+      {SecSymbol_Delete,
+       "There are no Securities to delete. If you would like add a security click on the Add "
+       "button."},
+      {SecSymbol_Select, "There are no Securities to select. Please click on the Cancel button."}};
   AddModSecForm target;
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
     EXPECT_TRUE(list.securities.empty());
     EXPECT_EQ(list.selected, -1);
-    ui_.Expect(GetParam().text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
-    GetParam().command(*app_, list);
-    EXPECT_FALSE(list.closed);
+    for (auto [command, text] : commands) {
+      ui_.Expect(text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
+      command(*app_, list);
+      EXPECT_FALSE(list.closed);
+    }
   });
   ShowFindSecSymbol(*app_, target);
   EXPECT_EQ(target.symbol, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, EmptyListTest,
-    ::testing::Values(
-        EmptyListCase{"Modify", SecSymbol_Modify,
-                      "There are no Securities to modify. If you would like add a security click "
-                      "on the Add button."},
-        EmptyListCase{"Delete", SecSymbol_Delete,
-                      "There are no Securities to delete. If you would like add a security click "
-                      "on the Add button."},
-        EmptyListCase{"Select", SecSymbol_Select,
-                      "There are no Securities to select. Please click on the Cancel button."}),
-    [](const auto& info) { return std::string(info.param.label); });
-
 // Deleting a central symbol removes only the central row: the taxpayer's
 // security, blocks and transactions stay. Opening the security then offers
 // to re-enter the symbol, which puts it back with what the user types.
 TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
-  std::string cusip = "459200101";
-  ASSERT_TRUE(AddSec(*app_, "IBM", "International Business Machines", cusip, "", "Growth"));
-  Query sec = app_->client->Select(R"(SELECT "Sec ID" FROM "Security")");
-  ASSERT_TRUE(sec.Next());
-  std::string block_id;
-  ASSERT_TRUE(AddBuy(*app_, sec.Int("Sec ID"), block_id, 10, Date::FromYmd(2020, 1, 15),
-                     Currency::FromDouble(1500), 10, Currency::FromDouble(5), "first"));
-
-  const std::string kDeleteQuestion =
+  Buy(Security("IBM"), "01/15/2020", 10);
+  const std::string question =
       "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. Are you "
       "sure you want to do this?";
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
-    ui_.Expect(kDeleteQuestion, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    ui_.Expect(question, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(CountCentralRows("Securities"), 1);
-
-    ui_.Expect(kDeleteQuestion, "Delete Security?", Answer::kYes);
+    ui_.Expect(question, "Delete Security?", Answer::kYes);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(ui_.help_texts().back(), "Deleting Security");
     EXPECT_TRUE(list.securities.empty());
@@ -141,12 +122,16 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 
-  ui_.Expect(
-      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis "
-      "means that the Symbol and Name will be missing, however any Transactions in the "
-      "Security should be intact.\n\nWould you like to Add the Security to the Security "
-      "Symbols File again?",
-      "Please Note!", Answer::kYes);
+  // Declined, the security opens as the Taxpayer File holds it.
+  const std::string reenter =
+      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis means "
+      "that the Symbol and Name will be missing, however any Transactions in the Security should "
+      "be intact.\n\nWould you like to Add the Security to the Security Symbols File again?";
+  ui_.Expect(reenter, "Please Note!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ShowSecDisplay(*app_, "IBM");
+  EXPECT_EQ(app_->window.display.sec_name, kSymbolNotInCentral);
+  EXPECT_EQ(app_->window.display.total_shares, "10");
+  ui_.Expect(reenter, "Please Note!", Answer::kYes);
   ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
     EXPECT_EQ(form.caption, "Re-enter a Security (SSF)");
     EXPECT_EQ(form.symbol + "|" + form.sec_name + "|" + form.cusip, "IBM||");
@@ -159,8 +144,7 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   EXPECT_EQ(CentralSec("IBM"), "IBM|IBM Corp|459200101");
   EXPECT_EQ(app_->window.display.sec_name, "IBM Corp");
   EXPECT_EQ(app_->window.display.blocks.size(), 1u);
-  EXPECT_TRUE(std::find(ui_.help_texts().begin(), ui_.help_texts().end(), "Replacing Security") !=
-              ui_.help_texts().end());
+  EXPECT_EQ(std::ranges::count(ui_.help_texts(), "Replacing Security"), 1);
 }
 
 }  // namespace

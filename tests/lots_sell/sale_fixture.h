@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "app/security_commands.h"
 #include "data/application.h"
@@ -20,11 +20,9 @@
 
 namespace lotwise::testing {
 
-using Rows = std::vector<std::string>;
-
 // The security IBM ("Intl Business & Machines") of portfolio "Growth", with
 // helpers that open the security in the main window, play the dialogs and
-// read the Sell rows back.
+// read the rows back, each row's text joined by "; ".
 class SaleTest : public AppTest {
  protected:
   void SetUp() override {
@@ -37,7 +35,6 @@ class SaleTest : public AppTest {
     SecurityName("IBM", "Intl Business & Machines");
   }
 
-  // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
   // A block "date-seq" bought with `shares`, plus an adjustment when not 0.
   int64_t Block(const char* date, double shares, double adjusted = 0, const char* seq = "1") {
     const int64_t block_no =
@@ -63,29 +60,21 @@ class SaleTest : public AppTest {
     form.fee = Money(fee);
   }
 
-  // The Sell rows dated `date`, oldest block first: "block id shares price fee".
-  Rows SellRows(const char* date = "06/03/2024") {
-    Rows rows;
+  // The Sell (or Split) rows dated `date`, oldest block first: "block id
+  // shares price fee" ("block id shares").
+  std::string SellRows(const char* date = "06/03/2024", const char* table = "Sell") {
+    const bool sell = std::string(table) == "Sell";
     Query q = app_->client->Select(
-        R"(SELECT B."Block ID", S."Shares", S."Sale Price", S."Fee" FROM "Sell" AS S )"
-        R"(JOIN "Blocks" AS B ON B."Block No" = S."Block No" WHERE S."Date" = :d )"
-        R"(ORDER BY B."Date", B."Block ID")",
+        std::string(R"(SELECT B."Block ID", S.* FROM ")") + table +
+            R"(" AS S JOIN "Blocks" AS B ON B."Block No" = S."Block No" WHERE S."Date" = :d )"
+            R"(ORDER BY B."Date", B."Block ID")",
         {{"d", D(date)}});
+    std::string rows;
     while (q.Next()) {
-      rows.push_back(q.Text("Block ID") + " " + NumberText(q.Double("Shares")) + " " +
-                     q.Money("Sale Price").ToString() + " " + q.Money("Fee").ToString());
+      rows +=
+          (rows.empty() ? "" : "; ") + q.Text("Block ID") + " " + NumberText(q.Double("Shares"));
+      if (sell) rows += " " + q.Money("Sale Price").ToString() + " " + q.Money("Fee").ToString();
     }
-    return rows;
-  }
-
-  // The Split rows dated `date`, oldest block first: "block id shares".
-  Rows SplitRows(const char* date) {
-    Rows rows;
-    Query q = app_->client->Select(
-        R"(SELECT B."Block ID", S."Shares" FROM "Split" AS S JOIN "Blocks" AS B )"
-        R"(ON B."Block No" = S."Block No" WHERE S."Date" = :d ORDER BY B."Date", B."Block ID")",
-        {{"d", D(date)}});
-    while (q.Next()) rows.push_back(q.Text("Block ID") + " " + NumberText(q.Double("Shares")));
     return rows;
   }
 
@@ -94,14 +83,31 @@ class SaleTest : public AppTest {
     return q.Next() ? static_cast<int>(q.Int("Sell Method")) : -1;
   }
 
-  Rows Changes() {
-    Rows lines;
+  // The change log, a line each.
+  std::string Changes() {
+    std::string lines;
     Query q = app_->client->Select(R"(SELECT "Description" FROM "Change" ORDER BY rowid)");
-    while (q.Next()) lines.push_back(q.Text("Description"));
+    while (q.Next()) lines += q.Text("Description") + "\n";
     return lines;
   }
 
+  // Makes another connection hold the file's write lock until reset.
+  std::unique_ptr<Database::Transaction> LockFileElsewhere() {
+    Database::SetBusyTimeout(50);
+    app_->client = Database::Open(client_path_);
+    other_ = Database::Open(client_path_);
+    Database::SetBusyTimeout(Database::kDefaultBusyTimeoutMs);
+    return std::make_unique<Database::Transaction>(*other_);
+  }
+
   int64_t sec_id_ = 0;
+  std::unique_ptr<Database> other_;
 };
+
+inline const char* const kFileBusy =
+    "the file being accessed is currently unavailable. This is probably because either another "
+    "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been opened "
+    "by another program. \nIf this is the case, you will need to close the file in any other "
+    "applications before this operation can be performed successfully.";
 
 }  // namespace lotwise::testing

@@ -67,13 +67,9 @@ class SplitDivTest : public LotsTest {
 // rank and added shares to five decimals; a reverse split takes away
 // exactly its share, and a zero second part adds nothing.
 struct KindCase {
-  const char* name;
   const char* caption;
-  double pre;
-  double post;
-  double shares;
-  const char* row;
-  const char* help;
+  double pre, post, shares;
+  const char *row, *help;
 };
 
 class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<KindCase> {};
@@ -92,18 +88,15 @@ TEST_P(SplitKindTest, CurrentBlock_AddsRatioShares) {
   EXPECT_EQ(HelpTexts().at(0), c.help);
 }
 
-INSTANTIATE_TEST_SUITE_P(Kinds, SplitKindTest,
-                         ::testing::Values(KindCase{"ThreeForTwoOf101", "Stock Split", 3, 2, 101,
-                                                    "01/03/2024-1|06/28/2024|11|60|3|2|50.5|",
-                                                    "Calculating and adding Stock Split"},
-                                           KindCase{"ReverseOneForTwo", "Stock Split", 1, 2, 100,
-                                                    "01/03/2024-1|06/28/2024|11|60|1|2|-50|",
-                                                    "Calculating and adding Stock Split"},
-                                           KindCase{"DividendFivePercentOf33", "Stock Dividend",
-                                                    0.05, 1, 33,
-                                                    "01/03/2024-1|06/28/2024|21|50|0.05|1|1.65|",
-                                                    "Calculating and adding Stock Dividend"}),
-                         [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, SplitKindTest,
+    ::testing::Values(KindCase{"Stock Split", 3, 2, 101, "01/03/2024-1|06/28/2024|11|60|3|2|50.5|",
+                               "Calculating and adding Stock Split"},
+                      KindCase{"Stock Split", 1, 2, 100, "01/03/2024-1|06/28/2024|11|60|1|2|-50|",
+                               "Calculating and adding Stock Split"},
+                      KindCase{"Stock Dividend", 0.05, 1, 33,
+                               "01/03/2024-1|06/28/2024|21|50|0.05|1|1.65|",
+                               "Calculating and adding Stock Dividend"}));
 
 TEST(SplitSharesAddedTest, PostZero_AddsNothing) {
   EXPECT_EQ(SplitSharesAdded(kTypeSplit, 2, 0, 100), 0);
@@ -141,59 +134,42 @@ TEST_F(SplitDivTest, AllBlocks_SkipsSoldOutAndCountsSameDayBuy) {
   EXPECT_EQ(ui_.gauge_percent(), 0);
 }
 
-// With every block empty on the date nothing is written and the user is
-// told so; nothing failed, so the dialog closes.
-TEST_F(SplitDivTest, AllBlocksEmpty_WritesNothingAndSaysSo) {
+// Bad input at OK: a ratio part of zero or less (first part checked
+// first), or a date that is no date, stops with the dialog open and
+// nothing written. With every block empty on the date nothing is written
+// and the user is told so; nothing failed, so the dialog closes.
+TEST_F(SplitDivTest, Ok_BadInputOrAllBlocksEmpty_NothingWritten) {
   SellShares(BuyShares("01/02/2024", 100, "1000"), "02/01/2024", 100);
   BuyShares("04/01/2024", 10, "100");
   LoadBlocks();
+  const struct {
+    double pre, post;
+    const char *date, *message, *title;
+  } refusals[] = {
+      {0, -1, "03/01/2024",
+       "The first part of the Ratio is either negative or zero. Please re-enter the first part of "
+       "the ratio.",
+       "Please Re-enter"},
+      {2, -1, "03/01/2024",
+       "The second part of the Ratio is either negative or zero. Please re-enter the second part "
+       "of the ratio.",
+       "Please Re-enter"},
+      {2, 1, "13/01/2024",
+       "The Date entered as 13/01/2024 is not valid.  Please re-enter the Date. If you are "
+       "cancelling, click OK, and then click Cancel again.",
+       "Invalid Date"}};
+  for (const auto& r : refusals) {
+    ui_.Expect(r.message, r.title);
+    SplitDivForm form = AllBlocksForm(r.date, r.pre, r.post);
+    PressOkSplitDiv(*app_, form);
+    EXPECT_FALSE(form.closed);
+  }
   ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
   SplitDivForm form = AllBlocksForm("03/01/2024", 2, 1);
   PressOkSplitDiv(*app_, form);
   EXPECT_TRUE(form.closed);
   EXPECT_EQ(CountClientRows("Split"), 0);
 }
-
-// Bad input at OK: a ratio part of zero or less (first part checked
-// first), or a date that is no date, stops with the dialog open and
-// nothing written.
-struct RefusalCase {
-  const char* name;
-  double pre;
-  double post;
-  const char* date;
-  const char* message;
-  const char* title;
-};
-
-class SplitRefusalTest : public SplitDivTest, public ::testing::WithParamInterface<RefusalCase> {};
-
-TEST_P(SplitRefusalTest, Ok_BadInput_NothingWritten) {
-  const RefusalCase& c = GetParam();
-  LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
-  ui_.Expect(c.message, c.title);
-  SplitDivForm form = AllBlocksForm(c.date, c.pre, c.post);
-  PressOkSplitDiv(*app_, form);
-  EXPECT_FALSE(form.closed);
-  EXPECT_EQ(CountClientRows("Split"), 0);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Inputs, SplitRefusalTest,
-    ::testing::Values(
-        RefusalCase{"PreZero", 0, -1, "03/01/2024",
-                    "The first part of the Ratio is either negative or zero. Please re-enter the "
-                    "first part of the ratio.",
-                    "Please Re-enter"},
-        RefusalCase{"PostNegative", 2, -1, "03/01/2024",
-                    "The second part of the Ratio is either negative or zero. Please re-enter the "
-                    "second part of the ratio.",
-                    "Please Re-enter"},
-        RefusalCase{"NoDate", 2, 1, "13/01/2024",
-                    "The Date entered as 13/01/2024 is not valid.  Please re-enter the Date. If "
-                    "you are cancelling, click OK, and then click Cancel again.",
-                    "Invalid Date"}),
-    [](const auto& info) { return std::string(info.param.name); });
 
 // All rows of one split form one unit: when the second block's row cannot
 // be written the first is rolled back too, and the user is told to enter

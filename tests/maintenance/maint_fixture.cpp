@@ -1,5 +1,6 @@
 #include "maintenance/maint_fixture.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -144,29 +145,21 @@ std::string MaintenanceTest::Integrity(const std::string& path) {
 }
 
 std::string MaintenanceTest::Diff(const Rows& actual, const Rows& expected) {
-  std::string diff;
-  int shown = 0;
-  auto note = [&](const std::string& line) {
-    if (shown++ < 5) diff += line + "\n";
+  auto flat = [](const Rows& rows) {
+    std::set<std::string> lines;
+    for (const auto& [table, keyed] : rows) {
+      for (const auto& [key, text] : keyed) lines.insert(table + " " + key + ": " + text);
+    }
+    return lines;
   };
-  for (const auto& [table, rows] : expected) {
-    auto found = actual.find(table);
-    for (const auto& [key, text] : rows) {
-      if (found == actual.end() || found->second.count(key) == 0) {
-        note("missing " + table + " " + key);
-      } else if (found->second.at(key) != text) {
-        note("changed " + table + " " + key + ": " + found->second.at(key));
-      }
-    }
+  const std::set<std::string> a = flat(actual), e = flat(expected);
+  std::vector<std::string> diff;
+  std::set_symmetric_difference(a.begin(), a.end(), e.begin(), e.end(), std::back_inserter(diff));
+  std::string shown;
+  for (size_t i = 0; i < diff.size() && i < 5; ++i) {
+    shown += (a.count(diff[i]) ? "extra or changed " : "missing ") + diff[i].substr(0, 80) + "\n";
   }
-  for (const auto& [table, rows] : actual) {
-    auto found = expected.find(table);
-    for (const auto& [key, text] : rows) {
-      if (found == expected.end() || found->second.count(key) == 0)
-        note("extra " + table + " " + key);
-    }
-  }
-  return diff;
+  return shown;
 }
 
 long long MaintenanceTest::RowCount(const Rows& rows) {

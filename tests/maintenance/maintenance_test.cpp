@@ -65,11 +65,9 @@ TEST_F(CompressRepairTest, Compress_KeepsRowsAndBackupAndReopensFiles) {
   env_->AdvanceSeconds(0);
   Button_Compress(*app_, run->form);
 
-  EXPECT_EQ(run->form.ssf_status, "Finished");
-  EXPECT_EQ(run->form.ssf_time, "00:00:00");
-  EXPECT_EQ(run->form.picked_status, "Finished");
-  EXPECT_EQ(run->form.all_status, "Waiting...");
-  EXPECT_EQ(run->form.caption, kCompressCaption);
+  EXPECT_EQ(
+      run->form.ssf_status + run->form.ssf_time + run->form.picked_status + run->form.all_status,
+      "Finished00:00:00FinishedWaiting...");
   EXPECT_EQ(run->progress, (std::vector<std::string>{"Compressing Security Symbols File",
                                                      "Compressing John Doe"}));
   EXPECT_EQ(FileBytes(Path("DOE0101.bak")), old_bytes);
@@ -78,8 +76,7 @@ TEST_F(CompressRepairTest, Compress_KeepsRowsAndBackupAndReopensFiles) {
   EXPECT_FALSE(FileExists(app_->temp_folder + "TEMP7.mdb"));
   ASSERT_TRUE(app_->central && app_->client);
   EXPECT_EQ(app_->window.state, kClientOpen);
-  EXPECT_EQ(CountClientRows("Buy"), 100);
-  EXPECT_EQ(CountCentralRows("Clients"), 1);
+  EXPECT_EQ(CountClientRows("Buy") + CountCentralRows("Clients"), 101);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
   app_->client.reset();
   EXPECT_EQ(Diff(ReadRows(Path("DOE0101.mdb")), before), "");
@@ -91,7 +88,6 @@ TEST_F(CompressRepairTest, Compress_KeepsRowsAndBackupAndReopensFiles) {
 // ".bak", and the user is told. A file of an older data version keeps its
 // own layout and version. A sound file is left byte for byte as it was.
 struct RepairCase {
-  const char* name;
   const char* version;
   bool damage;
 };
@@ -154,10 +150,9 @@ TEST_P(RepairTest, Repair_KeepsEveryReadableRow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, RepairTest,
-                         ::testing::Values(RepairCase{"DamagedCurrent", "LW2005.20", true},
-                                           RepairCase{"DamagedOlderVersion", "LW96.20", true},
-                                           RepairCase{"Sound", "LW2005.20", false}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         ::testing::Values(RepairCase{"LW2005.20", true},
+                                           RepairCase{"LW96.20", true},
+                                           RepairCase{"LW2005.20", false}));
 
 // A taxpayer whose file is missing is reported, and the others are still
 // done; an open Taxpayer File that is not in the run stays open.
@@ -174,14 +169,12 @@ TEST_F(CompressRepairTest, AllTaxpayers_MissingFileReportedOthersDone) {
   run->form.all_chosen = true;
   Button_Compress(*app_, run->form);
 
-  EXPECT_EQ(run->form.all_status, "Not Done");
-  EXPECT_EQ(run->form.all_time, "");
+  EXPECT_EQ(run->form.all_status + run->form.all_time, "Not Done");
   EXPECT_EQ(run->progress,
             (std::vector<std::string>{"Compressing Adams", "Compressing Baker && Sons",
                                       "Compressing Cole"}));
-  EXPECT_TRUE(FileExists(Path("AAA.bak")));
-  EXPECT_TRUE(FileExists(Path("CCC.bak")));
-  EXPECT_FALSE(FileExists(Path("BBB.bak")));
+  EXPECT_EQ(ListFiles(app_->taxpayer_folder, "*.bak"),
+            (std::vector<std::string>{"AAA.bak", "CCC.bak"}));
   EXPECT_EQ(ui_.hourglass_depth(), 0);
 }
 
@@ -239,16 +232,14 @@ TEST_F(CompressRepairTest, Show_FillsDialogs) {
     EXPECT_EQ(form.warning,
               "Repairing files can take very long periods of time. We suggest that you run these "
               "routines when you will not need use of your computer.");
-    ASSERT_EQ(form.clients.size(), 2u);
-    EXPECT_EQ(form.clients[0].client_name, "Adams");
+    EXPECT_EQ(form.clients.at(0).client_name + form.clients.at(1).client_name, "AdamsZed");
     EXPECT_EQ(form.picked, (std::vector<bool>{false, false}));
     EXPECT_EQ(form.ssf_status + form.all_status + form.picked_status,
               "Waiting...Waiting...Waiting...");
   });
   ui_.ExpectDialog("dlgBackup", [this](DialogForm& f) {
     auto& form = static_cast<BackupNoticeForm&>(f);
-    EXPECT_EQ(form.ssf_folder, app_->ssf_folder);
-    EXPECT_EQ(form.taxpayer_folder, app_->taxpayer_folder);
+    EXPECT_EQ(form.ssf_folder + form.taxpayer_folder, app_->ssf_folder + app_->taxpayer_folder);
     EXPECT_EQ(form.notice.rfind(
                   "As of version LW2000.20, this program does not have a backup or restore "
                   "function. Windows has a backup and restore function that is better designed "
@@ -271,8 +262,7 @@ TEST_F(CompressRepairTest, Show_FillsDialogs) {
 // Deleting backups: the Security Symbols File's and every "*.bak" of the
 // Taxpayer folder go, nothing else does, and the user hears which case it was.
 TEST_F(MaintenanceTest, DelBackups_DeletesOnlyBackups) {
-  for (const std::string& name :
-       {std::string("A.bak"), std::string("B.BAK"), std::string("A.mdb")}) {
+  for (const char* name : {"A.bak", "B.BAK", "A.mdb"}) {
     std::ofstream(app_->taxpayer_folder + name) << "x";
   }
   std::ofstream(app_->ssf_folder + "CENTRAL.bak") << "x";
@@ -296,7 +286,6 @@ TEST_F(MaintenanceTest, DelBackups_DeletesOnlyBackups) {
 // A Taxpayer File that cannot be read no longer ends the start: the user is
 // told and may set it aside.
 struct UnreadableCase {
-  const char* name;
   bool garbage;  // no database at all, else a database with its Client table damaged
 };
 
@@ -324,9 +313,7 @@ TEST_P(UnreadableStartTest, CheckDBFiles_UnreadableFileIgnored) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, UnreadableStartTest,
-                         ::testing::Values(UnreadableCase{"NotADatabase", true},
-                                           UnreadableCase{"DamagedClientTable", false}),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         ::testing::Values(UnreadableCase{true}, UnreadableCase{false}));
 
 }  // namespace
 }  // namespace lotwise::testing

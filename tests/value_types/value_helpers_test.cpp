@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
 #include "support/scripted_ui.h"
@@ -9,40 +11,25 @@
 namespace lotwise {
 namespace {
 
+using Texts = std::pair<const char*, const char*>;
+
 // RoundDouble adds half a unit and cuts the decimal text: positive halves
 // go up, negative values move toward zero, and the cut sees the decimal
-// text rather than the binary value.
-struct RoundCase {
-  const char* name;
-  double value;
-  int16_t digits;
-  double expected;
-};
-
-class RoundDoubleTest : public ::testing::TestWithParam<RoundCase> {};
-
-TEST_P(RoundDoubleTest, Rounds) {
-  const RoundCase& c = GetParam();
-  EXPECT_DOUBLE_EQ(RoundDouble(c.value, c.digits), c.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, RoundDoubleTest,
-    ::testing::Values(RoundCase{"BinaryBelowHalfStillRoundsUp", 1.005, 2, 1.01},
-                      RoundCase{"PositiveHalfUp", 2.345, 2, 2.35},
-                      RoundCase{"PositiveBelowHalf", 2.344, 2, 2.34},
-                      RoundCase{"NegativeHalfTowardZero", -2.345, 2, -2.34},
-                      RoundCase{"NegativeAboveHalfStillTowardZero", -2.346, 2, -2.34},
-                      RoundCase{"ZeroDigitsHalf", 2.5, 0, 3},
-                      RoundCase{"ZeroDigitsNegativeHalf", -2.5, 0, -2},
-                      RoundCase{"NegativeDigitsGiveZero", 123.456, -1, 0},
-                      RoundCase{"SharesToFiveDecimalsUp", 99.999995, 5, 100},
-                      RoundCase{"SharesToFiveDecimalsDown", 99.9999949, 5, 99.99999},
-                      RoundCase{"TinyNegativeIsZero", -0.0000001, 2, 0},
-                      RoundCase{"LargeValueKeepsItsDigits", 123456789.125, 2, 123456789.13}),
-    [](const auto& info) { return std::string(info.param.name); });
-
-TEST(RoundDouble_Overflow, TenDigitsThrowsOverflow) {
+// text rather than the binary value (1.005 is 1.00499.. as a double).
+TEST(RoundDouble, Table) {
+  const struct {
+    double value;
+    int16_t digits;
+    double expected;
+  } cases[] = {{1.005, 2, 1.01},    {2.345, 2, 2.35},
+               {2.344, 2, 2.34},    {-2.345, 2, -2.34},
+               {-2.346, 2, -2.34},  {2.5, 0, 3},
+               {-2.5, 0, -2},       {123.456, -1, 0},
+               {99.999995, 5, 100}, {99.9999949, 5, 99.99999},
+               {-0.0000001, 2, 0},  {123456789.125, 2, 123456789.13}};
+  for (const auto& c : cases) {
+    EXPECT_DOUBLE_EQ(RoundDouble(c.value, c.digits), c.expected) << c.value << " " << c.digits;
+  }
   try {
     RoundDouble(1.0, 10);
     FAIL() << "no error";
@@ -51,61 +38,51 @@ TEST(RoundDouble_Overflow, TenDigitsThrowsOverflow) {
   }
 }
 
-// Sort names move only the last word to the front.
-TEST(CalcSortName, Table) {
-  struct Case {
-    const char* name;
-    const char* sort;
-  } cases[] = {
-      {"John Q Public", "Public, John Q"},
-      {"Mary Ann Smith Jr", "Jr, Mary Ann Smith"},
-      {"Cher", "Cher"},
-      {"A B", "B, A"},
-      {"Trailing ", ", Trailing"},
-      {"", ""},
-  };
-  for (const Case& c : cases) EXPECT_EQ(CalcSortName(c.name), c.sort) << c.name;
-}
-
-// Ampersands double so captions show them instead of an access key.
-TEST(FixAmpersand, Table) {
-  EXPECT_EQ(FixAmpersand("Smith & Jones"), "Smith && Jones");
-  EXPECT_EQ(FixAmpersand("&&"), "&&&&");
-  EXPECT_EQ(FixAmpersand("plain"), "plain");
-  EXPECT_EQ(FixAmpersand(""), "");
-}
-
-TEST(IsAlphaNum, BoundariesOfEachRange) {
+// Sort names move only the last word to the front; ampersands double so
+// captions show them instead of an access key; file names follow either
+// separator.
+TEST(TextHelpers, Table) {
+  const Texts sort_names[] = {{"John Q Public", "Public, John Q"},
+                              {"Mary Ann Smith Jr", "Jr, Mary Ann Smith"},
+                              {"Cher", "Cher"},
+                              {"Trailing ", ", Trailing"},
+                              {"", ""}};
+  for (auto [name, sort] : sort_names) EXPECT_EQ(CalcSortName(name), sort) << name;
+  const Texts ampersands[] = {{"Smith & Jones", "Smith && Jones"}, {"&&", "&&&&"}, {"", ""}};
+  for (auto [text, fixed] : ampersands) EXPECT_EQ(FixAmpersand(text), fixed) << text;
+  const Texts paths[] = {{"C:\\LW\\DATA\\SMIT73.mdb", "SMIT73.mdb"},
+                         {"/srv/lw/data/SMIT73.mdb", "SMIT73.mdb"},
+                         {"SMIT73.mdb", "SMIT73.mdb"},
+                         {"C:\\LW\\", ""}};
+  for (auto [path, name] : paths) EXPECT_EQ(GetFileNameFromPath(path), name) << path;
   for (int16_t code : {48, 57, 65, 90, 97, 122}) EXPECT_TRUE(IsAlphaNum(code)) << code;
   for (int16_t code : {47, 58, 64, 91, 96, 123, 32, 233, -1})
     EXPECT_FALSE(IsAlphaNum(code)) << code;
-}
-
-TEST(GetFileNameFromPath, BothSeparators) {
-  EXPECT_EQ(GetFileNameFromPath("C:\\LW\\DATA\\SMIT73.mdb"), "SMIT73.mdb");
-  EXPECT_EQ(GetFileNameFromPath("/srv/lw/data/SMIT73.mdb"), "SMIT73.mdb");
-  EXPECT_EQ(GetFileNameFromPath("SMIT73.mdb"), "SMIT73.mdb");
-  EXPECT_EQ(GetFileNameFromPath("C:\\LW\\"), "");
+  // Symbols are counted in characters: "\xC3\x89" is one character, "É".
+  EXPECT_EQ(CharacterCount("\xC3\x89TOILE2024"), 10u);
 }
 
 // The default text form of a number: at most 15 significant digits.
 TEST(NumberText, Table) {
-  struct Case {
-    double value;
-    const char* text;
-  } cases[] = {{2, "2"},        {0.1, "0.1"},     {1.5, "1.5"},
-               {-0.0, "0"},     {0.05, "0.05"},   {1.0 / 3, "0.333333333333333"},
-               {1e20, "1E+20"}, {-12.5, "-12.5"}, {100.99999999999997, "101"}};
-  for (const Case& c : cases) EXPECT_EQ(NumberText(c.value), c.text) << c.value;
+  const std::pair<double, const char*> cases[] = {{2, "2"},
+                                                  {0.1, "0.1"},
+                                                  {-0.0, "0"},
+                                                  {0.05, "0.05"},
+                                                  {1.0 / 3, "0.333333333333333"},
+                                                  {1e20, "1E+20"},
+                                                  {-12.5, "-12.5"},
+                                                  {100.99999999999997, "101"}};
+  for (auto [value, text] : cases) EXPECT_EQ(NumberText(value), text) << value;
 }
 
 // A comma separates thousands only; a number field keeps ten whole digits.
 TEST(ParseNumber, AcceptsTypedFormsOnly) {
-  EXPECT_DOUBLE_EQ(*ParseNumber("1,234.5"), 1234.5);
-  EXPECT_DOUBLE_EQ(*ParseNumber("12,345,678"), 12345678);
-  EXPECT_DOUBLE_EQ(*ParseNumber(" -3 "), -3);
-  EXPECT_DOUBLE_EQ(*ParseNumber(".5"), 0.5);
-  EXPECT_DOUBLE_EQ(*ParseNumber("9,999,999,999.99999"), 9999999999.99999);
+  const std::pair<const char*, double> cases[] = {{"1,234.5", 1234.5},
+                                                  {"12,345,678", 12345678},
+                                                  {" -3 ", -3},
+                                                  {".5", 0.5},
+                                                  {"9,999,999,999.99999", 9999999999.99999}};
+  for (auto [text, value] : cases) EXPECT_DOUBLE_EQ(*ParseNumber(text), value) << text;
   for (const char* bad : {"", "-", "1.2.3", "12a", "1e5", "--1", ",1", "0,5", "1,2", "1,23",
                           "1,2345", "1234,567", "1,,234", "1,234,56", "1.234,5", "1,"}) {
     EXPECT_EQ(ParseNumberFault(bad), NumberFault::kNotANumber) << bad;
@@ -118,8 +95,9 @@ TEST(ParseNumber, AcceptsTypedFormsOnly) {
 }
 
 // Decimals are counted on the text a double was read from, not its binary
-// value; more than five refuse a number of shares, naming the field.
-TEST(ShareDecimalsValid, FiveDecimalsAtMost) {
+// value. Each check names the field or value in its refusal and says
+// nothing when the value is good; a bad date is emptied.
+TEST(FieldChecks, RefuseNamingTheValue) {
   for (double ok : {0.33333, 1e-5, 100.0, 123456.12345, -2.5, 0.1 + 0.2}) {
     EXPECT_LE(DecimalPlaces(ok), kShareDecimals) << ok;
   }
@@ -131,43 +109,24 @@ TEST(ShareDecimalsValid, FiveDecimalsAtMost) {
       "The Number of Shares entered as 0.333333 has more than 5 decimal places. Please "
       "re-enter the Number of Shares with at most 5 decimal places.",
       "Too many decimal places", Icon::kExclamation, Buttons::kOk);
-  EXPECT_FALSE(ShareDecimalsValid(ui, 0.333333, "Number of Shares"));
-  EXPECT_TRUE(ShareDecimalsValid(ui, 0.33333, "Number of Shares"));
-  ui.VerifyDone();
-}
-
-// Symbols are counted in characters: "\xC3\x89" is one character, "É".
-TEST(SymbolLengthValid, TenCharactersAtMost) {
-  EXPECT_EQ(CharacterCount("\xC3\x89TOILE2024"), 10u);
-  testing::ScriptedUi ui;
-  EXPECT_TRUE(SymbolLengthValid(ui, "\xC3\x89TOILE2024"));
   ui.Expect(
       "The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. "
       "Please enter a shorter Symbol.",
       "Symbol too long", Icon::kExclamation, Buttons::kOk);
-  EXPECT_FALSE(SymbolLengthValid(ui, "US0378331005"));
-  ui.VerifyDone();
-}
-
-// DateValid names the field in its message and empties the date.
-TEST(DateValid, InvalidDateShowsMessageAndEmptiesValue) {
-  testing::ScriptedUi ui;
   ui.Expect(
       "The Purchase Date entered as 13/45/2024 is not valid.  Please re-enter the Purchase Date. "
-      "If "
-      "you are cancelling, click OK, and then click Cancel again.",
+      "If you are cancelling, click OK, and then click Cancel again.",
       "Invalid Date", Icon::kExclamation, Buttons::kOk);
+  EXPECT_FALSE(ShareDecimalsValid(ui, 0.333333, "Number of Shares"));
+  EXPECT_TRUE(ShareDecimalsValid(ui, 0.33333, "Number of Shares"));
+  EXPECT_TRUE(SymbolLengthValid(ui, "\xC3\x89TOILE2024"));
+  EXPECT_FALSE(SymbolLengthValid(ui, "US0378331005"));
   Date out = Date::FromYmd(2020, 1, 1);
   EXPECT_FALSE(DateValid(ui, "13/45/2024", "Purchase Date", out));
   EXPECT_EQ(out, Date());
-  ui.VerifyDone();
-}
-
-TEST(DateValid, ValidDateSaysNothing) {
-  testing::ScriptedUi ui;
-  Date out;
   EXPECT_TRUE(DateValid(ui, "02/29/2024", "Date", out));
   EXPECT_EQ(out, Date::FromYmd(2024, 2, 29));
+  ui.VerifyDone();
 }
 
 }  // namespace
