@@ -46,7 +46,7 @@ class SaleTest : public AppTest {
     return block_no;
   }
 
-  void OpenSecurity(int method) {
+  void OpenSecurity(lotwise::SellMethod method) {
     SellMethod("IBM", method);
     ShowSecDisplay(*app_, "IBM");
     ASSERT_EQ(app_->window.display.sell_method, method);
@@ -89,9 +89,10 @@ class SaleTest : public AppTest {
     return rows;
   }
 
-  int StoredMethod() {
+  std::optional<lotwise::SellMethod> StoredMethod() {
     Query q = app_->client->Select(R"(SELECT "Sell Method" FROM "Sell Method")");
-    return q.Next() ? static_cast<int>(q.Int("Sell Method")) : -1;
+    if (!q.Next()) return std::nullopt;
+    return SellMethodFromCode(q.Int("Sell Method"));
   }
 
   Rows Changes() {

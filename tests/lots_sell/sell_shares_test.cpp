@@ -52,7 +52,7 @@ class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<FifoC
 TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
   const FifoCase& c = GetParam();
   for (const BlockSpec& b : c.blocks) Block(b.date, b.shares, b.adjusted, b.seq);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, c.shares, c.price, c.fee);
     SellShares_OK(*app_, form, false);
@@ -172,7 +172,7 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
   ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
   ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   ui_.Expect(
       "This entry is dated before sales already entered for this security. Taking their shares "
       "first in, first out as the blocks now stand changes:\nthe sale of 120 shares on "
@@ -241,7 +241,7 @@ INSTANTIATE_TEST_SUITE_P(
 // and the method stays as it was.
 struct RefusalCase {
   const char* name;
-  int method;
+  SellMethod method;
   double shares;
   const char* title;
   std::string text;
@@ -271,20 +271,20 @@ const std::string kSelect = "To select shares click on the 'Select' button.";
 
 INSTANTIATE_TEST_SUITE_P(
     Entries, RefusalTest,
-    ::testing::Values(RefusalCase{"NoMethod", kSellNotSelected, 10, "No Sell Method",
-                                  "You must specify a Sell Method to use when selling shares "
-                                  "from this security. Please select one."},
-                      RefusalCase{"ZeroFifo", kSellFifo, 0, "No Shares", kZero},
-                      RefusalCase{"ZeroSpecific", kSellSpecificId, 0, "No Shares", kZero + kSelect},
-                      RefusalCase{"ZeroAverageDouble", kSellAvgDouble, 0, "No Shares",
-                                  kZero + kSelect}),
+    ::testing::Values(
+        RefusalCase{"NoMethod", SellMethod::kNotSelected, 10, "No Sell Method",
+                    "You must specify a Sell Method to use when selling shares "
+                    "from this security. Please select one."},
+        RefusalCase{"ZeroFifo", SellMethod::kFifo, 0, "No Shares", kZero},
+        RefusalCase{"ZeroSpecific", SellMethod::kSpecificId, 0, "No Shares", kZero + kSelect},
+        RefusalCase{"ZeroAverageDouble", SellMethod::kAvgDouble, 0, "No Shares", kZero + kSelect}),
     [](const auto& info) { return std::string(info.param.name); });
 
 // A zero sale price is asked about: No keeps the dialog open with nothing
 // written, Yes stores the rows with price 0.
 TEST_F(SaleTest, SellShares_OK_ZeroPriceAsked) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, 10, "0", "1");
     SellShares_OK(*app_, form, false);
@@ -307,7 +307,7 @@ TEST_F(SaleTest, SellShares_OK_ZeroPriceAsked) {
 // free.
 TEST_F(SaleTest, AddAllSales_SecondWriteFails_NoRowRemains) {
   for (const char* date : {"01/01/2024", "02/01/2024", "03/01/2024"}) Block(date, 10);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   StorageFaults faults;
   app_->storage_faults = &faults;
   app_->client = Database::Open(client_path_, Database::Mode::kShared, &faults);
@@ -328,7 +328,7 @@ TEST_F(SaleTest, AddAllSales_SecondWriteFails_NoRowRemains) {
 
 TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   Database::SetBusyTimeout(50);
   app_->client = Database::Open(client_path_);
   auto other = Database::Open(client_path_);
@@ -379,7 +379,7 @@ class ModEntireSellTest : public SaleTest {
 };
 
 TEST_F(ModEntireSellTest, ShowModEntireSell_Fifo_ReplacesTheDay) {
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     EXPECT_EQ(form.caption, "Modify Entire Sell");
     EXPECT_EQ(form.date, "06/03/2024");
@@ -413,7 +413,7 @@ class ModEntireSellKeptTest : public ModEntireSellTest,
 TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
   const KeptCase& c = GetParam();
   const Rows before = SellRows();
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   std::unique_ptr<Database> other;
   std::unique_ptr<Database::Transaction> lock;
   if (c.busy) {
@@ -460,7 +460,7 @@ INSTANTIATE_TEST_SUITE_P(Sales, ModEntireSellKeptTest,
                          [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ModEntireSellTest, ShowModEntireSell_Specific_StartsFromOldChoice) {
-  OpenSecurity(kSellSpecificId);
+  OpenSecurity(SellMethod::kSpecificId);
   const std::string jan = "01/01/2024-1\t", mar = "03/01/2024-1\t";
   const std::string jan_no = "\t" + std::to_string(jan_), mar_no = "\t" + std::to_string(mar_);
   OnSale([&](SellSharesForm& form) {

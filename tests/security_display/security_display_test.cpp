@@ -121,7 +121,7 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_FillsPanel) {
   EXPECT_EQ(d.sec_name, "Intl Business Machines");
   EXPECT_EQ(d.sec_cusip, "459200101");
   EXPECT_EQ(d.second_line, " ");
-  EXPECT_EQ(d.sell_method, 1);
+  EXPECT_EQ(d.sell_method, SellMethod::kFifo);
   EXPECT_EQ(DisplayedBlockIds(), (Texts{"01/15/2024-1", "02/15/2024-1"}));
   EXPECT_EQ(d.selected_block, 0);
   EXPECT_EQ(d.trans_filter, 0);
@@ -143,7 +143,7 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodAndLine) {
 
   ShowSecDisplay(*app_, "MSFT");
   const SecurityDisplay& d = app_->window.display;
-  EXPECT_EQ(d.sell_method, 255);
+  EXPECT_EQ(d.sell_method, SellMethod::kNotSelected);
   EXPECT_EQ(d.second_line, " ");
   Query method = app_->client->Select(
       R"(SELECT "Sell Method" FROM "Sell Method" WHERE "Sec Symbol" = 'MSFT')");
