@@ -57,7 +57,7 @@ class Fixture {
     app_->current.port_name = "Growth";
     app_->current.sec_id = app_->client->LastInsertId();
     app_->current.sec_symbol = "IBM";
-    app_->window.display.sell_method = kSellFifo;
+    app_->window.display.sell_method = SellMethod::kFifo;
   }
 
   ~Fixture() {

@@ -119,13 +119,13 @@ struct SplitEvent {
   double pre, post;
 };
 
-// One symbol: its method (kSellNotSelected: no Sell Method row, no sales),
+// One symbol: its method (kNotSelected: no Sell Method row, no sales),
 // style, the portfolios holding it and its splits and dividends.
 struct SymbolPlan {
   std::string symbol;
   std::string name;
   std::string cusip;
-  int16_t method;
+  SellMethod method;
   Style style;
   std::vector<std::string> portfolios;
   std::vector<SplitEvent> splits;  // by date
@@ -160,22 +160,22 @@ inline std::vector<SymbolPlan> PlanSymbols(const LedgerShape& shape) {
     plan.cusip = std::to_string(100000000 + random.Between(0, 899999999));
     const int slot = i % 20;
     if (i < without_method) {
-      plan.method = kSellNotSelected;
+      plan.method = SellMethod::kNotSelected;
       plan.style = Style::kHolder;
     } else if (slot < 2) {
-      plan.method = kSellSpecificId;
+      plan.method = SellMethod::kSpecificId;
       plan.style = slot == 0 ? Style::kStock : Style::kTrader;
     } else if (slot < 11) {
-      plan.method = kSellFifo;
+      plan.method = SellMethod::kFifo;
       plan.style = slot % 2 == 0 ? Style::kStock : Style::kTrader;
     } else if (slot < 15) {
-      plan.method = kSellAvgSingle;
+      plan.method = SellMethod::kAvgSingle;
       plan.style = Style::kFund;
     } else if (slot < 19) {
-      plan.method = kSellAvgDouble;
+      plan.method = SellMethod::kAvgDouble;
       plan.style = Style::kFund;
     } else {
-      plan.method = kSellFifo;
+      plan.method = SellMethod::kFifo;
       plan.style = Style::kStock;
     }
     switch (plan.style) {
@@ -250,8 +250,8 @@ inline PairLedger SimulatePair(const SymbolPlan& plan, uint64_t pair_seed, doubl
   Random random(pair_seed);
   const StyleRates rates = RatesOf(plan.style);
   const bool whole_shares = plan.style == Style::kStock || plan.style == Style::kTrader;
-  const bool sells = plan.method != kSellNotSelected && rates.sell > 0;
-  const bool specific = plan.method == kSellSpecificId;
+  const bool sells = plan.method != SellMethod::kNotSelected && rates.sell > 0;
+  const bool specific = plan.method == SellMethod::kSpecificId;
   auto chance = [&](double rate) { return std::min(1.0, rate * intensity); };
   const double p_buy = chance(rates.buy);
   const double p_reinvest = chance(rates.reinvest);
@@ -484,9 +484,9 @@ inline LedgerCounts WriteLedger(const LedgerShape& shape, const std::string& cli
   counts.symbols = static_cast<int64_t>(plans.size());
   int total_weight = 0;
   for (const SymbolPlan& plan : plans) {
-    if (plan.method != kSellNotSelected) {
+    if (plan.method != SellMethod::kNotSelected) {
       db->Execute(R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES (:s, :m))",
-                  {{"s", plan.symbol}, {"m", plan.method}});
+                  {{"s", plan.symbol}, {"m", CodeOf(plan.method)}});
     }
     total_weight += RatesOf(plan.style).weight * static_cast<int>(plan.portfolios.size());
   }

@@ -43,7 +43,8 @@ class DemoReports {
              const std::string& csv_name = {}, const std::string& json_name = {}) {
     const size_t first = session_.ui.reports().size();
     const std::string csv = csv_name.empty() ? std::string() : Path(csv_name);
-    if (!Quietly([&] { return RunBasisWithoutWindow(session_, request, kSellFifo, csv); })) {
+    if (!Quietly(
+            [&] { return RunBasisWithoutWindow(session_, request, SellMethod::kFifo, csv); })) {
       return false;
     }
     if (!csv_name.empty()) Wrote(csv_name);

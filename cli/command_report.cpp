@@ -159,7 +159,7 @@ bool DeliverOutputs(Session& session, const OutputOptions& out,
 int RunBasis(const Context& context, const BasisOptions& options) {
   const std::optional<ReportScope> scope = ResolveScope(options.where);
   if (!scope) return kUsageError;
-  int16_t unsold_method = kSellNotSelected;
+  SellMethod unsold_method = SellMethod::kNotSelected;
   if (!options.unsold_method.empty()) unsold_method = SellMethodFromName(options.unsold_method);
   // An option the run would not act on is refused, never passed over.
   const bool schedule_d = options.kind != BasisKind::kBasis || options.with_schedule_d;

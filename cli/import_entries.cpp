@@ -126,7 +126,7 @@ class SalePlay {
       // A change the user declined puts the method in force back.
       if (form.sell_method != entry_.method) return false;
     }
-    const int16_t method = GetSellMethod(app(), form.sell_method);
+    const SellMethod method = GetSellMethod(app(), form.sell_method);
     if (UserSelectsShares(method)) {
       if (!SelectShares(form)) return false;
     } else {

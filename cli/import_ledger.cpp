@@ -71,14 +71,14 @@ const std::array<ActionName, 6> kActions = {{
 
 struct MethodName {
   const char* token;
-  int16_t code;
+  SellMethod code;
 };
 
 constexpr std::array<MethodName, 4> kMethods = {{
-    {"FIFO", kSellFifo},
-    {"Specific", kSellSpecificId},
-    {"AvgSingle", kSellAvgSingle},
-    {"AvgDouble", kSellAvgDouble},
+    {"FIFO", SellMethod::kFifo},
+    {"Specific", SellMethod::kSpecificId},
+    {"AvgSingle", SellMethod::kAvgSingle},
+    {"AvgDouble", SellMethod::kAvgDouble},
 }};
 
 bool SameText(std::string_view a, std::string_view b) { return ToUpperAscii(a) == ToUpperAscii(b); }
@@ -152,7 +152,7 @@ struct LedgerLine {
   LedgerEntry entry;
   // The sale's method, named in the entry as the dialog names it once the
   // program is there to name it.
-  std::optional<int16_t> method;
+  std::optional<SellMethod> method;
 };
 
 class LineReader {

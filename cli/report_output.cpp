@@ -47,21 +47,21 @@ bool SameNameIgnoringCase(const std::string& a, const std::string& b) {
 
 }  // namespace
 
-int16_t SellMethodFromName(const std::string& name) {
-  static const std::array<std::pair<const char*, int16_t>, 4> kNames{{
-      {"FIFO", kSellFifo},
-      {"Specific", kSellSpecificId},
-      {"AvgSingle", kSellAvgSingle},
-      {"AvgDouble", kSellAvgDouble},
+SellMethod SellMethodFromName(const std::string& name) {
+  static const std::array<std::pair<const char*, SellMethod>, 4> kNames{{
+      {"FIFO", SellMethod::kFifo},
+      {"Specific", SellMethod::kSpecificId},
+      {"AvgSingle", SellMethod::kAvgSingle},
+      {"AvgDouble", SellMethod::kAvgDouble},
   }};
   for (const auto& [text, code] : kNames) {
     if (SameNameIgnoringCase(name, text)) return code;
   }
-  return kSellNotSelected;
+  return SellMethod::kNotSelected;
 }
 
 bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
-                           int16_t unsold_method, const std::string& csv_path) {
+                           SellMethod unsold_method, const std::string& csv_path) {
   ConsoleUi& ui = session.ui;
   Application& app = session.app;
   ui.SetAnswerFor(kExportQuestionTitle, csv_path.empty() ? Answer::kNo : Answer::kYes);
@@ -70,7 +70,7 @@ bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
   ui.SetModalHandler([&app, &ui, &previous, unsold_method](DialogForm& dialog) {
     auto* form = dynamic_cast<MethodForm*>(&dialog);
     if (form == nullptr) return previous && previous(dialog);
-    if (unsold_method == kSellNotSelected) {
+    if (unsold_method == SellMethod::kNotSelected) {
       ui.Note(form->message_line +
               ": no sell method chosen yet; left out of the report (see --unsold-method)");
       Method_Cancel(app, *form);

@@ -18,18 +18,18 @@ extern const std::vector<std::string> kTaxpayerListTables;
 extern const std::vector<std::string> kSecurityListTables;
 
 // Parses a sell method's command-line name (FIFO, Specific, AvgSingle,
-// AvgDouble; any case). Returns its code, or kSellNotSelected for any other
+// AvgDouble; any case). Returns the method, or kNotSelected for any other
 // text.
-int16_t SellMethodFromName(const std::string& name);
+SellMethod SellMethodFromName(const std::string& name);
 
 // A basis or Schedule D run without a window: securities that have no sell
 // method yet get `unsold_method` for the whole run ("Use for all Securities
-// without Sells"), or are left out when it is kSellNotSelected; the export
+// without Sells"), or are left out when it is kNotSelected; the export
 // file is written to `csv_path` when not empty and declined otherwise,
 // whatever --yes says. Returns true iff RunBasisSchedDReport succeeded and
 // the export file asked for was written.
 bool RunBasisWithoutWindow(Session& session, const BasisReportRequest& request,
-                           int16_t unsold_method, const std::string& csv_path);
+                           SellMethod unsold_method, const std::string& csv_path);
 
 // Writes `tables` of the run's report database as JSON (ReportTablesJson) to
 // `path`. Returns true iff written; otherwise says why on the error stream.

@@ -27,8 +27,6 @@ namespace lotwise {
 
 namespace {
 
-constexpr int16_t kNotSelectedMethod = kSellNotSelected;
-
 Database& ClientFile(Application& app) {
   if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
   return *app.client;
@@ -81,7 +79,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
 
     std::optional<SecurityOnFile> found = GetASecurity(app, symbol);
     if (found && !found->sell_method) {
-      AddSellMethod(app, symbol, kNotSelectedMethod);
+      AddSellMethod(app, symbol, SellMethod::kNotSelected);
       found = GetASecurity(app, symbol);
     }
     if (!found) {
@@ -97,7 +95,7 @@ void ShowSecDisplay(Application& app, const std::string& symbol) {
     display.sec_name = name;
     display.sec_cusip = cusip;
     display.second_line = record.second_line.value_or(" ");
-    display.sell_method = static_cast<int16_t>(record.sell_method.value_or(kNotSelectedMethod));
+    display.sell_method = record.sell_method.value_or(SellMethod::kNotSelected);
     app.current.sec_id = record.sec_id;
     app.current.sec_symbol = record.symbol;
     FillSecDisplay(app, record.sec_id);

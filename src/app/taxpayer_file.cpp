@@ -459,7 +459,7 @@ bool AddSec(Application& app, const std::string& symbol, const std::string& name
         already_held = true;
       }
       if (!already_held) {
-        if (!AddSellMethod(app, symbol, 255)) return false;
+        if (!AddSellMethod(app, symbol, SellMethod::kNotSelected)) return false;
         unit.Commit();
         return true;
       }

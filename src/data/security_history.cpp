@@ -65,11 +65,11 @@ bool HasSaleAfter(Database& db, int64_t sec_id, HistoryKey entry) {
       .Next();
 }
 
-int16_t SellMethodOfSecurity(Database& db, int64_t sec_id) {
+SellMethod SellMethodOfSecurity(Database& db, int64_t sec_id) {
   Query q = db.Select(R"(SELECT M."Sell Method" FROM "Security" AS S JOIN "Sell Method" AS M )"
                       R"(ON M."Sec Symbol" = S."Sec Symbol" WHERE S."Sec ID" = :sec)",
                       {{"sec", sec_id}});
-  return q.Next() ? static_cast<int16_t>(q.Int("Sell Method")) : kSellNotSelected;
+  return q.Next() ? SellMethodAsStored(q.Int("Sell Method")) : SellMethod::kNotSelected;
 }
 
 void DeleteSellRow(Database& client, int64_t unique_id) {

@@ -8,6 +8,7 @@
 #include "data/entry_rows.h"
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/sell_method_codes.h"
 
 namespace lotwise {
 
@@ -55,8 +56,9 @@ SecurityHistory ReadSecurityHistory(Database& client, int64_t sec_id);
 // True iff security `sec_id` has a sale that comes after `entry` in its
 // history.
 bool HasSaleAfter(Database& client, int64_t sec_id, HistoryKey entry);
-// The sell method kept for the security's symbol (255 when none).
-int16_t SellMethodOfSecurity(Database& client, int64_t sec_id);
+// The sell method kept for the security's symbol (kNotSelected when none;
+// a number outside the five as SellMethodAsStored carries it).
+SellMethod SellMethodOfSecurity(Database& client, int64_t sec_id);
 
 // Single-row writes of a re-booking, inside the caller's unit of work.
 void DeleteSellRow(Database& client, int64_t unique_id);

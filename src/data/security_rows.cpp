@@ -16,7 +16,7 @@ std::vector<SecurityOnFile> ReadSecurities(Query& q) {
     row.symbol = q.Text("Sec Symbol");
     row.second_line = q.OptionalText("2nd Line");
     row.sec_id = q.Int("Sec ID");
-    if (!q.IsNull("Sell Method")) row.sell_method = static_cast<int16_t>(q.Int("Sell Method"));
+    if (!q.IsNull("Sell Method")) row.sell_method = SellMethodAsStored(q.Int("Sell Method"));
   }
   return rows;
 }
@@ -61,7 +61,7 @@ std::vector<SecurityOnFile> DistinctSecurities(Database& client, std::string_vie
   while (q.Next()) {
     SecurityOnFile& row = rows.emplace_back();
     row.symbol = q.Text("Sec Symbol");
-    if (!q.IsNull("Sell Method")) row.sell_method = static_cast<int16_t>(q.Int("Sell Method"));
+    if (!q.IsNull("Sell Method")) row.sell_method = SellMethodAsStored(q.Int("Sell Method"));
   }
   return rows;
 }

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "ground/sell_method_codes.h"
+
 namespace lotwise {
 
 class Database;
@@ -17,7 +19,7 @@ struct SecurityOnFile {
   std::string symbol;
   std::optional<std::string> second_line;
   int64_t sec_id = 0;
-  std::optional<int16_t> sell_method;
+  std::optional<SellMethod> sell_method;
 };
 
 // The portfolio's security of that symbol.

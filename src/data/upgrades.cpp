@@ -255,7 +255,8 @@ bool AllowZeroLenField(Application& app, Database& db) {
   });
 }
 
-bool AddSellMethod(Application& app, const std::string& symbol, int method, bool update_existing) {
+bool AddSellMethod(Application& app, const std::string& symbol, SellMethod method,
+                   bool update_existing) {
   return Trap(app, "AddSellMethod", false, [&] {
     Database& db = *app.client;
     // The whole symbol is the key: the securities join on it. Symbols too
@@ -267,10 +268,10 @@ bool AddSellMethod(Application& app, const std::string& symbol, int method, bool
     if (!found.Next()) {
       db.Execute(
           R"(INSERT INTO "Sell Method" ("Sec Symbol", "Sell Method") VALUES (:symbol, :method))",
-          {{"symbol", key}, {"method", method}});
+          {{"symbol", key}, {"method", CodeOf(method)}});
     } else if (update_existing) {
       db.Execute(R"(UPDATE "Sell Method" SET "Sell Method" = :method WHERE "Sec Symbol" = :symbol)",
-                 {{"symbol", key}, {"method", method}});
+                 {{"symbol", key}, {"method", CodeOf(method)}});
     }
     return true;
   });

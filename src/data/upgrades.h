@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "ground/sell_method_codes.h"
+
 namespace lotwise {
 
 class Application;
@@ -26,7 +28,7 @@ bool AllowZeroLenField(Application& app, Database& db);
 
 // Adds the symbol's "Sell Method" row to the open Taxpayer File unless it
 // has one; with `update_existing`, changes an existing row's method instead.
-bool AddSellMethod(Application& app, const std::string& symbol, int method,
+bool AddSellMethod(Application& app, const std::string& symbol, SellMethod method,
                    bool update_existing = false);
 
 }  // namespace lotwise

@@ -1,20 +1,49 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 namespace lotwise {
 
-// Sell method codes, as stored per symbol in the "Sell Method" table.
-inline constexpr int16_t kSellSpecificId = 0;
-inline constexpr int16_t kSellFifo = 1;
-inline constexpr int16_t kSellAvgSingle = 2;
-inline constexpr int16_t kSellAvgDouble = 3;
-inline constexpr int16_t kSellNotSelected = 255;
+// Sell methods, stored per symbol in the "Sell Method" table under these
+// numbers.
+enum class SellMethod : int16_t {
+  kSpecificId = 0,
+  kFifo = 1,
+  kAvgSingle = 2,
+  kAvgDouble = 3,
+  kNotSelected = 255,
+};
 
-// Returns true iff under method `code` the user picks the blocks (codes 0
-// and 3); the other methods take them oldest first.
-constexpr bool UserSelectsShares(int16_t code) {
-  return code == kSellSpecificId || code == kSellAvgDouble;
+// The method stored as `code`; none for a number that is not one of the five.
+constexpr std::optional<SellMethod> SellMethodFromCode(int64_t code) {
+  switch (code) {
+    case 0:
+    case 1:
+    case 2:
+    case 3:
+    case 255:
+      return static_cast<SellMethod>(code);
+    default:
+      return std::nullopt;
+  }
+}
+
+// The number `method` is stored under.
+constexpr int16_t CodeOf(SellMethod method) { return static_cast<int16_t>(method); }
+
+// A stored number as the readers hand it up. A number outside the five is
+// carried unchanged, so that the name lookup and the basis walk report it
+// with its number instead of silently treating it as some method.
+constexpr SellMethod SellMethodAsStored(int64_t code) {
+  return SellMethodFromCode(code).value_or(static_cast<SellMethod>(static_cast<int16_t>(code)));
+}
+
+// Returns true iff under `method` the user picks the blocks (Specific
+// Identification and Average Cost - Double Cat.); the other methods take them
+// oldest first.
+constexpr bool UserSelectsShares(SellMethod method) {
+  return method == SellMethod::kSpecificId || method == SellMethod::kAvgDouble;
 }
 
 }  // namespace lotwise

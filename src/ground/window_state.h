@@ -7,6 +7,7 @@
 
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/sell_method_codes.h"
 
 namespace lotwise {
 
@@ -61,9 +62,8 @@ struct SecurityDisplay {
   std::string sec_name;     // txtSecName
   std::string sec_cusip;    // txtSecCusip
   std::string second_line;  // txt2ndLine
-  // The security's sell method code as the main window holds it (255: none
-  // chosen yet).
-  int16_t sell_method = 255;
+  // The security's sell method as the main window holds it.
+  SellMethod sell_method = SellMethod::kNotSelected;
   std::vector<BlockRow> blocks;
   int selected_block = -1;                   // index into blocks, -1 when there are none
   int16_t trans_filter = 0;                  // CSoptDisplayTrans, 0 "All" to 6 "Adjustment"

@@ -78,8 +78,8 @@ void OfferRebookLaterSales(Application& app, int64_t sec_id, Date date, int16_t 
     // fixes it: there is no rule to hold the later sales to. A sale chosen
     // by hand takes only shares no later sale took, so the later sales need
     // no review on its account.
-    const int16_t method = SellMethodOfSecurity(*app.client, sec_id);
-    if (method == kSellNotSelected) return;
+    const SellMethod method = SellMethodOfSecurity(*app.client, sec_id);
+    if (method == SellMethod::kNotSelected) return;
     if (UserSelectsShares(method) && prec == kPrecSell) return;
     // The replay starts with the day's first sale: one the entry does not
     // reach comes out as it was and is left alone.

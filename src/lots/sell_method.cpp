@@ -13,19 +13,19 @@ void Method_KeyPress(MethodForm& form, char key) {
   switch (key) {
     case 'P':
     case 'p':
-      form.method = kSellSpecificId;
+      form.method = SellMethod::kSpecificId;
       break;
     case 'F':
     case 'f':
-      form.method = kSellFifo;
+      form.method = SellMethod::kFifo;
       break;
     case 'S':
     case 's':
-      form.method = kSellAvgSingle;
+      form.method = SellMethod::kAvgSingle;
       break;
     case 'D':
     case 'd':
-      form.method = kSellAvgDouble;
+      form.method = SellMethod::kAvgDouble;
       break;
     default:
       break;
@@ -38,16 +38,19 @@ void Method_OK(Application&, MethodForm& form) {
 }
 
 void Method_Cancel(Application&, MethodForm& form) {
-  form.result = kSellNotSelected;
+  form.result = SellMethod::kNotSelected;
   form.closed = true;
 }
 
-int16_t RetrieveSellMethod(Application& app, int16_t code, const std::string& line1,
-                           const std::string& line2, int16_t& option) {
-  return Trap(app, "RetrieveSellMethod", kSellNotSelected, [&]() -> int16_t {
+SellMethod RetrieveSellMethod(Application& app, SellMethod code, const std::string& line1,
+                              const std::string& line2, int16_t& option) {
+  return Trap(app, "RetrieveSellMethod", SellMethod::kNotSelected, [&]() -> SellMethod {
     option = 0;
     MethodForm form;
-    form.method = code >= kSellSpecificId && code <= kSellAvgDouble ? code : kSellNotSelected;
+    form.method = code == SellMethod::kSpecificId || code == SellMethod::kFifo ||
+                          code == SellMethod::kAvgSingle || code == SellMethod::kAvgDouble
+                      ? code
+                      : SellMethod::kNotSelected;
     form.message_line = line1;
     form.message_visible = !line1.empty();
     form.option_caption = line2;
@@ -55,7 +58,7 @@ int16_t RetrieveSellMethod(Application& app, int16_t code, const std::string& li
     app.ui().RunModal(form);
     if (form.option_visible && form.option1) option = 1;
     // A dialog closed without its buttons chose nothing.
-    return form.closed ? form.result : kSellNotSelected;
+    return form.closed ? form.result : SellMethod::kNotSelected;
   });
 }
 
@@ -68,10 +71,10 @@ void SetNewSellMethod(Application& app) {
       return;
     }
     SecurityDisplay& display = app.window.display;
-    const int16_t old_code = display.sell_method;
+    const SellMethod old_code = display.sell_method;
     int16_t option = 0;
-    const int16_t code = RetrieveSellMethod(app, old_code, "", "", option);
-    if (code == kSellNotSelected) return;
+    const SellMethod code = RetrieveSellMethod(app, old_code, "", "", option);
+    if (code == SellMethod::kNotSelected) return;
     display.sell_method = code;
     // The method is kept per symbol, not per portfolio security.
     if (AddSellMethod(app, app.current.sec_symbol, code, true) && code != old_code) {

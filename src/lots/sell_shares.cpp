@@ -25,26 +25,26 @@ namespace lotwise {
 namespace {
 
 struct MethodName {
-  int16_t code;
+  SellMethod code;
   const char* name;
 };
 
 constexpr std::array<MethodName, 5> kMethodNames = {{
-    {kSellSpecificId, "Specific Identification"},
-    {kSellFifo, "FIFO"},
-    {kSellAvgSingle, "Average Cost - Single Cat."},
-    {kSellAvgDouble, "Average Cost - Double Cat."},
-    {kSellNotSelected, "NOT SELECTED"},
+    {SellMethod::kSpecificId, "Specific Identification"},
+    {SellMethod::kFifo, "FIFO"},
+    {SellMethod::kAvgSingle, "Average Cost - Single Cat."},
+    {SellMethod::kAvgDouble, "Average Cost - Double Cat."},
+    {SellMethod::kNotSelected, "NOT SELECTED"},
 }};
 
-std::optional<int16_t> MethodCode(std::string_view name) {
+std::optional<SellMethod> MethodCode(std::string_view name) {
   for (const MethodName& method : kMethodNames) {
     if (name == method.name) return method.code;
   }
   return std::nullopt;
 }
 
-const char* MethodText(int16_t code) {
+const char* MethodText(SellMethod code) {
   for (const MethodName& method : kMethodNames) {
     if (code == method.code) return method.name;
   }
@@ -59,9 +59,9 @@ bool AskYesNo(Application& app, const std::string& text, const char* title) {
   return app.ui().MessageBox(text, title, Icon::kQuestion, Buttons::kYesNo) == Answer::kYes;
 }
 
-// Under methods 0 and 3 the shares come only from the selection, so the
-// field shows the selection's total; the others have the shares typed.
-void ApplyMethodMode(Application& app, SellSharesForm& form, int16_t code) {
+// Where the user picks the blocks the shares come only from the selection,
+// so the field shows the selection's total; the others have the shares typed.
+void ApplyMethodMode(Application& app, SellSharesForm& form, SellMethod code) {
   if (UserSelectsShares(code)) {
     form.select_enabled = true;
     form.num_shares_locked = true;
@@ -79,7 +79,8 @@ void PrepareSaleForm(Application& app, SellSharesForm& form) {
   const SecurityDisplay& display = app.window.display;
   form.security = FixAmpersand(display.sec_name);
   form.sell_methods.clear();
-  for (int16_t code : {kSellSpecificId, kSellFifo, kSellAvgSingle, kSellAvgDouble}) {
+  for (SellMethod code : {SellMethod::kSpecificId, SellMethod::kFifo, SellMethod::kAvgSingle,
+                          SellMethod::kAvgDouble}) {
     form.sell_methods.emplace_back(MethodText(code));
   }
   form.sell_method = GetSellName(app, display.sell_method);
@@ -115,15 +116,15 @@ bool ResetNegativeFee(Application& app, SellSharesForm& form) {
 
 }  // namespace
 
-int16_t GetSellMethod(Application& app, std::string_view name) {
-  return Trap(app, "GetSellMethod", kSellNotSelected, [&]() -> int16_t {
+SellMethod GetSellMethod(Application& app, std::string_view name) {
+  return Trap(app, "GetSellMethod", SellMethod::kNotSelected, [&]() -> SellMethod {
     if (auto code = MethodCode(name)) return *code;
     Tell(app, "Incorrect parameter passed to GetSellMethod", "Error!", Icon::kCritical);
-    return kSellNotSelected;
+    return SellMethod::kNotSelected;
   });
 }
 
-std::string GetSellName(Application& app, int16_t code) {
+std::string GetSellName(Application& app, SellMethod code) {
   return Trap(app, "GetSellName", std::string(), [&]() -> std::string {
     if (const char* name = MethodText(code)) return name;
     Tell(app, "Incorrect parameter passed to GetSellName", "Error!", Icon::kCritical);
@@ -229,8 +230,8 @@ void CheckDateSS(Application& app, SellSharesForm& form) {
 void CheckNumSharesSS(Application& app, SellSharesForm& form) {
   TrapVoid(app, "CheckNumSharesSS", [&] {
     if (form.num_shares == 0) {
-      const int16_t code = GetSellMethod(app, form.sell_method);
-      if (code == kSellFifo || code == kSellAvgSingle) {
+      const SellMethod code = GetSellMethod(app, form.sell_method);
+      if (code == SellMethod::kFifo || code == SellMethod::kAvgSingle) {
         Tell(app, "The Number of Shares entered is zero. This is probably a mistake.", "Warning!",
              Icon::kExclamation);
       }
@@ -269,13 +270,13 @@ void NumSharesSS_Click(Application& app, SellSharesForm& form) {
 void SellMethodChange(Application& app, SellSharesForm& form) {
   TrapVoid(app, "SellMethodChange", [&] {
     SecurityDisplay& display = app.window.display;
-    const int16_t old_code = display.sell_method;
-    int16_t new_code = GetSellMethod(app, form.sell_method);
-    if (new_code == kSellNotSelected) {
+    const SellMethod old_code = display.sell_method;
+    SellMethod new_code = GetSellMethod(app, form.sell_method);
+    if (new_code == SellMethod::kNotSelected) {
       // Not a method the list offers: whatever was in force stays.
       new_code = old_code;
       form.sell_method = GetSellName(app, old_code);
-    } else if (old_code != kSellNotSelected && new_code != old_code) {
+    } else if (old_code != SellMethod::kNotSelected && new_code != old_code) {
       const std::string old_name = GetSellName(app, old_code);
       const std::string new_name = GetSellName(app, new_code);
       if (AskYesNo(app,
@@ -312,8 +313,8 @@ void SellShares_OK(Application& app, SellSharesForm& form, bool modify) {
     HourglassGuard hourglass(app.ui());
     Date date;
     if (!DateValid(app.ui(), form.date, "Date", date)) return;
-    const int16_t method = GetSellMethod(app, form.sell_method);
-    if (method == kSellNotSelected) {
+    const SellMethod method = GetSellMethod(app, form.sell_method);
+    if (method == SellMethod::kNotSelected) {
       Tell(app,
            "You must specify a Sell Method to use when selling shares from this security. Please "
            "select one.",
@@ -536,7 +537,8 @@ std::string HelpText(const SellSharesForm& form, std::string_view control) {
   if (control == "CurrFee") return "Enter any Fees that were charged to make the Sale";
   if (control == "CurrTotalSale") return "This is the total amount of the sale";
   if (control == "SScboSellMethod") {
-    if (code == kSellNotSelected) return "Click the button to the right to select the Sell Method";
+    if (code == SellMethod::kNotSelected)
+      return "Click the button to the right to select the Sell Method";
     return "This is the Sell Method for this security";
   }
   if (control == "btnSelect") return "Click here to select which shares to sell";

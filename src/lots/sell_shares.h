@@ -17,13 +17,13 @@ namespace lotwise {
 
 class Application;
 
-// Returns the code of the method named exactly `name` (the four names and
-// "NOT SELECTED"). Any other text is reported as an incorrect parameter and
-// gives 255, so that no sale can be made with it.
-int16_t GetSellMethod(Application& app, std::string_view name);
-// Returns the name of method `code`; an unknown code is reported as an
-// incorrect parameter and gives empty text.
-std::string GetSellName(Application& app, int16_t code);
+// Returns the method named exactly `name` (the four names and "NOT
+// SELECTED"). Any other text is reported as an incorrect parameter and gives
+// kNotSelected, so that no sale can be made with it.
+SellMethod GetSellMethod(Application& app, std::string_view name);
+// Returns the name of method `code`; a number outside the five (as read
+// from storage) is reported as an incorrect parameter and gives empty text.
+std::string GetSellName(Application& app, SellMethod code);
 
 // Opens the sale dialog for the current security, unless it has no block.
 void ShowSellShares(Application& app);
@@ -41,7 +41,8 @@ void CheckDateSS(Application& app, SellSharesForm& form);
 void CheckNumSharesSS(Application& app, SellSharesForm& form);
 void CheckSalePriceSS(Application& app, SellSharesForm& form);
 void CheckFeeSS(Application& app, SellSharesForm& form);
-// A click on the shares field: under methods 0 and 3 opens the selection.
+// A click on the shares field: where the user picks the blocks, opens the
+// selection.
 void NumSharesSS_Click(Application& app, SellSharesForm& form);
 // The method drop-down changed: a change away from a method already in
 // force is asked, announced, stored and logged; declining puts the old

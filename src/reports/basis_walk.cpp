@@ -67,9 +67,10 @@ std::optional<Date> PoolDate(std::string_view pool_id) {
   return std::nullopt;
 }
 
-bool PoolOfMethod(int16_t method, std::string_view pool_id) {
-  if (method == kSellAvgSingle) return pool_id == kPoolAverage;
-  if (method == kSellAvgDouble) return pool_id == kPoolShortTerm || pool_id == kPoolLongTerm;
+bool PoolOfMethod(SellMethod method, std::string_view pool_id) {
+  if (method == SellMethod::kAvgSingle) return pool_id == kPoolAverage;
+  if (method == SellMethod::kAvgDouble)
+    return pool_id == kPoolShortTerm || pool_id == kPoolLongTerm;
   return false;
 }
 
@@ -176,11 +177,11 @@ bool MoveToLongTerm(BasisRun& run, const SecurityWalk& sec, BlockWalk& block) {
 }
 
 bool CreatePools(BasisRun& run, SecurityWalk& sec) {
-  if (sec.method == kSellAvgSingle) {
+  if (sec.method == SellMethod::kAvgSingle) {
     return GetCreateBlockNum(run, sec.symbol, kPoolPortName, kPoolAverage, Date::Min(),
                              sec.pool_average);
   }
-  if (sec.method == kSellAvgDouble) {
+  if (sec.method == SellMethod::kAvgDouble) {
     return GetCreateBlockNum(run, sec.symbol, kPoolPortName, kPoolShortTerm, Date::Min(),
                              sec.pool_short) &&
            GetCreateBlockNum(run, sec.symbol, kPoolPortName, kPoolLongTerm, Date::Max(),
@@ -230,9 +231,9 @@ void ReadBlockRows(BasisRun& run, int64_t sec_id) {
 // lot's.
 bool SecurityTotals(BasisRun& run, SecurityWalk& sec, BlockTotals& totals) {
   totals = sec.totals;
-  if (sec.method == kSellAvgSingle) {
+  if (sec.method == SellMethod::kAvgSingle) {
     if (!CalcAvgBlock(run, sec.method, sec.symbol, kPoolAverage, totals)) return false;
-  } else if (sec.method == kSellAvgDouble) {
+  } else if (sec.method == SellMethod::kAvgDouble) {
     BlockTotals short_term;
     BlockTotals long_term;
     if (!CalcAvgBlock(run, sec.method, sec.symbol, kPoolShortTerm, short_term)) return false;
@@ -290,11 +291,12 @@ bool CalcSecurities(BasisRun& run) {
   return Trap(app, "CalcSecurities", false, [&] {
     struct Candidate {
       std::string symbol;
-      int16_t method;
+      SellMethod method;
     };
     std::vector<Candidate> candidates;
     for (SecurityOnFile& sec : DistinctSecurities(run.client, run.sec_filter)) {
-      candidates.push_back({std::move(sec.symbol), sec.sell_method.value_or(kSellNotSelected)});
+      candidates.push_back(
+          {std::move(sec.symbol), sec.sell_method.value_or(SellMethod::kNotSelected)});
     }
     // Every security of the file is held somewhere; only a portfolio scope
     // leaves some out, and a portfolio holding none has none to report.
@@ -309,17 +311,18 @@ bool CalcSecurities(BasisRun& run) {
     }
     bool any = false;
     for (const Candidate& candidate : candidates) {
-      int16_t method = candidate.method;
-      if (method == kSellNotSelected) {
+      SellMethod method = candidate.method;
+      if (method == SellMethod::kNotSelected) {
         // A security never sold has nothing for a Schedule D.
         if (run.kind == BasisKind::kScheduleD && !SoldInScope(run, candidate.symbol)) continue;
-        if (run.method_for_all != kSellNotSelected) {
+        if (run.method_for_all != SellMethod::kNotSelected) {
           method = run.method_for_all;
         } else {
           int16_t option = 0;
-          method = RetrieveSellMethod(app, kSellNotSelected, "Security: " + candidate.symbol,
-                                      "Use for all Securities without Sells", option);
-          if (method == kSellNotSelected) continue;
+          method =
+              RetrieveSellMethod(app, SellMethod::kNotSelected, "Security: " + candidate.symbol,
+                                 "Use for all Securities without Sells", option);
+          if (method == SellMethod::kNotSelected) continue;
           if (option == 1) run.method_for_all = method;
         }
       }
@@ -390,19 +393,19 @@ bool CalcTransactions(BasisRun& run, SecurityWalk& sec, BlockWalk& block) {
       if (trans.date > run.year_end) continue;
       bool applied = false;
       switch (sec.method) {
-        case kSellSpecificId:
-        case kSellFifo:
+        case SellMethod::kSpecificId:
+        case SellMethod::kFifo:
           applied = ComputeTrans_FIFO_SpecID(run, sec, block, trans);
           break;
-        case kSellAvgSingle:
+        case SellMethod::kAvgSingle:
           applied = ComputeTrans_Avg_Sng(run, sec, block, trans);
           break;
-        case kSellAvgDouble:
+        case SellMethod::kAvgDouble:
           applied = ComputeTrans_Avg_Dbl(run, sec, block, trans);
           break;
         default:
           run.app.ui().MessageBox(
-              "Invalid Sell Method(" + std::to_string(sec.method) + ") in CalcTransactions",
+              "Invalid Sell Method(" + std::to_string(CodeOf(sec.method)) + ") in CalcTransactions",
               "Error!", Icon::kCritical, Buttons::kOk);
           return false;
       }
@@ -411,7 +414,7 @@ bool CalcTransactions(BasisRun& run, SecurityWalk& sec, BlockWalk& block) {
     }
     // A lot that turned long term by the year end moves even when nothing
     // happened to it afterwards.
-    if (sec.method == kSellAvgDouble && !block.moved && block.applied > 0 &&
+    if (sec.method == SellMethod::kAvgDouble && !block.moved && block.applied > 0 &&
         block.long_term_date <= run.year_end) {
       return MoveToLongTerm(run, sec, block);
     }
@@ -451,7 +454,7 @@ bool ComputeTrans_Avg_Dbl(BasisRun& run, SecurityWalk& sec, BlockWalk& block,
   });
 }
 
-bool CalcAvgBlock(BasisRun& run, int16_t method, const std::string& symbol,
+bool CalcAvgBlock(BasisRun& run, SellMethod method, const std::string& symbol,
                   const std::string& pool_id, BlockTotals& totals) {
   Application& app = run.app;
   return Trap(app, "CalcAvgBlock", false, [&] {

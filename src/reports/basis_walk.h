@@ -9,6 +9,7 @@
 #include "data/database.h"
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/sell_method_codes.h"
 #include "reports/basis_request.h"
 #include "reports/report_db.h"
 
@@ -78,8 +79,8 @@ struct BasisRun {
   Date year_start{};
   std::string port_filter = "*";  // "*": every portfolio
   std::string sec_filter = "*";   // "*": every security
-  // The method chosen "for all" securities without one; 255 until then.
-  int16_t method_for_all = 255;
+  // The method chosen "for all" securities without one.
+  SellMethod method_for_all = SellMethod::kNotSelected;
   // Blocks in the scope and walked so far, for the gauge.
   int64_t blocks_total = 0;
   int64_t blocks_done = 0;
@@ -102,7 +103,7 @@ struct BasisRun {
 // One security being walked.
 struct SecurityWalk {
   std::string symbol;
-  int16_t method = 255;
+  SellMethod method = SellMethod::kNotSelected;
   // Report block numbers of its pools (0 when the method has none).
   int64_t pool_average = 0;
   int64_t pool_short = 0;
@@ -170,7 +171,7 @@ bool ComputeTrans_Avg_Dbl(BasisRun& run, SecurityWalk& sec, BlockWalk& block,
 // D row per sale from the year start on and, for each move out of "Short
 // Term Cost", the matching move into "Long Term Cost". Sets `totals` to the
 // pool's final totals. Any other pool ID is refused as "Error in BlockID".
-bool CalcAvgBlock(BasisRun& run, int16_t method, const std::string& symbol,
+bool CalcAvgBlock(BasisRun& run, SellMethod method, const std::string& symbol,
                   const std::string& pool_id, BlockTotals& totals);
 // Sets `block_no` to the report block of (security, portfolio, block ID),
 // adding its "BA Blocks" row dated `date_acqrd` when there is none yet.

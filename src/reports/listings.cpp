@@ -140,14 +140,14 @@ bool CreateSecReportTables(Application& app, int list_from) {
       std::string port_name;
       std::string symbol;
       std::string second_line;
-      int16_t method = kSellNotSelected;
+      SellMethod method = SellMethod::kNotSelected;
     };
     std::vector<SecRow> rows;
     for (SecurityOnFile& sec : list_from == static_cast<int>(SecListFrom::kTaxpayer)
                                    ? AllSecurities(*app.client)
                                    : SecuritiesInPort(*app.client, app.current.port_name)) {
       rows.push_back({std::move(sec.port_name), std::move(sec.symbol), sec.second_line.value_or(""),
-                      sec.sell_method.value_or(kSellNotSelected)});
+                      sec.sell_method.value_or(SellMethod::kNotSelected)});
     }
     for (const SecRow& row : rows) {
       const std::string name = GetSecInfoFromCDB(app, row.symbol, "[Sec Name]");

@@ -54,7 +54,7 @@ class SellSharesWindow : public FormWindow {
     auto* methods = new QComboBox(method_row);
     methods->setObjectName("SScboSellMethod");
     for (const std::string& name : form.sell_methods) methods->addItem(ToQ(name));
-    methods->setPlaceholderText(ToQ(GetSellName(app, kSellNotSelected)));
+    methods->setPlaceholderText(ToQ(GetSellName(app, SellMethod::kNotSelected)));
     auto* select = new QPushButton("&Select", method_row);
     select->setObjectName("btnSelect");
     select->setAutoDefault(false);
@@ -92,20 +92,23 @@ class MethodWindow : public FormWindow {
     message->setFrameStyle(QFrame::NoFrame);
     message->setWordWrap(true);
     message->setVisible(form.message_visible);
-    // The option group works on an int, the form on a 16-bit code: the
-    // copy is taken before the group shows it and written back after the
-    // group has been read.
-    Bind([] {}, [this, &form] { method_ = form.method; });
+    // The option group works on an int, the form on a method: the copy is
+    // taken before the group shows it and written back after the group has
+    // been read.
+    Bind([] {}, [this, &form] { method_ = CodeOf(form.method); });
     // The group's value is the method's code; each name carries the
     // method's access key.
-    QButtonGroup* group = AddOptions("CSoptMethod", "Sell Method",
-                                     {{kSellSpecificId, "S&pecific Identification"},
-                                      {kSellFifo, "&FIFO"},
-                                      {kSellAvgSingle, "Average Cost - &Single Cat."},
-                                      {kSellAvgDouble, "Average Cost - &Double Cat."}},
-                                     method_);
+    QButtonGroup* group =
+        AddOptions("CSoptMethod", "Sell Method",
+                   {{CodeOf(SellMethod::kSpecificId), "S&pecific Identification"},
+                    {CodeOf(SellMethod::kFifo), "&FIFO"},
+                    {CodeOf(SellMethod::kAvgSingle), "Average Cost - &Single Cat."},
+                    {CodeOf(SellMethod::kAvgDouble), "Average Cost - &Double Cat."}},
+                   method_);
     static_cast<QWidget*>(group->parent())->setObjectName("fraMethod");
-    Bind([this, &form] { form.method = static_cast<int16_t>(method_); }, [] {});
+    Bind([this,
+          &form] { form.method = SellMethodFromCode(method_).value_or(SellMethod::kNotSelected); },
+         [] {});
     QCheckBox* option = AddCheck("chkOption1", form.option_caption.c_str(), form.option1);
     option->setVisible(form.option_visible);
     AddButton("btnOK", "OK", [&] { Method_OK(app_, form); });
@@ -128,8 +131,8 @@ class MethodWindow : public FormWindow {
 
  private:
   MethodForm& form_;
-  // The option group works on an int; the form keeps a 16-bit code.
-  int method_ = kSellNotSelected;
+  // The option group works on an int; the form keeps a method.
+  int method_ = CodeOf(SellMethod::kNotSelected);
 };
 
 // A list of the selection dialog: rows "block id", Tab, shares, Tab, block

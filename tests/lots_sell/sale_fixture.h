@@ -43,7 +43,7 @@ class SaleTest : public AppTest {
     return block_no;
   }
 
-  void OpenSecurity(int method) {
+  void OpenSecurity(lotwise::SellMethod method) {
     SellMethod("IBM", method);
     ShowSecDisplay(*app_, "IBM");
     ASSERT_EQ(app_->window.display.sell_method, method);
@@ -78,9 +78,10 @@ class SaleTest : public AppTest {
     return rows;
   }
 
-  int StoredMethod() {
+  std::optional<lotwise::SellMethod> StoredMethod() {
     Query q = app_->client->Select(R"(SELECT "Sell Method" FROM "Sell Method")");
-    return q.Next() ? static_cast<int>(q.Int("Sell Method")) : -1;
+    if (!q.Next()) return std::nullopt;
+    return SellMethodFromCode(q.Int("Sell Method"));
   }
 
   // The change log, a line each.

@@ -14,7 +14,7 @@ namespace {
 // without a log line.
 TEST_F(SaleTest, SellShares_FirstSale_FixesMethod) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellNotSelected);
+  OpenSecurity(SellMethod::kNotSelected);
   OnSale([&](SellSharesForm& form) {
     EXPECT_EQ(form.sell_method, "NOT SELECTED");
     EXPECT_EQ(HelpText(form, "SScboSellMethod"),
@@ -27,8 +27,8 @@ TEST_F(SaleTest, SellShares_FirstSale_FixesMethod) {
     EXPECT_TRUE(form.closed);
   });
   ShowSellShares(*app_);
-  EXPECT_EQ(StoredMethod(), kSellAvgSingle);
-  EXPECT_EQ(app_->window.display.sell_method, kSellAvgSingle);
+  EXPECT_EQ(StoredMethod(), SellMethod::kAvgSingle);
+  EXPECT_EQ(app_->window.display.sell_method, SellMethod::kAvgSingle);
   EXPECT_EQ(Changes(), "");
 }
 
@@ -37,7 +37,7 @@ TEST_F(SaleTest, SellShares_FirstSale_FixesMethod) {
 // portfolio and security) and switches the dialog to the user's selection.
 TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     for (const char* after : {"FIFO", "Specific Identification"}) {
       form.sell_method = "Specific Identification";
@@ -57,7 +57,7 @@ TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
   ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
              "Sell Method Changed", Icon::kInformation, Buttons::kOk);
   ShowSellShares(*app_);
-  EXPECT_EQ(StoredMethod(), kSellSpecificId);
+  EXPECT_EQ(StoredMethod(), SellMethod::kSpecificId);
   Query logged = app_->client->Select(R"(SELECT * FROM "Change")");
   ASSERT_TRUE(logged.Next());
   EXPECT_EQ(logged.DateValue("Date").ToString() + "|" + logged.Text("Port Name") + "|" +
@@ -74,23 +74,27 @@ TEST_F(SaleTest, GetSellMethod_GetSellName_BadValue) {
   ui_.Expect("Incorrect parameter passed to GetSellMethod", "Error!", Icon::kCritical,
              Buttons::kOk);
   ui_.Expect("Incorrect parameter passed to GetSellName", "Error!", Icon::kCritical, Buttons::kOk);
-  EXPECT_EQ(GetSellMethod(*app_, "fifo"), kSellNotSelected);
-  EXPECT_EQ(GetSellName(*app_, 4), "");
+  EXPECT_EQ(GetSellMethod(*app_, "fifo"), SellMethod::kNotSelected);
+  EXPECT_EQ(GetSellName(*app_, SellMethodAsStored(4)), "");
 }
 
 // The main window's change asks first and offers dlgMethod with the method
 // in force, where P, F, S and D (either case) choose; OK stores and logs the
 // choice, Cancel changes nothing.
 TEST_F(SaleTest, SetNewSellMethod_ChosenByLetter) {
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   const char* question =
       "Once a sell method has been used for selling shares, it must be used for all additional "
       "sales of the stock.  Are you sure you want to change the method?";
   ui_.Expect(question, "Change Method?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
   OnDialog<MethodForm>("dlgMethod", [&](MethodForm& form) {
-    EXPECT_EQ(form.method, kSellFifo);
+    EXPECT_EQ(form.method, SellMethod::kFifo);
     EXPECT_FALSE(form.message_visible);
-    const std::pair<char, int16_t> keys[] = {{'P', 0}, {'f', 1}, {'s', 2}, {'X', 2}, {'D', 3}};
+    const std::pair<char, lotwise::SellMethod> keys[] = {{'P', SellMethod::kSpecificId},
+                                                         {'f', SellMethod::kFifo},
+                                                         {'s', SellMethod::kAvgSingle},
+                                                         {'X', SellMethod::kAvgSingle},
+                                                         {'D', SellMethod::kAvgDouble}};
     for (auto [key, method] : keys) {
       Method_KeyPress(form, key);
       EXPECT_EQ(form.method, method) << key;
@@ -104,8 +108,8 @@ TEST_F(SaleTest, SetNewSellMethod_ChosenByLetter) {
   });
   SetNewSellMethod(*app_);
   SetNewSellMethod(*app_);
-  EXPECT_EQ(StoredMethod(), kSellAvgDouble);
-  EXPECT_EQ(app_->window.display.sell_method, kSellAvgDouble);
+  EXPECT_EQ(StoredMethod(), SellMethod::kAvgDouble);
+  EXPECT_EQ(app_->window.display.sell_method, SellMethod::kAvgDouble);
   EXPECT_EQ(Changes(), "Changed Sell Method from FIFO to Average Cost - Double Cat.\n");
 }
 

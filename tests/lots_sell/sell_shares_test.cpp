@@ -46,7 +46,7 @@ TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
     in >> date >> shares >> adjusted >> seq;
     Block(date.c_str(), shares, adjusted, seq.c_str());
   }
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, c.shares, c.price, c.fee);
     SellShares_OK(*app_, form, false);
@@ -116,7 +116,7 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
   ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
   ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   ui_.Expect(
       "This entry is dated before sales already entered for this security. Taking their shares "
       "first in, first out as the blocks now stand changes:\nthe sale of 120 shares on "
@@ -174,7 +174,7 @@ INSTANTIATE_TEST_SUITE_P(
 // the user does not confirm; nothing is written, the method stays as it was
 // and the dialog stays open.
 struct RefusalCase {
-  int method;
+  SellMethod method;
   double shares;
   const char* title;
   std::string text;
@@ -204,19 +204,19 @@ const std::string kSelect = "To select shares click on the 'Select' button.";
 
 INSTANTIATE_TEST_SUITE_P(
     Entries, RefusalTest,
-    ::testing::Values(RefusalCase{kSellNotSelected, 10, "No Sell Method",
+    ::testing::Values(RefusalCase{SellMethod::kNotSelected, 10, "No Sell Method",
                                   "You must specify a Sell Method to use when selling shares "
                                   "from this security. Please select one."},
-                      RefusalCase{kSellFifo, 0, "No Shares", kZero},
-                      RefusalCase{kSellSpecificId, 0, "No Shares", kZero + kSelect},
-                      RefusalCase{kSellFifo, 1, "Sale Price is zero",
+                      RefusalCase{SellMethod::kFifo, 0, "No Shares", kZero},
+                      RefusalCase{SellMethod::kSpecificId, 0, "No Shares", kZero + kSelect},
+                      RefusalCase{SellMethod::kFifo, 1, "Sale Price is zero",
                                   "The Sale Price is equal to zero, this is probably a mistake. "
                                   "\nDo still want to enter this sale?"}));
 
 // A confirmed zero price stores the rows with price 0.
 TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, 10, "0", "1");
     SellShares_OK(*app_, form, false);
@@ -233,7 +233,7 @@ TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
 // cannot be written, none remains.
 TEST_F(SaleTest, AddAllSales_SecondWriteFails_NoRowRemains) {
   for (const char* date : {"01/01/2024", "02/01/2024", "03/01/2024"}) Block(date, 10);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   UseStorageFaults();
   faults_.FailWriteNumber(2);
   OnSale([&](SellSharesForm& form) {
@@ -250,7 +250,7 @@ TEST_F(SaleTest, AddAllSales_SecondWriteFails_NoRowRemains) {
 // completed!", and the same OK succeeds once it is free.
 TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
   Block("01/01/2024", 100);
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   auto lock = LockFileElsewhere();
   OnSale([&](SellSharesForm& form) {
     Fill(form, 40, "400");
@@ -297,7 +297,7 @@ class ModEntireSellTest : public SaleTest {
 };
 
 TEST_F(ModEntireSellTest, ShowModEntireSell_Fifo_ReplacesTheDay) {
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     EXPECT_EQ(form.caption + "|" + form.date + "|" + form.notes, "Modify Entire Sell|06/03/2024|A");
     EXPECT_EQ(form.num_shares, 150);
@@ -328,7 +328,7 @@ class ModEntireSellKeptTest : public ModEntireSellTest,
 TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
   const KeptCase& c = GetParam();
   const std::string before = SellRows();
-  OpenSecurity(kSellFifo);
+  OpenSecurity(SellMethod::kFifo);
   auto lock = c.busy ? LockFileElsewhere() : nullptr;
   OnSale([&](SellSharesForm& form) {
     form.num_shares = c.shares;
@@ -364,7 +364,7 @@ INSTANTIATE_TEST_SUITE_P(Sales, ModEntireSellKeptTest,
                                            KeptCase{150, "06/03/2024", true}));
 
 TEST_F(ModEntireSellTest, ShowModEntireSell_Specific_StartsFromOldChoice) {
-  OpenSecurity(kSellSpecificId);
+  OpenSecurity(SellMethod::kSpecificId);
   const std::string jan = "01/01/2024-1\t", mar = "03/01/2024-1\t";
   const std::string jan_no = "\t" + std::to_string(jan_), mar_no = "\t" + std::to_string(mar_);
   OnSale([&](SellSharesForm& form) {

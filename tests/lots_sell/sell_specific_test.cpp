@@ -22,7 +22,7 @@ class SellSpecificTest : public SaleTest {
     SaleTest::SetUp();
     jan_ = Block("01/01/2024", 100);
     mar_ = Block("03/01/2024", 60.5);
-    OpenSecurity(kSellSpecificId);
+    OpenSecurity(SellMethod::kSpecificId);
   }
 
   // Expects the number prompt with `note` and answers `shares` (OK or Cancel).
@@ -198,7 +198,7 @@ TEST_F(SellSpecificTest, SellSpecific_CancelThenOkEmpty) {
 
 TEST_F(SaleTest, ShowSellSpecific_NoShares_NoDialog) {
   Block("01/01/2024", 10, -10);
-  OpenSecurity(kSellAvgDouble);
+  OpenSecurity(SellMethod::kAvgDouble);
   OnSale([&](SellSharesForm& form) { NumSharesSS_Click(*app_, form); });
   ui_.Expect(
       "There are no shares in this security to sell. You may want to verify your transactions "

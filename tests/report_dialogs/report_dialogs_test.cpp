@@ -34,8 +34,9 @@ class ReportDialogsTest : public BasisTest {
  protected:
   void SetUp() override {
     BasisTest::SetUp();
-    Sell(Buy(AddSecurity("IBM", kSellFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
-    Sell(Buy(AddSecurity("MSFT", kSellFifo), "02/05/2024", 5, "50"), "03/03/2025", 5, "80");
+    Sell(Buy(AddSecurity("IBM", SellMethod::kFifo), "01/05/2024", 10, "100"), "06/03/2025", 4,
+         "60");
+    Sell(Buy(AddSecurity("MSFT", SellMethod::kFifo), "02/05/2024", 5, "50"), "03/03/2025", 5, "80");
   }
 
   // Shows the dialog through `show`, lets `user` fill it in and press a

@@ -43,6 +43,10 @@ class BasisTest : public AppTest {
     SecurityName(symbol, symbol + " Corp");
     return sec_id;
   }
+  int64_t AddSecurity(const std::string& symbol, lotwise::SellMethod method,
+                      const std::string& port = "Growth") {
+    return AddSecurity(symbol, int{CodeOf(method)}, port);
+  }
 
   bool Run(BasisKind kind = BasisKind::kBoth, const char* year_end = "12/31/2025",
            ReportScope scope = ReportScope::kTaxpayer) {

@@ -17,7 +17,7 @@ namespace {
 TEST_F(BasisTest, CalcBasisSchedDRpt_TwoRuns_OneHeading) {
   app_->current.client_2nd_line = "Trust ";
   app_->current.sec_symbol = "IBM";
-  Sell(Buy(AddSecurity("IBM", kSellFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
+  Sell(Buy(AddSecurity("IBM", SellMethod::kFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
   ASSERT_TRUE(Run());
   ASSERT_TRUE(Run(BasisKind::kBoth, "12/31/2025", ReportScope::kSecurity));
   EXPECT_EQ(CountReportRows("Usage"), 1);
@@ -33,7 +33,7 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_TwoRuns_OneHeading) {
 // file is kept to look into it.
 struct FaultCase {
   const char* name;
-  int method;
+  SellMethod method;
   int failing_write;  // 8 writes clear and head the tables before the walk
   const char* location;
 };
@@ -64,11 +64,11 @@ TEST_P(BasisFaultTest, CalcBasisSchedDRpt_WriteFails_WalkRolledBack) {
 
 INSTANTIATE_TEST_SUITE_P(
     Writes, BasisFaultTest,
-    ::testing::Values(FaultCase{"FirstBlock", kSellFifo, 9, "AddBABlock"},
-                      FaultCase{"ScheduleDRow", kSellFifo, 12, "AddSchedD"},
-                      FaultCase{"SecurityRow", kSellFifo, 13, "CalcSecurities"},
+    ::testing::Values(FaultCase{"FirstBlock", SellMethod::kFifo, 9, "AddBABlock"},
+                      FaultCase{"ScheduleDRow", SellMethod::kFifo, 12, "AddSchedD"},
+                      FaultCase{"SecurityRow", SellMethod::kFifo, 13, "CalcSecurities"},
                       // pool, block, buy + copy, sale + copy, then the pool's rows
-                      FaultCase{"PoolRewrite", kSellAvgSingle, 15, "UpdateAvgBlockRpt"}),
+                      FaultCase{"PoolRewrite", SellMethod::kAvgSingle, 15, "UpdateAvgBlockRpt"}),
     [](const auto& info) { return info.param.name; });
 
 // The whole report: refusals before anything is computed.
@@ -121,7 +121,7 @@ TEST_F(BasisTest, RunBasisSchedDReport_NothingComputed_CantCreateReport) {
 // question), the Basis Analysis last, each announced on the help bar. A
 // report whose definition is missing is reported and the run goes on.
 TEST_F(BasisTest, RunBasisSchedDReport_Both_ReportsInOrder) {
-  Sell(Buy(AddSecurity("IBM", kSellFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
+  Sell(Buy(AddSecurity("IBM", SellMethod::kFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
   BasisReportRequest request;
   request.kind = BasisKind::kBoth;
   request.year_end = "12/31/2025";

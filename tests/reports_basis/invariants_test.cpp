@@ -16,7 +16,7 @@ namespace {
 
 struct InvariantCase {
   uint32_t seed;
-  int16_t method;
+  SellMethod method;
 };
 
 class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterface<InvariantCase> {
@@ -34,7 +34,7 @@ class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterfac
   // 2023 to late 2025: buys and reinvestments, sales taken oldest lot
   // first, 2-for-1 and 3-for-2 splits of every lot, cost adjustments.
   // Shares are kept to five decimals, as the entry dialogs keep them.
-  void BuildLedger(uint32_t seed, int16_t method) {
+  void BuildLedger(uint32_t seed, lotwise::SellMethod method) {
     Database::Transaction unit(*app_->client);
     std::mt19937 rng(seed);
     std::vector<int64_t> secs;
@@ -142,11 +142,11 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   while (out.Next()) {
     const bool pool = out.Text("Port Name") == kPoolPortName;
     const auto held_and_sold = out.Int("Held") + static_cast<int64_t>(out.Double("Sold"));
-    if (pool == (c.method != kSellFifo)) {
+    if (pool == (c.method != SellMethod::kFifo)) {
       total_held_and_sold += held_and_sold;
       total_held += out.Int("Held");
     }
-    if (c.method == kSellFifo) {
+    if (c.method == SellMethod::kFifo) {
       EXPECT_EQ(held_and_sold, cost_in[out.Text("Block ID")]) << out.Text("Block ID");
     }
   }
@@ -162,15 +162,17 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   EXPECT_EQ(secs.Int("cost"), total_held);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Ledgers, BasisInvariantTest,
-    ::testing::Values(InvariantCase{11, kSellFifo}, InvariantCase{23, kSellFifo},
-                      InvariantCase{37, kSellFifo}, InvariantCase{11, kSellAvgSingle},
-                      InvariantCase{23, kSellAvgDouble}, InvariantCase{37, kSellAvgDouble}),
-    [](const auto& info) {
-      return "Seed" + std::to_string(info.param.seed) + "Method" +
-             std::to_string(info.param.method);
-    });
+INSTANTIATE_TEST_SUITE_P(Ledgers, BasisInvariantTest,
+                         ::testing::Values(InvariantCase{11, SellMethod::kFifo},
+                                           InvariantCase{23, SellMethod::kFifo},
+                                           InvariantCase{37, SellMethod::kFifo},
+                                           InvariantCase{11, SellMethod::kAvgSingle},
+                                           InvariantCase{23, SellMethod::kAvgDouble},
+                                           InvariantCase{37, SellMethod::kAvgDouble}),
+                         [](const auto& info) {
+                           return "Seed" + std::to_string(info.param.seed) + "Method" +
+                                  std::to_string(CodeOf(info.param.method));
+                         });
 
 }  // namespace
 }  // namespace lotwise::testing

@@ -21,9 +21,9 @@ void AnswerMethod(ScriptedUi& ui, Application& app, std::string symbol, int16_t 
     auto& form = static_cast<MethodForm&>(f);
     EXPECT_EQ(form.message_line, "Security: " + symbol);
     EXPECT_EQ(form.option_caption, "Use for all Securities without Sells");
-    form.method = method;
+    form.method = SellMethodAsStored(method);
     form.option1 = for_all;
-    if (method == kSellNotSelected) {
+    if (form.method == SellMethod::kNotSelected) {
       Method_Cancel(app, form);
     } else {
       Method_OK(app, form);
@@ -107,9 +107,9 @@ INSTANTIATE_TEST_SUITE_P(Ledgers, LedgerTest,
 
 // A pool that does not belong to the method is an internal error.
 TEST_F(BasisTest, CalcAvgBlock_ForeignPool_ErrorInBlockId) {
-  for (const auto& [method, pool] : {std::pair{kSellAvgSingle, "Bogus"},
-                                     {kSellAvgSingle, "Long Term Cost"},
-                                     {kSellAvgDouble, "Average Cost"}}) {
+  for (const auto& [method, pool] : {std::pair{SellMethod::kAvgSingle, "Bogus"},
+                                     {SellMethod::kAvgSingle, "Long Term Cost"},
+                                     {SellMethod::kAvgDouble, "Average Cost"}}) {
     auto report = OpenReportDb(*app_);
     BasisRun run{.app = *app_, .client = *app_->client, .report = *report};
     BlockTotals totals;

@@ -94,7 +94,7 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_FillsPanel) {
             (Texts{"01/05/2024-1", "01/05/2024-10", "01/05/2024-2", "03/01/2024-2"}));
   EXPECT_EQ(DisplayedTransactions(), (Texts{"Buy"}));
   const std::string first = std::to_string(BlockNo("01/05/2024-1"));
-  EXPECT_EQ(std::to_string(d.sell_method) + "|" + std::to_string(d.selected_block) + "|" +
+  EXPECT_EQ(std::to_string(CodeOf(d.sell_method)) + "|" + std::to_string(d.selected_block) + "|" +
                 std::to_string(d.trans_filter) + "|" + d.trans_filter_caption + "|" +
                 d.transactions_caption + "|" + d.total_shares,
             "1|0|0|All|Transaction List for Block - " + first + "|40");
@@ -111,7 +111,7 @@ TEST_F(SecurityDisplayTest, ShowSecDisplay_MissingMethodAndLine) {
   AddSecurity("MSFT", "Microsoft", "NO CUSIP", nullptr);
   ShowSecDisplay(*app_, "MSFT");
   const SecurityDisplay& d = app_->window.display;
-  EXPECT_EQ(std::to_string(d.sell_method) + "|" + d.second_line, "255| ");
+  EXPECT_EQ(std::to_string(CodeOf(d.sell_method)) + "|" + d.second_line, "255| ");
   Query method = app_->client->Select(
       R"(SELECT "Sell Method" FROM "Sell Method" WHERE "Sec Symbol" = 'MSFT')");
   ASSERT_TRUE(method.Next());

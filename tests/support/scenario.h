@@ -8,6 +8,7 @@
 #include "data/transaction_store.h"
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/sell_method_codes.h"
 
 namespace lotwise::testing {
 
@@ -47,7 +48,11 @@ class Scenario {
   // The symbol's entry in the central Security Symbols File.
   void SecurityName(const std::string& symbol, const std::string& name,
                     const std::string& cusip = "NO CUSIP");
+  // The symbol's stored method; a number can also be one no method has.
   void SellMethod(const std::string& symbol, int method);
+  void SellMethod(const std::string& symbol, lotwise::SellMethod method) {
+    SellMethod(symbol, int{CodeOf(method)});
+  }
 
   // A new block of `sec_id` with its Buy (kTypeBuy) or Reinvestment
   // (kTypeReinvest) row; returns its number. An empty `block_id` becomes

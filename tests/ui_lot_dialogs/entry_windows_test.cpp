@@ -18,7 +18,7 @@ void ShowSplit(Application& app) { lotwise::ShowSplit(app, "Stock Split"); }
 void ShowDividend(Application& app) { lotwise::ShowSplit(app, "Stock Dividend"); }
 void ShowMethod(Application& app) {
   int16_t option = 0;
-  RetrieveSellMethod(app, kSellFifo, "", "", option);
+  RetrieveSellMethod(app, SellMethod::kFifo, "", "", option);
 }
 // The command as the Sell row of the transaction list (its second) is chosen.
 void ShowModifySell(Application& app) {
@@ -43,7 +43,7 @@ class EntryWindowTest : public LotWindowTest {
   void Arrange() {
     Buy("01/02/2024", 100, "1000");
     ASSERT_TRUE(AddSell(*app_, 1, D("03/01/2024"), Money("500"), Currency(), -40, ""));
-    Open(kSellFifo);
+    Open(SellMethod::kFifo);
   }
   // Shows the window through `show`, `drive` playing the user's part.
   void Show(void (*show)(Application&), const char* window, Drive drive) {
@@ -284,7 +284,7 @@ TEST_F(EntryWindowTest, ModifySplitAdjustOk_StoreRows) {
 TEST_F(EntryWindowTest, RollbackOk_ListsAndPrintsRemovedBlocks) {
   Buy("01/02/2024", 100, "1000");
   Buy("03/01/2024", 50, "600");
-  Open(kSellFifo);
+  Open(SellMethod::kFifo);
   Show(ShowRollBack, "dlgRollback", [&](QDialog& dialog) {
     TypeTab(dialog, "dtDate", "02012024");
     Click(dialog, "chkBuys");
@@ -325,7 +325,7 @@ TEST_F(EntryWindowTest, MethodKeys_ChooseMethod) {
     Click(dialog, "btnOK");
   });
   int16_t option = 0;
-  EXPECT_EQ(RetrieveSellMethod(*app_, kSellFifo, "", "", option), kSellAvgDouble);
+  EXPECT_EQ(RetrieveSellMethod(*app_, SellMethod::kFifo, "", "", option), SellMethod::kAvgDouble);
 }
 
 }  // namespace

@@ -49,7 +49,7 @@ class LotWindowTest : public AppTest {
 
   void Buy(Day date, double shares, Amount cost) { Scenario::Buy(sec_id_, date, shares, cost); }
   // Gives the security its sell method and opens it in the main window.
-  void Open(int method) {
+  void Open(lotwise::SellMethod method) {
     SellMethod("T", method);
     ShowSecDisplay(*app_, "T");
   }

@@ -13,7 +13,7 @@ namespace {
 // window under the sell method of each test.
 class SaleWindowTest : public LotWindowTest {
  protected:
-  void Arrange(int method) {
+  void Arrange(lotwise::SellMethod method) {
     Buy("01/02/2024", 100, "1000");
     Buy("03/01/2024", 100, "1200");
     Open(method);
@@ -37,7 +37,7 @@ class SaleWindowTest : public LotWindowTest {
 // A FIFO sale typed in the window is written as one Sell row per block,
 // oldest first, the price and fee apportioned to the cent.
 TEST_F(SaleWindowTest, FifoSaleOk_AddsSellRows) {
-  Arrange(kSellFifo);
+  Arrange(SellMethod::kFifo);
   OnWindow("dlgSellShares", [&](QDialog& dialog) {
     EXPECT_EQ(ui::FromQ(Get<QComboBox>(dialog, "SScboSellMethod")->currentText()), "FIFO");
     EXPECT_FALSE(Get<QPushButton>(dialog, "btnSelect")->isEnabled());
@@ -59,7 +59,7 @@ TEST_F(SaleWindowTest, FifoSaleOk_AddsSellRows) {
 // on to OK); the lists and totals follow, and OK puts the selected total
 // into the sale, which takes its shares from that block.
 TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
-  Arrange(kSellSpecificId);
+  Arrange(SellMethod::kSpecificId);
   OnWindow("dlgSellShares", [&](QDialog& dialog) {
     EXPECT_TRUE(Get<QPushButton>(dialog, "btnSelect")->isEnabled());
     EXPECT_TRUE(Get(dialog, "DblNumShares")->isReadOnly());
@@ -103,7 +103,7 @@ TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
 // the old method back; Yes announces and keeps the new one, and the window
 // switches between typed shares and the selection accordingly.
 TEST_F(SaleWindowTest, DropDownChange_AsksBeforeChanging) {
-  Arrange(kSellFifo);
+  Arrange(SellMethod::kFifo);
   for (const Answer answer : {Answer::kNo, Answer::kYes}) {
     const bool yes = answer == Answer::kYes;
     OnWindow("dlgSellShares", [&](QDialog& dialog) {
@@ -130,7 +130,7 @@ TEST_F(SaleWindowTest, DropDownChange_AsksBeforeChanging) {
       QTest::keyClick(&dialog, Qt::Key_Escape);
     });
     ShowSellShares(*app_);
-    EXPECT_EQ(app_->window.display.sell_method, yes ? kSellSpecificId : kSellFifo);
+    EXPECT_EQ(app_->window.display.sell_method, yes ? SellMethod::kSpecificId : SellMethod::kFifo);
   }
 }
 

@@ -76,8 +76,9 @@ class UiReportsTest : public BasisTest {
   void SetUp() override {
     StartQt();
     BasisTest::SetUp();
-    Sell(Buy(AddSecurity("IBM", kSellFifo), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
-    Sell(Buy(AddSecurity("MSFT", kSellFifo), "02/05/2024", 5, "50"), "03/03/2025", 5, "80");
+    Sell(Buy(AddSecurity("IBM", SellMethod::kFifo), "01/05/2024", 10, "100"), "06/03/2025", 4,
+         "60");
+    Sell(Buy(AddSecurity("MSFT", SellMethod::kFifo), "02/05/2024", 5, "50"), "03/03/2025", 5, "80");
     desk_ = std::make_unique<Application>(port_, *env_, program_folder_, "lotwise");
     for (auto member : {&Application::temp_folder, &Application::ssf_folder,
                         &Application::taxpayer_folder, &Application::report_db_path}) {
