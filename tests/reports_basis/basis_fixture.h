@@ -108,11 +108,15 @@ class BasisTest : public AppTest {
     q.Next();
     return q.Int("n");
   }
-  // The walk's tables hold nothing.
-  void ExpectNoWalkRows() {
+  // The walk's tables (of the report database at `path`, by default the
+  // run's) hold nothing.
+  void ExpectNoWalkRows(const std::string& path = "") {
+    auto db = Database::Open(path.empty() ? app_->report_db_path : path);
     for (const char* table : {"BA Trans", "BA Blocks", "Sched D", "BA Secs"}) {
-      EXPECT_EQ(CountReportRows(table), 0) << table;
+      Query q = db->Select("SELECT count(*) AS n FROM \"" + std::string(table) + "\"");
+      EXPECT_TRUE(q.Next() && q.Int("n") == 0) << table;
     }
+    EXPECT_EQ(db->IntegrityCheck(), "ok");
   }
 };
 

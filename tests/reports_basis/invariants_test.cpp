@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include "ground/value_helpers.h"
@@ -14,12 +15,7 @@
 namespace lotwise::testing {
 namespace {
 
-struct InvariantCase {
-  uint32_t seed;
-  int16_t method;
-};
-
-class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterface<InvariantCase> {
+class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
   struct Lot {
     int64_t block_no;
@@ -107,8 +103,12 @@ class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterfac
 // held plus the cost the sales took out, and under FIFO so for each lot;
 // the securities' totals are the shares of the ledger and the cost held.
 TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
-  const InvariantCase& c = GetParam();
-  BuildLedger(c.seed, c.method);
+  // "seed method"
+  std::istringstream words(GetParam().Lines("").at(0));
+  uint32_t seed = 0;
+  int16_t method = 0;
+  words >> seed >> method;
+  BuildLedger(seed, method);
   ASSERT_TRUE(Run(BasisKind::kBoth, "06/30/2025"));
   auto report = Report();
   EXPECT_EQ(report->IntegrityCheck(), "ok");
@@ -142,11 +142,11 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   while (out.Next()) {
     const bool pool = out.Text("Port Name") == kPoolPortName;
     const auto held_and_sold = out.Int("Held") + static_cast<int64_t>(out.Double("Sold"));
-    if (pool == (c.method != kSellFifo)) {
+    if (pool == (method != kSellFifo)) {
       total_held_and_sold += held_and_sold;
       total_held += out.Int("Held");
     }
-    if (c.method == kSellFifo) {
+    if (method == kSellFifo) {
       EXPECT_EQ(held_and_sold, cost_in[out.Text("Block ID")]) << out.Text("Block ID");
     }
   }
@@ -162,15 +162,9 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   EXPECT_EQ(secs.Int("cost"), total_held);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Ledgers, BasisInvariantTest,
-    ::testing::Values(InvariantCase{11, kSellFifo}, InvariantCase{23, kSellFifo},
-                      InvariantCase{37, kSellFifo}, InvariantCase{11, kSellAvgSingle},
-                      InvariantCase{23, kSellAvgDouble}, InvariantCase{37, kSellAvgDouble}),
-    [](const auto& info) {
-      return "Seed" + std::to_string(info.param.seed) + "Method" +
-             std::to_string(info.param.method);
-    });
+INSTANTIATE_TEST_SUITE_P(Ledgers, BasisInvariantTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "random_ledgers.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace lotwise::testing
