@@ -4,7 +4,7 @@
 
 #include <filesystem>
 #include <optional>
-#include <ostream>
+#include <sstream>
 #include <string>
 
 #include "data/database.h"
@@ -21,7 +21,7 @@ namespace {
 // The help bar's text at each step of the chain (golden/steps.txt).
 const std::vector<GoldenCase> kSteps = ReadCases(__FILE__, "steps.txt");
 const int kStepCount = static_cast<int>(kSteps.at(0).Lines("").size());
-const int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
+const int kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
 const std::string kStale = "SELECT 'stale'";
 const std::string kMissing = "(missing)";
 
@@ -45,30 +45,33 @@ std::string SavedOrMissing(Database& db, const char* name) {
   return db.HasSavedQuery(name) ? db.SavedQuerySql(name) : kMissing;
 }
 
-// One walk: the stored version (none = empty table), the "Update All"
-// setting, and the steps that must run: from `first_step` on, but
-// `skipped`.
+// golden/walks.txt: the stored version ("-" for an empty table), whether
+// "Update All" is set, and the steps that must run: from the first on but
+// the skipped one.
 struct WalkCase {
-  const char* name;
   std::optional<std::string> stored;
-  bool update_all;
-  int first_step;
-  int skipped;
+  bool update_all = false;
+  int first_step = 0, skipped = -1;
 };
 
-// Names the row in failure messages instead of dumping its bytes.
-void PrintTo(const WalkCase& row, std::ostream* os) { *os << row.name; }
-
-class WalkTest : public AppTest, public ::testing::WithParamInterface<WalkCase> {
+class WalkTest : public AppTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
-  bool Runs(int step) const { return step >= GetParam().first_step && step != GetParam().skipped; }
+  void SetUp() override {
+    AppTest::SetUp();
+    std::istringstream words(GetParam().Lines("").at(0));
+    std::string stored, update_all;
+    words >> stored >> update_all >> c.first_step >> c.skipped;
+    if (stored != "-") c.stored = stored;
+    c.update_all = update_all == "yes";
+  }
+  bool Runs(int step) const { return step >= c.first_step && step != c.skipped; }
+  WalkCase c;
 };
 
 // Both chains over files of the current layout: each stored version joins
 // the chain at its step, shows exactly the texts of the steps it passes,
 // does the saved-query work of exactly those steps, and ends at the current version in one row.
 TEST_P(WalkTest, Walk_FromStoredVersion) {
-  const WalkCase& c = GetParam();
   OpenFreshCentral();
   OpenFreshTaxpayer();
   Database& central = *app_->central;
@@ -105,17 +108,8 @@ TEST_P(WalkTest, Walk_FromStoredVersion) {
             Runs(kLw96_12) ? saved_sql::kTotalSharesPerTable : kMissing);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Chain, WalkTest,
-    ::testing::Values(WalkCase{"EmptyVersionTable", std::nullopt, false, 0, kFromLw99},
-                      WalkCase{"From96_10", "LW96.10", false, 0, kFromLw99},
-                      WalkCase{"From95_10", "LW95.10", false, 0, kFromLw99},
-                      WalkCase{"From96_21", "LW96.21", false, 5, kFromLw99},
-                      WalkCase{"FromIrregular99_10", "LW99.10", false, kFromLw99, -1},
-                      WalkCase{"FromCurrent", "LW2005.20", false, kStepCount, -1},
-                      WalkCase{"UnknownVersion", "LW3000.10", false, kStepCount, -1},
-                      WalkCase{"UpdateAllOnCurrent", "LW2005.20", true, 0, -1}),
-    [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Chain, WalkTest, ::testing::ValuesIn(ReadCases(__FILE__, "walks.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // A file from before the per-symbol sell method: the walk moves each
 // symbol's method into "Sell Method" (the oldest security row deciding when
