@@ -121,20 +121,14 @@ TEST_F(ReportDialogsTest, SchedDPrint_SummaryWithElections) {
   EXPECT_TRUE(app_->prefs.remove_0_sec);  // a Schedule D run leaves the Basis choices alone
 }
 
-TEST_F(ReportDialogsTest, TransListView_ScopeAndDates) {
-  auto form =
+// Only the 2025 sales fall in the transaction listing's range.
+TEST_F(ReportDialogsTest, ListingsViewAndPrint_RangeAndSortChoices) {
+  auto trans =
       Play<TransListOptionsForm>(ShowTransListingDialog, "dlgTransListOptions", [&](auto& f) {
         f.begin_date = "01/01/2025";
         f.end_date = "12/31/2025";
         TransListOptions_View(*app_, f);
       });
-  EXPECT_TRUE(form.closed);
-  // Only the 2025 sales fall in the range.
-  ExpectGolden(__FILE__, "trans_list_view.txt", Documents(ui_.reports_shown()));
-  EXPECT_EQ(app_->prefs.xact_start + "-" + app_->prefs.xact_end, "01/01/2025-12/31/2025");
-}
-
-TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
   auto client =
       Play<ClientListOptionsForm>(ShowTaxpayerListingDialog, "dlgClientListOptions", [&](auto& f) {
         f.sort_by = 0;
@@ -144,9 +138,10 @@ TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
     f.sort_by = 1;
     SecListOptions_Print(*app_, f);
   });
-  EXPECT_TRUE(client.closed && sec.closed);
+  EXPECT_TRUE(trans.closed && client.closed && sec.closed);
   ExpectGolden(__FILE__, "listings.txt",
                Documents(ui_.reports_shown()) + Documents(ui_.reports_printed()));
+  EXPECT_EQ(app_->prefs.xact_start + "-" + app_->prefs.xact_end, "01/01/2025-12/31/2025");
   EXPECT_EQ(std::to_string(app_->prefs.client_order) + std::to_string(app_->prefs.sec_order), "01");
 }
 
