@@ -47,9 +47,7 @@ TEST_P(BasisFaultTest, CalcBasisSchedDRpt_WriteFails_WalkRolledBack) {
   StorageFaults faults;
   app_->storage_faults = &faults;
   faults.FailWriteNumber(failing_write);
-  ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", location) +
-                 " The program will now shut down to prevent errors in your data and calculations.",
-             "Warning!", Icon::kCritical, Buttons::kOk);
+  ExpectFatal(31010, "disk I/O error (injected)", location);
   EXPECT_THROW(Run(), ProgramEnded);
   app_->storage_faults = nullptr;
   ExpectNoWalkRows(kept);

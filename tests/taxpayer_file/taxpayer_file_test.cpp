@@ -79,8 +79,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
   StorageFaults faults;
   app_->storage_faults = &faults;
   faults.FailWriteNumber(1);
-  ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", "CreateClientFile") + kShutDownAdvice,
-             "Warning!", Icon::kCritical, Buttons::kOk);
+  ExpectFatal(31010, "disk I/O error (injected)", "CreateClientFile");
   EXPECT_THROW(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd), ProgramEnded);
   app_->central = Database::Open(app_->central_path);
   EXPECT_EQ(CountCentralRows("Clients"), 0);

@@ -171,8 +171,7 @@ TEST_P(FailingStepTest, Walk_LeavesFileAsItWas) {
   } else {
     faults.FailWriteNumber(c.failing_write);
   }
-  ui_.Expect(FatalMessage(c.number, c.text, "AddSellMethodTable"), "Warning!", Icon::kCritical,
-             Buttons::kOk);
+  ExpectFatal(c.number, c.text, "AddSellMethodTable");
 
   EXPECT_THROW(UpdateCurrClientDB(*app_, false), ProgramEnded);
   EXPECT_EQ(ui_.help_texts(), Texts(c.first_step, kLw96_20, false));
@@ -202,9 +201,7 @@ TEST_F(OldTaxpayerFileTest, CentralWalk_MissingTemplateKeepsVersion) {
   app_->central->DeleteSavedQuery("Get a Client");
   const std::string template_path = app_->ProgramFile(kCentralTemplateName);
   std::filesystem::remove(template_path);
-  ui_.Expect(FatalMessage(err::kFileNotFound, "Could not find file '" + template_path + "'.",
-                          "CentralTo96_20"),
-             "Warning!");
+  ExpectFatal(err::kFileNotFound, "Could not find file '" + template_path + "'.", "CentralTo96_20");
 
   EXPECT_THROW(UpdateCentralDB(*app_, *app_->central, false), ProgramEnded);
 
