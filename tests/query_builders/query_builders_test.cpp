@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "data/database.h"
@@ -83,6 +84,14 @@ TEST_F(QueryBuildersTest, TransInBlock_Kinds_DateThenPrecSort) {
   const int64_t neighbour = InsertBlock("01/02/2024-2", "01/02/2024");
   InsertBuy(neighbour, "01/02/2024", 10, "999");
   InsertSell(neighbour, "03/01/2024", "1");
+  // The database builds the ratio texts, numbers in their default text
+  // form (never "1.0").
+  for (auto [day, type, pre, post] : {std::tuple{"03/02/2024", 11, 2.0, 3.0},
+                                      {"03/03/2024", 11, 10.0, 1.0},
+                                      {"03/04/2024", 11, 1.0, 1.5},
+                                      {"03/05/2024", 21, 0.1, 1.0}}) {
+    InsertSplit(neighbour, day, type, pre, post);
+  }
 
   // golden/trans_in_block.txt: the columns, the rows of all kinds (money in
   // ten-thousandths), then each kind's listing and the neighbour's.
@@ -101,19 +110,6 @@ TEST_F(QueryBuildersTest, TransInBlock_Kinds_DateThenPrecSort) {
     for (const std::string& line : Listing(neighbour, kind)) text += " " + line + ";";
   }
   ExpectGolden(__FILE__, "trans_in_block.txt", text + "\n");
-}
-
-// The database builds the split and dividend texts from the stored ratios,
-// numbers in their default text form (never "1.0").
-TEST_F(QueryBuildersTest, TransInBlock_Ratios_DefaultNumberText) {
-  const int64_t block = InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertSplit(block, "03/01/2024", 11, 2, 3);
-  InsertSplit(block, "03/02/2024", 11, 10, 1);
-  InsertSplit(block, "03/03/2024", 11, 1, 1.5);
-  InsertSplit(block, "03/04/2024", 21, 0.1, 1);
-  EXPECT_EQ(Listing(block, TransKind::kAll),
-            (Lines{"03/01/2024 Stock Split (2 to 3)", "03/02/2024 Stock Split (10 to 1)",
-                   "03/03/2024 Stock Split (1 to 1.5)", "03/04/2024 Stock Div. (0.1 per 1)"}));
 }
 
 // Type 99 stands for tables without a Type field: the statement then has
