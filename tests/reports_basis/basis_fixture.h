@@ -103,10 +103,7 @@ class BasisTest : public AppTest {
                       "|");
   }
   long long CountReportRows(const std::string& table) {
-    auto db = Report();
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\"");
-    q.Next();
-    return q.Int("n");
+    return std::stoll(ReportRows("SELECT count(*) AS n FROM \"" + table + "\"", "i:n").at(0));
   }
   // The walk's tables (of the report database at `path`, by default the
   // run's) hold nothing.
