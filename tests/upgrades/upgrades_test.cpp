@@ -147,51 +147,41 @@ TEST_F(OldTaxpayerFileTest, Walk_MovesSellMethodsToTheirTable) {
 // A walk whose 96.20 step fails undoes everything the walk did before it,
 // keeps the stored version so that the next open tries again, and tells the
 // user twice: the error handler, then the update's own note.
-struct FailCase {
-  const char* name;
-  const char* start;
-  int first_step;
-  int failing_write;  // 0: a conflicting index makes adding the table fail
-  int number;
-  const char* text;
-};
-
 class FailingStepTest : public OldTaxpayerFileTest,
-                        public ::testing::WithParamInterface<FailCase> {};
+                        public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(FailingStepTest, Walk_LeavesFileAsItWas) {
-  const FailCase& c = GetParam();
-  MakeOldFile(c.start);
+  // golden/failing_steps.txt: "start first-step failing-write number text".
+  std::istringstream words(GetParam().Lines("").at(0));
+  std::string start, text;
+  int first_step = 0, failing_write = 0, number = 0;
+  words >> start >> first_step >> failing_write >> number >> std::ws;
+  std::getline(words, text);
+  MakeOldFile(start);
   const std::string path = app_->client->path();
   app_->client.reset();
   StorageFaults faults;
   app_->client = Database::Open(path, Database::Mode::kShared, &faults);
-  if (c.failing_write == 0) {
+  if (failing_write == 0) {
     app_->client->Execute(R"(CREATE INDEX "Sell Method" ON "Security" ("Sec Symbol"))");
   } else {
-    faults.FailWriteNumber(c.failing_write);
+    faults.FailWriteNumber(failing_write);
   }
-  ExpectFatal(c.number, c.text, "AddSellMethodTable");
+  ExpectFatal(number, text, "AddSellMethodTable");
 
   EXPECT_THROW(UpdateCurrClientDB(*app_, false), ProgramEnded);
-  EXPECT_EQ(ui_.help_texts(), Texts(c.first_step, kLw96_20, false));
+  EXPECT_EQ(ui_.help_texts(), Texts(first_step, kLw96_20, false));
   auto db = Database::Open(path);
-  EXPECT_EQ(Version(*db), Lines{c.start});
+  EXPECT_EQ(Version(*db), Lines{start});
   EXPECT_FALSE(db->HasTable("Sell Method"));
   EXPECT_FALSE(db->HasSavedQuery("Total Shares Per Table"));
   EXPECT_EQ(db->Columns("Security").back(), "Sell Method");
   EXPECT_EQ(db->IntegrityCheck(), "ok");
 }
 
-// Starting after 96.12 keeps that step's writes out of the count: the walk's
-// first write creates the table, the second fills its first row.
-INSTANTIATE_TEST_SUITE_P(
-    AddSellMethodTable, FailingStepTest,
-    ::testing::Values(FailCase{"ConflictingIndex", "LW96.10", 0, 0, err::kSqliteBase + 1,
-                               "there is already an index named Sell Method"},
-                      FailCase{"WriteFaultWhileFilling", "LW96.13", kLw96_20, 2,
-                               err::kSqliteBase + 10, "disk I/O error (injected)"}),
-    [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(AddSellMethodTable, FailingStepTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "failing_steps.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The central 96.20 step reads its query from the template; without the
 // template it fails, and the central file keeps its version and queries.
