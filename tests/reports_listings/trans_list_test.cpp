@@ -94,7 +94,7 @@ class TransListRefusalTest : public TransListTest,
                              public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(TransListRefusalTest, RunTransListRpt_Refused) {
-  // "scope|open state|begin|end", then "say key [value|value...]" lines.
+  // "scope|open state|begin|end|", then "say key [value|value...]" lines.
   const std::vector<std::string> lines = GetParam().Lines("");
   std::istringstream fields(lines.at(0));
   std::string scope, state, begin, end;
