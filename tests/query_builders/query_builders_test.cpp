@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "data/database.h"
@@ -14,35 +15,11 @@ namespace {
 
 class QueryBuildersTest : public StoreTest {
  protected:
-  int64_t InsertBlock(const char* block_id, const char* date, int64_t sec_id = 0) {
-    app_->client->Execute(
-        R"(INSERT INTO "Blocks" ("Sec ID", "Block ID", "Date") VALUES (:s, :id, :d))",
-        {{"s", sec_id == 0 ? sec_id_ : sec_id}, {"id", block_id}, {"d", D(date)}});
-    return app_->client->LastInsertId();
-  }
-  // A buy's (type 10) or reinvestment's (type 20) same-date rank is its type.
-  void InsertBuy(int64_t block, const char* date, int type, const char* cost) {
-    app_->client->Execute(
-        R"(INSERT INTO "Buy" ("Block No", "Date", "Type", "Cost", "Shares", "Fee", "Notes", "Prec Sort") )"
-        R"(VALUES (:b, :d, :t, :c, 100, :f, 'n', :t))",
-        {{"b", block}, {"d", D(date)}, {"t", type}, {"c", Money(cost)}, {"f", Money("1.5")}});
-  }
-  void InsertSell(int64_t block, const char* date, const char* price) {
-    app_->client->Execute(
-        R"(INSERT INTO "Sell" ("Block No", "Date", "Sale Price", "Fee", "Shares", "Notes", "Prec Sort") )"
-        R"(VALUES (:b, :d, :p, :f, -10, 's', 40))",
-        {{"b", block}, {"d", D(date)}, {"p", Money(price)}, {"f", Money("2")}});
-  }
-  void InsertSplit(int64_t block, const char* date, int type, double pre, double post) {
-    app_->client->Execute(
-        R"(INSERT INTO "Split" ("Block No", "Date", "Type", "Pre Ratio", "Post Ratio", "Shares", "Notes", "Prec Sort") )"
-        R"(VALUES (:b, :d, :t, :pre, :post, 5, 'x', :p))",
-        {{"b", block},
-         {"d", D(date)},
-         {"t", type},
-         {"pre", pre},
-         {"post", post},
-         {"p", type == 21 ? 50 : 60}});
+  // Writes the rows of case `name` of golden/ledgers.txt.
+  void Load(const std::string& name) {
+    for (const GoldenCase& c : ReadCases(__FILE__, "ledgers.txt")) {
+      if (c.name == name) app_->client->ExecuteScript(c.Text(""));
+    }
   }
 
   // The listing as "mm/dd/yyyy Transaction" lines.
@@ -67,22 +44,9 @@ class QueryBuildersTest : public StoreTest {
 // shows zero for a field the kind lacks; each kind alone lists only itself;
 // a block lacking some kinds still lists the others.
 TEST_F(QueryBuildersTest, TransInBlock_Kinds_DateThenPrecSort) {
-  // Written in an order unlike the listing's, next to a block that must
-  // never show.
-  const int64_t block = InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertSplit(block, "03/01/2024", 11, 1, 2);
-  InsertSplit(block, "03/01/2024", 21, 0.05, 1);
-  InsertSell(block, "03/01/2024", "300");
-  app_->client->Execute(
-      R"(INSERT INTO "Adjust" ("Block No", "Date", "Shares", "Cost", "Notes", "Prec Sort") )"
-      R"(VALUES (:b, :d, 1, :c, 'a', 30))",
-      {{"b", block}, {"d", D("03/01/2024")}, {"c", Money("7")}});
-  InsertBuy(block, "03/01/2024", 20, "50");
-  InsertSell(block, "02/01/2024", "200");
-  InsertBuy(block, "01/02/2024", 10, "1000");
-  const int64_t neighbour = InsertBlock("01/02/2024-2", "01/02/2024");
-  InsertBuy(neighbour, "01/02/2024", 10, "999");
-  InsertSell(neighbour, "03/01/2024", "1");
+  Load("TransInBlock");
+  const int64_t block = BlockNo("01/02/2024-1");
+  const int64_t neighbour = BlockNo("01/02/2024-2");
 
   // golden/trans_in_block.txt: the columns, the rows of all kinds (money in
   // ten-thousandths), then each kind's listing and the neighbour's.
@@ -103,27 +67,11 @@ TEST_F(QueryBuildersTest, TransInBlock_Kinds_DateThenPrecSort) {
   ExpectGolden(__FILE__, "trans_in_block.txt", text + "\n");
 }
 
-// The database builds the split and dividend texts from the stored ratios,
-// numbers in their default text form (never "1.0").
-TEST_F(QueryBuildersTest, TransInBlock_Ratios_DefaultNumberText) {
-  const int64_t block = InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertSplit(block, "03/01/2024", 11, 2, 3);
-  InsertSplit(block, "03/02/2024", 11, 10, 1);
-  InsertSplit(block, "03/03/2024", 11, 1, 1.5);
-  InsertSplit(block, "03/04/2024", 21, 0.1, 1);
-  EXPECT_EQ(Listing(block, TransKind::kAll),
-            (Lines{"03/01/2024 Stock Split (2 to 3)", "03/02/2024 Stock Split (10 to 1)",
-                   "03/03/2024 Stock Split (1 to 1.5)", "03/04/2024 Stock Div. (0.1 per 1)"}));
-}
-
 // Type 99 stands for tables without a Type field: the statement then has
 // no Type condition at all; any other type filters on it.
 TEST_F(QueryBuildersTest, RollBack_Type_DeletesLaterRowsOfIt) {
-  const int64_t block = InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertSell(block, "03/01/2024", "1");
-  InsertSell(block, "04/01/2024", "1");
-  InsertSplit(block, "03/01/2024", 11, 1, 2);
-  InsertSplit(block, "03/01/2024", 21, 0.05, 1);
+  Load("RollBack");
+  const int64_t block = BlockNo("01/02/2024-1");
   EXPECT_EQ(Execute(*app_->client, Query_RollBack("Sell", 99, block, D("03/01/2024"))), 1);
   EXPECT_EQ(Execute(*app_->client, Query_RollBack("Split", 21, block, D("02/01/2024"))), 1);
   EXPECT_EQ(Listing(block, TransKind::kAll),
@@ -166,8 +114,7 @@ TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
     EXPECT_THROW(Query_DeleteTrans(table, 1), LwError);
     EXPECT_THROW(Query_GetTransaction(table, 1), LwError);
   }
-  InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertBlock("01/03/2024-1", "01/03/2024");
+  Load("BlockQueries");
   Execute(*app_->client, Query_ClearTable("Blocks"));
   EXPECT_EQ(CountClientRows("Blocks"), 0);
 }
@@ -175,19 +122,14 @@ TEST_F(QueryBuildersTest, TableNames_OnlyOwnTablesAccepted) {
 // Blocks come oldest first, then by block id; the dated form keeps to its
 // date and security; the deletes touch only the named row.
 TEST_F(QueryBuildersTest, BlockQueries_OrderAndScope) {
-  InsertBlock("03/01/2024-2", "03/01/2024");
-  const int64_t first = InsertBlock("01/02/2024-1", "01/02/2024");
-  InsertBlock("03/01/2024-1", "03/01/2024");
-  InsertBlock("03/01/2024-1", "03/01/2024", AddSecurity(kPort, "MSFT"));
+  Load("BlockQueries");
+  const int64_t first = BlockNo("01/02/2024-1");
   EXPECT_EQ(Column(*app_->client, Query_GetBlocksInSec(sec_id_), "Block ID"),
             (Lines{"01/02/2024-1", "03/01/2024-1", "03/01/2024-2"}));
   EXPECT_EQ(
       Column(*app_->client, Query_GetBlocksInSecWithDate(sec_id_, D("03/01/2024")), "Block ID"),
       (Lines{"03/01/2024-1", "03/01/2024-2"}));
 
-  InsertBuy(first, "01/02/2024", 10, "1");
-  InsertSell(first, "02/02/2024", "1");
-  InsertSell(first, "02/03/2024", "1");
   EXPECT_EQ(Execute(*app_->client, Query_DeleteTrans("Sell", 1)), 1);
   EXPECT_EQ(Listing(first, TransKind::kAll), (Lines{"01/02/2024 Buy", "02/03/2024 Sell"}));
   EXPECT_EQ(Execute(*app_->client, Query_DeleteBlock(first)), 1);

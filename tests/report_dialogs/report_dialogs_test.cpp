@@ -89,9 +89,10 @@ TEST_F(ReportDialogsTest, LoadOptions_PrefsElseDefaults) {
 }
 
 // View and Print run the reports the dialog's choices name, store the
-// choices as preferences and close the dialog.
-TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
-  auto form = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
+// choices as preferences and close the dialog; a Schedule D run leaves the
+// Basis choices alone.
+TEST_F(ReportDialogsTest, BasisViewThenSchedDPrint) {
+  auto basis = Play<BasisOptionsForm>(ShowBasisAnalysisDialog, "dlgBasisOptions", [&](auto& f) {
     ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     EXPECT_EQ(f.caption, "Basis Analysis Options");
     EXPECT_EQ(f.year_end, "12/31/2025");
@@ -99,43 +100,33 @@ TEST_F(ReportDialogsTest, BasisView_WithSchedDAndExclusion) {
     f.exclude_empty = true;
     BasisOptions_View(*app_, f);
   });
-  EXPECT_TRUE(form.closed);
   // MSFT was sold out before the year end: the exclusion leaves it out.
   ExpectGolden(__FILE__, "basis_view.txt", Documents(ui_.reports_shown()));
   EXPECT_EQ(app_->prefs.basis_ye + "|" + app_->prefs.sch_d_fye, "12/31/2025|  /  /    ");
   EXPECT_TRUE(app_->prefs.remove_0_sec && app_->prefs.add_sch_d_rpt);
-}
+  const size_t shown = ui_.reports_shown().size();
 
-TEST_F(ReportDialogsTest, SchedDPrint_SummaryWithElections) {
-  app_->prefs.remove_0_sec = true;
-  auto form = Play<BasisOptionsForm>(ShowScheduleDDialog, "dlgBasisOptions", [&](auto& f) {
+  auto sched_d = Play<BasisOptionsForm>(ShowScheduleDDialog, "dlgBasisOptions", [&](auto& f) {
     ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
     f.year_end = "6/30/2025";
     f.report_type = BasisOptionsForm::kSummary;
     f.elections = true;
     BasisOptions_Print(*app_, f);
   });
-  EXPECT_TRUE(form.closed);
-  EXPECT_TRUE(ui_.reports_shown().empty());
+  EXPECT_TRUE(basis.closed && sched_d.closed && ui_.reports_shown().size() == shown);
   ExpectGolden(__FILE__, "sched_d_print.txt", Documents(ui_.reports_printed()));
-  EXPECT_EQ(app_->prefs.sch_d_fye + "|" + app_->prefs.basis_ye, "06/30/2025|  /  /    ");
-  EXPECT_TRUE(app_->prefs.remove_0_sec);  // a Schedule D run leaves the Basis choices alone
+  EXPECT_EQ(app_->prefs.sch_d_fye + "|" + app_->prefs.basis_ye, "06/30/2025|12/31/2025");
+  EXPECT_TRUE(app_->prefs.remove_0_sec && app_->prefs.add_sch_d_rpt);
 }
 
-TEST_F(ReportDialogsTest, TransListView_ScopeAndDates) {
-  auto form =
+// Only the 2025 sales fall in the transaction listing's range.
+TEST_F(ReportDialogsTest, ListingsViewAndPrint_RangeAndSortChoices) {
+  auto trans =
       Play<TransListOptionsForm>(ShowTransListingDialog, "dlgTransListOptions", [&](auto& f) {
         f.begin_date = "01/01/2025";
         f.end_date = "12/31/2025";
         TransListOptions_View(*app_, f);
       });
-  EXPECT_TRUE(form.closed);
-  // Only the 2025 sales fall in the range.
-  ExpectGolden(__FILE__, "trans_list_view.txt", Documents(ui_.reports_shown()));
-  EXPECT_EQ(app_->prefs.xact_start + "-" + app_->prefs.xact_end, "01/01/2025-12/31/2025");
-}
-
-TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
   auto client =
       Play<ClientListOptionsForm>(ShowTaxpayerListingDialog, "dlgClientListOptions", [&](auto& f) {
         f.sort_by = 0;
@@ -145,9 +136,10 @@ TEST_F(ReportDialogsTest, ListingsViewAndPrint_SortChoices) {
     f.sort_by = 1;
     SecListOptions_Print(*app_, f);
   });
-  EXPECT_TRUE(client.closed && sec.closed);
+  EXPECT_TRUE(trans.closed && client.closed && sec.closed);
   ExpectGolden(__FILE__, "listings.txt",
                Documents(ui_.reports_shown()) + Documents(ui_.reports_printed()));
+  EXPECT_EQ(app_->prefs.xact_start + "-" + app_->prefs.xact_end, "01/01/2025-12/31/2025");
   EXPECT_EQ(std::to_string(app_->prefs.client_order) + std::to_string(app_->prefs.sec_order), "01");
 }
 

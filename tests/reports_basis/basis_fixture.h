@@ -107,16 +107,17 @@ class BasisTest : public AppTest {
                       "|");
   }
   long long CountReportRows(const std::string& table) {
-    auto db = Report();
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + table + "\"");
-    q.Next();
-    return q.Int("n");
+    return std::stoll(ReportRows("SELECT count(*) AS n FROM \"" + table + "\"", "i:n").at(0));
   }
-  // The walk's tables hold nothing.
-  void ExpectNoWalkRows() {
+  // The walk's tables (of the report database at `path`, by default the
+  // run's) hold nothing.
+  void ExpectNoWalkRows(const std::string& path = "") {
+    auto db = Database::Open(path.empty() ? app_->report_db_path : path);
     for (const char* table : {"BA Trans", "BA Blocks", "Sched D", "BA Secs"}) {
-      EXPECT_EQ(CountReportRows(table), 0) << table;
+      Query q = db->Select("SELECT count(*) AS n FROM \"" + std::string(table) + "\"");
+      EXPECT_TRUE(q.Next() && q.Int("n") == 0) << table;
     }
+    EXPECT_EQ(db->IntegrityCheck(), "ok");
   }
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 
 #include "app/app_state.h"
 #include "data/error_handler.h"
@@ -31,81 +32,53 @@ TEST_F(BasisTest, CalcBasisSchedDRpt_TwoRuns_OneHeading) {
 // A write that fails anywhere in the walk leaves none of the walk's rows.
 // The fatal error removes the scratch file, so a second name of the same
 // file is kept to look into it.
-struct FaultCase {
-  const char* name;
-  SellMethod method;
-  int failing_write;  // 8 writes clear and head the tables before the walk
-  const char* location;
-};
-
-class BasisFaultTest : public BasisTest, public ::testing::WithParamInterface<FaultCase> {};
+class BasisFaultTest : public BasisTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(BasisFaultTest, CalcBasisSchedDRpt_WriteFails_WalkRolledBack) {
-  const FaultCase& c = GetParam();
-  Sell(Buy(AddSecurity("IBM", c.method), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
+  // "method failing-write location": 8 writes clear and head the tables
+  // before the walk.
+  std::istringstream words(GetParam().Lines("").at(0));
+  int method = 0, failing_write = 0;
+  std::string location;
+  words >> method >> failing_write >> location;
+  Sell(Buy(AddSecurity("IBM", method), "01/05/2024", 10, "100"), "06/03/2025", 4, "60");
   const std::string kept = root_ + "kept.MDB";
   std::filesystem::create_hard_link(app_->report_db_path, kept);
   StorageFaults faults;
   app_->storage_faults = &faults;
-  faults.FailWriteNumber(c.failing_write);
-  ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", c.location) +
-                 " The program will now shut down to prevent errors in your data and calculations.",
-             "Warning!", Icon::kCritical, Buttons::kOk);
+  faults.FailWriteNumber(failing_write);
+  ExpectFatal(31010, "disk I/O error (injected)", location);
   EXPECT_THROW(Run(), ProgramEnded);
   app_->storage_faults = nullptr;
-  auto db = Database::Open(kept);
-  for (const char* table : {"BA Trans", "BA Blocks", "Sched D", "BA Secs"}) {
-    Query q = db->Select("SELECT count(*) AS n FROM \"" + std::string(table) + "\"");
-    ASSERT_TRUE(q.Next());
-    EXPECT_EQ(q.Int("n"), 0) << table;
-  }
-  EXPECT_EQ(db->IntegrityCheck(), "ok");
+  ExpectNoWalkRows(kept);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Writes, BasisFaultTest,
-    ::testing::Values(FaultCase{"FirstBlock", SellMethod::kFifo, 9, "AddBABlock"},
-                      FaultCase{"ScheduleDRow", SellMethod::kFifo, 12, "AddSchedD"},
-                      FaultCase{"SecurityRow", SellMethod::kFifo, 13, "CalcSecurities"},
-                      // pool, block, buy + copy, sale + copy, then the pool's rows
-                      FaultCase{"PoolRewrite", SellMethod::kAvgSingle, 15, "UpdateAvgBlockRpt"}),
-    [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Writes, BasisFaultTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "write_faults.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The whole report: refusals before anything is computed.
-struct RefusalCase {
-  const char* name;
-  ReportScope scope;
-  int16_t state;
-  const char* year_end;
-  const char* message;
-  Answer answer = Answer::kOk;
-};
-
-class BasisRefusalTest : public BasisTest, public ::testing::WithParamInterface<RefusalCase> {};
+class BasisRefusalTest : public BasisTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(BasisRefusalTest, RunBasisSchedDReport_Refused) {
-  const RefusalCase& c = GetParam();
-  app_->window.state = c.state;
-  ExpectSaid(ui_, kReportsSource, c.message, c.answer);
+  // "scope open-state year-end message answer".
+  std::istringstream words(GetParam().Lines("").at(0));
+  std::string scope, state, message, answer;
   BasisReportRequest request;
-  request.scope = c.scope;
-  request.year_end = c.year_end;
+  words >> scope >> state >> request.year_end >> message >> answer;
+  request.scope = scope == "security"    ? ReportScope::kSecurity
+                  : scope == "portfolio" ? ReportScope::kPortfolio
+                                         : ReportScope::kTaxpayer;
+  app_->window.state = state == "portfolio" ? kPortOpen : kClientOpen;
+  ExpectSaid(ui_, kReportsSource, message, answer == "cancel" ? Answer::kCancel : Answer::kOk);
   EXPECT_FALSE(RunBasisSchedDReport(*app_, request));
   EXPECT_EQ(CountReportRows("Usage"), 0);
   EXPECT_TRUE(ui_.reports_shown().empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Checks, BasisRefusalTest,
-    ::testing::Values(RefusalCase{"InvalidYearEnd", ReportScope::kTaxpayer, kClientOpen,
-                                  "13/45/2025", "invalid_year_end"},
-                      RefusalCase{"SecurityNotOpen", ReportScope::kSecurity, kPortOpen,
-                                  "12/31/2025", "security_not_open"},
-                      RefusalCase{"PortfolioNotOpen", ReportScope::kPortfolio, kClientOpen,
-                                  "12/31/2025", "portfolio_not_open"},
-                      RefusalCase{"PortfolioWarningCancelled", ReportScope::kPortfolio, kPortOpen,
-                                  "12/31/2025", "portfolio_warning", Answer::kCancel}),
-    [](const auto& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Checks, BasisRefusalTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "refusals.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 TEST_F(BasisTest, RunBasisSchedDReport_NothingComputed_CantCreateReport) {
   ExpectSaid(ui_, kReportsSource, "no_secs_file_basis");

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <random>
+#include <sstream>
 #include <vector>
 
 #include "ground/value_helpers.h"
@@ -14,12 +15,7 @@
 namespace lotwise::testing {
 namespace {
 
-struct InvariantCase {
-  uint32_t seed;
-  SellMethod method;
-};
-
-class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterface<InvariantCase> {
+class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
   struct Lot {
     int64_t block_no;
@@ -107,8 +103,13 @@ class BasisInvariantTest : public BasisTest, public ::testing::WithParamInterfac
 // held plus the cost the sales took out, and under FIFO so for each lot;
 // the securities' totals are the shares of the ledger and the cost held.
 TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
-  const InvariantCase& c = GetParam();
-  BuildLedger(c.seed, c.method);
+  // "seed method"
+  std::istringstream words(GetParam().Lines("").at(0));
+  uint32_t seed = 0;
+  int code = 0;
+  words >> seed >> code;
+  const lotwise::SellMethod method = SellMethodAsStored(code);
+  BuildLedger(seed, method);
   ASSERT_TRUE(Run(BasisKind::kBoth, "06/30/2025"));
   auto report = Report();
   EXPECT_EQ(report->IntegrityCheck(), "ok");
@@ -142,11 +143,11 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
   while (out.Next()) {
     const bool pool = out.Text("Port Name") == kPoolPortName;
     const auto held_and_sold = out.Int("Held") + static_cast<int64_t>(out.Double("Sold"));
-    if (pool == (c.method != SellMethod::kFifo)) {
+    if (pool == (method != SellMethod::kFifo)) {
       total_held_and_sold += held_and_sold;
       total_held += out.Int("Held");
     }
-    if (c.method == SellMethod::kFifo) {
+    if (method == SellMethod::kFifo) {
       EXPECT_EQ(held_and_sold, cost_in[out.Text("Block ID")]) << out.Text("Block ID");
     }
   }
@@ -163,16 +164,8 @@ TEST_P(BasisInvariantTest, CalcBasisSchedDRpt_RandomLedger_Invariants) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Ledgers, BasisInvariantTest,
-                         ::testing::Values(InvariantCase{11, SellMethod::kFifo},
-                                           InvariantCase{23, SellMethod::kFifo},
-                                           InvariantCase{37, SellMethod::kFifo},
-                                           InvariantCase{11, SellMethod::kAvgSingle},
-                                           InvariantCase{23, SellMethod::kAvgDouble},
-                                           InvariantCase{37, SellMethod::kAvgDouble}),
-                         [](const auto& info) {
-                           return "Seed" + std::to_string(info.param.seed) + "Method" +
-                                  std::to_string(CodeOf(info.param.method));
-                         });
+                         ::testing::ValuesIn(ReadCases(__FILE__, "random_ledgers.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace lotwise::testing

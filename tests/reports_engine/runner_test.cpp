@@ -8,7 +8,6 @@
 
 #include "data/error_handler.h"
 #include "ground/lw_error.h"
-#include "data/error_handler.h"
 #include "reports/pdf_writer.h"
 #include "reports_engine/report_fixture.h"
 

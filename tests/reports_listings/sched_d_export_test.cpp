@@ -25,22 +25,12 @@ class ExportTest : public ReportTest {
     app_->prefs.exp_path = root_ + "start/";
   }
 
-  void Sale(const char* symbol, double shares, const char* price, const char* cost, bool dates) {
-    const Value acquired = dates ? Value(D("02/29/2020")) : Value();
-    const Value sold = dates ? Value(D("12/31/2024")) : Value();
-    Report()->Execute(
-        R"(INSERT INTO "Sched D" ("Date Acqrd", "Date Sold", "Shares", "Sec Symbol", )"
-        R"("Sale Price", "Cost") VALUES (:a, :d, :sh, :s, :p, :c))",
-        {{"a", acquired},
-         {"d", sold},
-         {"sh", shares},
-         {"s", symbol},
-         {"p", Money(price)},
-         {"c", Money(cost)}});
-  }
-  void Security(const char* symbol, const char* name) {
-    Report()->Execute(R"(INSERT INTO "BA Secs" ("Sec Symbol", "Sec Name") VALUES (:s, :n))",
-                      {{"s", symbol}, {"n", name}});
+  // One sale of ACME.
+  void OneSale() {
+    Report()->ExecuteScript(
+        R"(INSERT INTO "BA Secs" ("Sec Symbol", "Sec Name") VALUES ('ACME', 'ACME FUND');
+INSERT INTO "Sched D" ("Date Acqrd", "Date Sold", "Shares", "Sec Symbol", "Sale Price", "Cost")
+VALUES ('2020-02-29', '2024-12-31', 100, 'ACME', 10000, 20000);)");
   }
 
   void ExpectDialogue(const std::string& picked) {
@@ -61,20 +51,10 @@ class ExportTest : public ReportTest {
 
 // One line per sale in the Schedule D's order: the description's three
 // forms, quotes doubled, blanks trimmed, money in its plain form, missing
-// dates empty; a symbol without a "BA Secs" row (GONE) is left out, one
-// listed twice still gives one line per sale (golden/export_lines.csv).
+// dates empty; a symbol without a "BA Secs" row is left out, one listed twice
+// still gives one line per sale (golden/export_sales.sql, export_lines.csv).
 TEST_F(ExportTest, Export_LinesInOrder) {
-  Security("ACME", "ACME FUND");
-  Sale("ACME", 100, "1234.5", "1000.25", true);
-  Sale("GONE", 2, "10", "5", true);
-  Security("XYZ", "");
-  Sale("XYZ", 12.5, "99.99", "100", true);
-  Security("", "");
-  Sale("", 7, "1", "2", true);
-  Security("Q", "ACME \"A\" CLASS  ");
-  Sale("Q", 3, "0", "-0.01", false);
-  Sale("ACME", 0.33333, "1.0001", "0.5", true);
-  Security("ACME", "ACME FUND");
+  Report()->ExecuteScript(ReadText(GoldenPath(__FILE__, "export_sales.sql")));
   ExpectDialogue(file_);
   ExpectWritten();
   EXPECT_TRUE(CreateSchDExportFile(*app_));
@@ -91,8 +71,7 @@ TEST_F(ExportTest, Export_ReplacesOldFile) {
              Buttons::kOk);
   EXPECT_TRUE(CreateSchDExportFile(*app_));
   EXPECT_EQ(FileText(), kHeader);
-  Security("ACME", "ACME FUND");
-  Sale("ACME", 100, "1", "2", true);
+  OneSale();
   ExpectDialogue(file_);
   ExpectWritten();
   CreateSchDExportFile(*app_);
@@ -103,8 +82,7 @@ TEST_F(ExportTest, Export_ReplacesOldFile) {
 // Declining, cancelling the file dialog, or a folder that cannot be written
 // leaves no file and no closing message; the last is a reported file error.
 TEST_F(ExportTest, Export_NothingWritten) {
-  Security("ACME", "ACME FUND");
-  Sale("ACME", 100, "1", "2", true);
+  OneSale();
   ExpectSaid(ui_, kReportsSource, "export_question", Answer::kNo);
   EXPECT_FALSE(CreateSchDExportFile(*app_));
   ExpectDialogue("");

@@ -8,7 +8,6 @@
 #include "app/app_state.h"
 #include "app/taxpayer_file.h"
 #include "data/central_file.h"
-#include "ground/number_text.h"
 #include "data/transaction_store.h"
 #include "ground/number_text.h"
 #include "reports_listings/listing_fixture.h"
@@ -91,42 +90,35 @@ INSTANTIATE_TEST_SUITE_P(Scopes, TransListScopeTest,
 
 // The run is refused, touching no table, for a bad range (both texts
 // checked and named), then for a scope above the open state.
-struct RefusalCase {
-  const char* name;
-  ReportScope scope;
-  int16_t state;
-  const char *begin, *end;
-  std::vector<std::pair<const char*, std::vector<std::string>>> messages;  // key, values
-};
-
 class TransListRefusalTest : public TransListTest,
-                             public ::testing::WithParamInterface<RefusalCase> {};
+                             public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(TransListRefusalTest, RunTransListRpt_Refused) {
-  const RefusalCase& c = GetParam();
-  app_->window.state = c.state;
+  // "scope|open state|begin|end|", then "say key [value|value...]" lines.
+  const std::vector<std::string> lines = GetParam().Lines("");
+  std::istringstream fields(lines.at(0));
+  std::string scope, state, begin, end;
+  for (std::string* field : {&scope, &state, &begin, &end}) std::getline(fields, *field, '|');
+  app_->window.state = state == "portfolio" ? kPortOpen : kClientOpen;
   app_->current.port_name = "Growth";
-  for (const auto& [key, values] : c.messages) {
+  for (size_t i = 1; i < lines.size(); ++i) {
+    std::istringstream words(lines[i].substr(4));
+    std::string key, value;
+    std::vector<std::string> values;
+    words >> key >> std::ws;
+    while (std::getline(words, value, '|')) values.push_back(value);
     ExpectSaid(ui_, kListingsSource, key, Answer::kOk, values);
   }
-  EXPECT_FALSE(RunTransListRpt(*app_, c.scope, c.begin, c.end, ReportDestination::kScreen));
+  EXPECT_FALSE(
+      RunTransListRpt(*app_, scope == "security" ? ReportScope::kSecurity : ReportScope::kPortfolio,
+                      begin, end, ReportDestination::kScreen));
   EXPECT_EQ(Count("TL Info") + Count("Usage"), "00");
   EXPECT_TRUE(ui_.reports_shown().empty());
 }
 
-using Said = std::vector<std::pair<const char*, std::vector<std::string>>>;
-const Said kBothBad = {{"bad_date", {"Beginning Date", "02/30/2024", "Beginning Date"}},
-                       {"bad_date", {"Ending Date", "  /  /    ", "Ending Date"}}};
-
-INSTANTIATE_TEST_SUITE_P(
-    Refusals, TransListRefusalTest,
-    ::testing::Values(RefusalCase{"BothDatesBad", ReportScope::kSecurity, kClientOpen, "02/30/2024",
-                                  "  /  /    ", kBothBad},
-                      RefusalCase{"SecurityNotOpen", ReportScope::kSecurity, kPortOpen,
-                                  "01/01/2024", "01/02/2024", Said{{"need_security", {}}}},
-                      RefusalCase{"PortfolioNotOpen", ReportScope::kPortfolio, kClientOpen,
-                                  "01/01/2024", "01/02/2024", Said{{"need_portfolio", {}}}}),
-    [](const ::testing::TestParamInfo<RefusalCase>& info) { return info.param.name; });
+INSTANTIATE_TEST_SUITE_P(Refusals, TransListRefusalTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "refusals.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 }  // namespace
 }  // namespace lotwise::testing

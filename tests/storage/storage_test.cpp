@@ -14,14 +14,12 @@ namespace {
 
 // Every SQLite failure the program handles by number reaches it with that
 // number and a text that names the problem (and the file, where the
-// handler's message depends on it).
+// handler's message depends on it): golden/failures.txt.
 struct MappingCase {
   const char* name;
   bool from_template;  // whether `path` holds a fresh Taxpayer File first
   // Brings about the failure on the file at `path`.
   void (*provoke)(const std::string& path);
-  int number;
-  const char* text;  // "{path}" stands for the file's path
 };
 
 class MappingTest : public StorageTest, public ::testing::WithParamInterface<MappingCase> {};
@@ -31,8 +29,7 @@ const MappingCase kMappings[] = {
      [](const std::string& path) {
        std::ofstream(path, std::ios::binary) << std::string(4096, 'x');
        Database::Open(path);
-     },
-     err::kNotADatabase, "Unrecognized database format '{path}'."},
+     }},
     {"Damaged", false,
      [](const std::string& path) {
        Database::Create(path)->ExecuteScript(R"(CREATE TABLE "Big" ("Text" TEXT);
@@ -44,19 +41,13 @@ INSERT INTO "Big" SELECT hex(randomblob(50)) FROM n;)");
        file << std::string(std::filesystem::file_size(path) - 4096, '\xA5');
        file.close();
        Database::Open(path)->Select(R"(SELECT count(*) AS n FROM "Big")").Next();
-     },
-     err::kReserved,
-     "Reserved error (-1209); the file {path} is damaged (database disk image is malformed)"},
-    {"MissingFile", false, [](const std::string& path) { Database::Open(path); },
-     err::kFileNotFound, "Could not find file '{path}'."},
-    {"MissingFolder", false, [](const std::string& path) { Database::Open(path + ".d/x.mdb"); },
-     err::kInvalidPath, "'{path}.d/x.mdb' is not a valid path."},
+     }},
+    {"MissingFile", false, [](const std::string& path) { Database::Open(path); }},
+    {"MissingFolder", false, [](const std::string& path) { Database::Open(path + ".d/x.mdb"); }},
     {"MissingTable", true,
-     [](const std::string& path) { Database::Open(path)->Select(R"(SELECT * FROM "Nowhere")"); },
-     err::kObjectNotFound, "Could not find the object: no such table: Nowhere"},
+     [](const std::string& path) { Database::Open(path)->Select(R"(SELECT * FROM "Nowhere")"); }},
     {"MissingSavedQuery", true,
-     [](const std::string& path) { Database::Open(path)->SelectSaved("Nowhere"); },
-     err::kObjectNotFound, "Could not find the object 'Nowhere'."},
+     [](const std::string& path) { Database::Open(path)->SelectSaved("Nowhere"); }},
     {"DuplicateKey", true,
      [](const std::string& path) {
        auto db = Database::Open(path);
@@ -64,30 +55,26 @@ INSERT INTO "Big" SELECT hex(randomblob(50)) FROM n;)");
        for (const char* name : {"Growth", "GROWTH"}) {
          db->Execute(R"(INSERT INTO "Portfolio" ("Port Name") VALUES (:p))", {{"p", name}});
        }
-     },
-     err::kDuplicateKey,
-     "The changes you requested to the table were not successful because they would create "
-     "duplicate values in the index, primary key, or relationship. (UNIQUE constraint failed: "
-     "Portfolio.Port Name)"},
+     }},
     {"HeldByAnotherConnection", true,
      [](const std::string& path) {
        auto other = Database::Open(path);
        Database::Transaction holding(*other);
        other->Execute(R"(INSERT INTO "Portfolio" ("Port Name") VALUES ('Theirs'))");
        Database::Open(path)->Execute(R"(INSERT INTO "Portfolio" ("Port Name") VALUES ('Mine'))");
-     },
-     err::kReserved,
-     "Reserved error (-8194); the file {path} is in use by another user or program (database is "
-     "locked)"},
+     }},
 };
 
 TEST_P(MappingTest, Failure_ReachesHandledNumber) {
   const MappingCase& c = GetParam();
   const std::string path =
       c.from_template ? CopyTemplate("x.mdb") : app_->taxpayer_folder + "x.mdb";
-  EXPECT_EQ(
-      ErrorOf([&] { c.provoke(path); }),
-      std::to_string(c.number) + ": " + fmt::format(fmt::runtime(c.text), fmt::arg("path", path)));
+  std::string expected;
+  for (const GoldenCase& failure : ReadCases(__FILE__, "failures.txt")) {
+    if (failure.name == c.name) expected = failure.Lines("").at(0);
+  }
+  EXPECT_EQ(ErrorOf([&] { c.provoke(path); }),
+            fmt::format(fmt::runtime(expected), fmt::arg("path", path)));
 }
 
 INSTANTIATE_TEST_SUITE_P(Sqlite, MappingTest, ::testing::ValuesIn(kMappings),

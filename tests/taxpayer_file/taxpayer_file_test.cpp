@@ -24,22 +24,16 @@ const Date kYearEnd = Date::FromYmd(2025, 12, 31);
 // name taken on disk (in any letter case) or in the index waits for the
 // clock to move on.
 TEST_F(TaxpayerTest, CalcClientFileName_BaseAndClock) {
-  struct Case {
-    const char *label, *seed, *expected;
+  for (const GoldenCase& c : ReadCases(__FILE__, "file_names.txt")) {
+    SCOPED_TRACE(c.name);
+    std::istringstream fields(c.Lines("").at(0));
+    std::string seed, clock, expected;
+    for (std::string* field : {&seed, &clock, &expected}) std::getline(fields, *field, '|');
     LocalTime now;
-  };
-  const Case cases[] = {
-      {"InitialsCutAtDot", "A.B Smith", "A73.mdb", {2026, 11, 22, 10, 7, 3}},
-      {"FirstFour", "Smith, John", "Smit73.mdb", {2026, 11, 22, 10, 7, 3}},
-      {"LeadingDotGivesMonth", ".Net Corp", "Nov73.mdb", {2026, 11, 22, 10, 7, 3}},
-      {"NonAsciiGivesMonth", "Ølsen", "Mar73.mdb", {2026, 3, 1, 10, 7, 3}},
-      {"EmptyGivesMonth", "", "Jan00.mdb", {2026, 1, 1, 0, 0, 0}},
-      {"NoLeadingZeros", "AB12", "AB12109.mdb", {2026, 1, 1, 10, 10, 9}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.label);
-    env_->SetNow(c.now);
-    EXPECT_EQ(CalcClientFileName(*app_, c.seed), c.expected);
+    std::istringstream(clock) >> now.year >> now.month >> now.day >> now.hour >> now.minute >>
+        now.second;
+    env_->SetNow(now);
+    EXPECT_EQ(CalcClientFileName(*app_, seed), expected);
   }
   env_->SetNow({2026, 11, 22, 10, 7, 3});
   std::ofstream(app_->taxpayer_folder + "SMIT73.MDB") << "x";
@@ -85,8 +79,7 @@ TEST_F(TaxpayerTest, NewClient_FileFailureLeavesNoIndexRow) {
   StorageFaults faults;
   app_->storage_faults = &faults;
   faults.FailWriteNumber(1);
-  ui_.Expect(ErrorHeader(31010, "disk I/O error (injected)", "CreateClientFile") + kShutDownAdvice,
-             "Warning!", Icon::kCritical, Buttons::kOk);
+  ExpectFatal(31010, "disk I/O error (injected)", "CreateClientFile");
   EXPECT_THROW(NewClient(*app_, "John Doe", "Doe, John", "DOE01", "", kYearEnd), ProgramEnded);
   app_->central = Database::Open(app_->central_path);
   EXPECT_EQ(CountCentralRows("Clients"), 0);
@@ -205,25 +198,24 @@ class DamagedFileTest : public TaxpayerTest {
   std::string path_;
 };
 
-TEST_F(DamagedFileTest, NotADatabase_PossibleErrorAndStop) {
-  Scribble(0);
-  ExpectSaid(ui_, __FILE__, "not_a_database", Answer::kOk,
-             {ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient")});
-  EXPECT_THROW(OpenClient(*app_, "DOE01"), ProgramEnded);
-  EXPECT_EQ(app_->client, nullptr);
-}
-
-TEST_F(DamagedFileTest, DamagedPages_WarningAndCarryOn) {
+// Damaged pages are a warning and the program carries on; a file that is no
+// database at all is a possible error and stops it.
+TEST_F(DamagedFileTest, DamagedThenNotADatabase) {
   // The 100-byte header survives, so SQLite knows the file as its own and
   // finds the pages behind it damaged.
   Scribble(100);
   ExpectSaid(ui_, __FILE__, "damaged");
   EXPECT_FALSE(OpenClient(*app_, "DOE01"));
   EXPECT_EQ(env_->end_calls(), 0);
-  EXPECT_EQ(app_->client, nullptr);
   EXPECT_EQ(State(*app_, kStateQuery), kClientClosed);
   EXPECT_EQ(CentralRow("DOE01"), "John Doe|Doe, John|DOE01|DOE0101.mdb");
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
+
+  Scribble(0);
+  ExpectSaid(ui_, __FILE__, "not_a_database", Answer::kOk,
+             {ErrorHeader(3343, "Unrecognized database format '" + path_ + "'.", "OpenClient")});
+  EXPECT_THROW(OpenClient(*app_, "DOE01"), ProgramEnded);
+  EXPECT_EQ(app_->client, nullptr);
 }
 
 }  // namespace

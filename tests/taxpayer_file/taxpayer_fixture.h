@@ -13,9 +13,6 @@
 
 namespace lotwise::testing {
 
-inline const std::string kShutDownAdvice =
-    " The program will now shut down to prevent errors in your data and calculations.";
-
 // A central file of its own for every test, and readers of the rows the
 // taxpayer operations leave behind.
 class TaxpayerTest : public AppTest {

@@ -1,13 +1,9 @@
 #include <QApplication>
-#include <QCheckBox>
 #include <QDialog>
 #include <QImage>
-#include <QLabel>
-#include <QLineEdit>
 #include <QMessageBox>
 #include <QPrinterInfo>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QScrollArea>
 #include <QTest>
 #include <QTextBrowser>
@@ -19,6 +15,7 @@
 #include "lots/sell_shares.h"
 #include "reports/report_dialogs.h"
 #include "reports_basis/basis_fixture.h"
+#include "support/tests_c_helpers.h"
 #include "ui/qt_ui_port.h"
 #include "ui/report_viewer.h"
 
@@ -26,27 +23,6 @@ namespace lotwise::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-QApplication* qt_app = nullptr;
-
-// Deletes the application while the test program still runs: left to the
-// exit handlers, it would go after Qt's own statics that it needs.
-class QtAppEnvironment : public ::testing::Environment {
- public:
-  void TearDown() override {
-    delete qt_app;
-    qt_app = nullptr;
-  }
-};
-
-const auto* const registered = ::testing::AddGlobalTestEnvironment(new QtAppEnvironment);
-
-void StartQt() {
-  static int argc = 1;
-  static char name[] = "ui_reports_tests";
-  static char* argv[] = {name, nullptr};
-  if (qt_app == nullptr) qt_app = new QApplication(argc, argv);
-}
 
 QList<QWidget*> TopLevels(const char* name) {
   QList<QWidget*> found;
@@ -56,25 +32,11 @@ QList<QWidget*> TopLevels(const char* name) {
   return found;
 }
 
-// Clicks an option at its round button: the widget reaches further right
-// than its caption, and a click there misses.
-void ClickOption(QWidget* option) {
-  QTest::mouseClick(option, Qt::LeftButton, {}, QPoint(6, option->height() / 2));
-}
-
-template <class W>
-W* Find(QWidget* window, const char* name) {
-  W* widget = window ? window->findChild<W*>(QLatin1String(name)) : nullptr;
-  EXPECT_NE(widget, nullptr) << name;
-  return widget;
-}
-
 // The taxpayer's ledger of the core's tests, driven through the desktop
 // program's own port: its dialog windows, message boxes and report viewer.
 class UiReportsTest : public BasisTest {
  protected:
   void SetUp() override {
-    StartQt();
     BasisTest::SetUp();
     Sell(Buy(AddSecurity("IBM", SellMethod::kFifo), "01/05/2024", 10, "100"), "06/03/2025", 4,
          "60");
@@ -132,55 +94,45 @@ class UiReportsTest : public BasisTest {
   std::unique_ptr<Application> desk_;
 };
 
-// The Basis Analysis window's View shows the report in a viewer window
-// captioned with its title, with the ledger's figures; the choices are
-// kept for the next time.
-TEST_F(UiReportsTest, BasisView_OpensViewerWithReport) {
+// In the Basis Analysis window Enter moves to the next field and never
+// runs the report; a refused year end keeps the window open with the focus
+// back on the date. View shows the report in a viewer window captioned
+// with its title, with the ledger's figures; the choices are kept for the
+// next time.
+TEST_F(UiReportsTest, BasisOptions_RefusedThenView) {
+  std::string message;
   Drive([&] { ShowBasisAnalysisDialog(*desk_); },
         [&](QWidget* dialog) {
           ASSERT_NE(dialog, nullptr);
           EXPECT_EQ(dialog->windowTitle(), "Basis Analysis Options");
-          auto* date = Find<QLineEdit>(dialog, "dtYearEnd");
+          auto* date = Get<QLineEdit>(*dialog, "dtYearEnd");
           EXPECT_EQ(date->displayText(), "12/31/2025");
-          date->selectAll();
-          QTest::keyClicks(date, "06302025");
-          ClickOption(Find<QRadioButton>(dialog, "CSoptReportType1"));
-          QTest::mouseClick(Find<QPushButton>(dialog, "btnView"), Qt::LeftButton);
-        });
-  const QList<QWidget*> viewers = TopLevels("frmReportViewer");
-  ASSERT_EQ(viewers.size(), 1);
-  EXPECT_EQ(viewers[0]->windowTitle(), "Basis Analysis Report");
-  const std::string text =
-      Find<QWidget>(viewers[0], "pnlPages")->accessibleDescription().toStdString();
-  EXPECT_NE(text.find("Summary"), std::string::npos);
-  EXPECT_NE(text.find("Year End: 06/30/2025"), std::string::npos);
-  EXPECT_NE(text.find("IBM IBM Corp FIFO 6 60.00 10.00"), std::string::npos) << text;
-  EXPECT_EQ(desk_->prefs.basis_ye, "06/30/2025");
-}
-
-// Enter moves to the next field and never runs the report; a refused year
-// end keeps the window open with the focus back on the date.
-TEST_F(UiReportsTest, BasisOptions_EnterMovesOnAndBadDateRefocuses) {
-  std::string message;
-  Drive([&] { ShowBasisAnalysisDialog(*desk_); },
-        [&](QWidget* dialog) {
-          auto* date = Find<QLineEdit>(dialog, "dtYearEnd");
           date->setFocus();
           QTest::keyClick(date, Qt::Key_Return);
           EXPECT_EQ(dialog->focusWidget()->objectName(), "CSoptScope0");
-          EXPECT_TRUE(dialog->isVisible());
           date->setFocus();
           date->selectAll();
           QTest::keyClicks(date, "13452025");
           AnswerNextMessage(&message);
-          QTest::mouseClick(Find<QPushButton>(dialog, "btnView"), Qt::LeftButton);
-          EXPECT_TRUE(dialog->isVisible());
+          Click(*dialog, "btnView");
+          EXPECT_TRUE(dialog->isVisible() && TopLevels("frmReportViewer").empty());
           EXPECT_EQ(dialog->focusWidget(), date);
-          QTest::mouseClick(Find<QPushButton>(dialog, "btnCancel"), Qt::LeftButton);
+          EXPECT_EQ(desk_->prefs.basis_ye, "13/45/2025");
+          date->selectAll();
+          QTest::keyClicks(date, "06302025");
+          Click(*dialog, "CSoptReportType1");
+          Click(*dialog, "btnView");
         });
   EXPECT_EQ(message, ReadSaid(kReportsSource, "invalid_year_end").text);
-  EXPECT_TRUE(TopLevels("frmReportViewer").empty());
-  EXPECT_EQ(desk_->prefs.basis_ye, "13/45/2025");
+  const QList<QWidget*> viewers = TopLevels("frmReportViewer");
+  ASSERT_EQ(viewers.size(), 1);
+  EXPECT_EQ(viewers[0]->windowTitle(), "Basis Analysis Report");
+  const std::string text =
+      Get<QWidget>(*viewers[0], "pnlPages")->accessibleDescription().toStdString();
+  EXPECT_NE(text.find("Summary"), std::string::npos);
+  EXPECT_NE(text.find("Year End: 06/30/2025"), std::string::npos);
+  EXPECT_NE(text.find("IBM IBM Corp FIFO 6 60.00 10.00"), std::string::npos) << text;
+  EXPECT_EQ(desk_->prefs.basis_ye, "06/30/2025");
 }
 
 // The viewer draws each page at 100 % (a point is 1/72 inch) and its pages
@@ -201,10 +153,10 @@ TEST_F(UiReportsTest, Viewer_FullSizePagesFollowWindow) {
   QWidget* viewer = TopLevels("frmReportViewer").value(0);
   ASSERT_NE(viewer, nullptr);
   EXPECT_EQ(viewer->windowTitle(), "Test Report");
-  auto* pages = Find<QWidget>(viewer, "pnlPages");
+  auto* pages = Get<QWidget>(*viewer, "pnlPages");
   const double scale = pages->logicalDpiX() / 72.0;
   EXPECT_EQ(pages->minimumWidth(), qRound(612 * scale) + 32);
-  auto* scroll = Find<QScrollArea>(viewer, "scrReport");
+  auto* scroll = Get<QScrollArea>(*viewer, "scrReport");
   for (QSize size : {QSize(400, 300), QSize(1400, 1100)}) {
     viewer->resize(size);
     QApplication::processEvents();
@@ -254,10 +206,10 @@ TEST_F(UiReportsTest, HelpWindow_OpensPageOnce) {
   ui::ShowHelpWindow(folder + "index.html", "", nullptr);
   const QList<QWidget*> windows = TopLevels("frmHelp");
   ASSERT_EQ(windows.size(), 1);
-  auto* browser = Find<QTextBrowser>(windows[0], "txtHelp");
+  auto* browser = Get<QTextBrowser>(*windows[0], "txtHelp");
   EXPECT_EQ(browser->source().fileName(), "index.html");
-  EXPECT_TRUE(Find<QPushButton>(windows[0], "btnBack")->isEnabled());
-  QTest::mouseClick(Find<QPushButton>(windows[0], "btnBack"), Qt::LeftButton);
+  EXPECT_TRUE(Get<QPushButton>(*windows[0], "btnBack")->isEnabled());
+  Click(*windows[0], "btnBack");
   EXPECT_EQ(browser->source().fileName() + "#" + browser->source().fragment(),
             "reports.html#basis");
 }

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 #include <optional>
-#include <ostream>
+#include <sstream>
 #include <string>
 
 #include "data/database.h"
@@ -21,7 +21,7 @@ namespace {
 // The help bar's text at each step of the chain (golden/steps.txt).
 const std::vector<GoldenCase> kSteps = ReadCases(__FILE__, "steps.txt");
 const int kStepCount = static_cast<int>(kSteps.at(0).Lines("").size());
-const int kFromLw99 = 9, kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
+const int kLw96_12 = 1, kLw96_20 = 3, kLw2000_20 = 13;
 const std::string kStale = "SELECT 'stale'";
 const std::string kMissing = "(missing)";
 
@@ -45,30 +45,33 @@ std::string SavedOrMissing(Database& db, const char* name) {
   return db.HasSavedQuery(name) ? db.SavedQuerySql(name) : kMissing;
 }
 
-// One walk: the stored version (none = empty table), the "Update All"
-// setting, and the steps that must run: from `first_step` on, but
-// `skipped`.
+// golden/walks.txt: the stored version ("-" for an empty table), whether
+// "Update All" is set, and the steps that must run: from the first on but
+// the skipped one.
 struct WalkCase {
-  const char* name;
   std::optional<std::string> stored;
-  bool update_all;
-  int first_step;
-  int skipped;
+  bool update_all = false;
+  int first_step = 0, skipped = -1;
 };
 
-// Names the row in failure messages instead of dumping its bytes.
-void PrintTo(const WalkCase& row, std::ostream* os) { *os << row.name; }
-
-class WalkTest : public AppTest, public ::testing::WithParamInterface<WalkCase> {
+class WalkTest : public AppTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
-  bool Runs(int step) const { return step >= GetParam().first_step && step != GetParam().skipped; }
+  void SetUp() override {
+    AppTest::SetUp();
+    std::istringstream words(GetParam().Lines("").at(0));
+    std::string stored, update_all;
+    words >> stored >> update_all >> c.first_step >> c.skipped;
+    if (stored != "-") c.stored = stored;
+    c.update_all = update_all == "yes";
+  }
+  bool Runs(int step) const { return step >= c.first_step && step != c.skipped; }
+  WalkCase c;
 };
 
 // Both chains over files of the current layout: each stored version joins
 // the chain at its step, shows exactly the texts of the steps it passes,
 // does the saved-query work of exactly those steps, and ends at the current version in one row.
 TEST_P(WalkTest, Walk_FromStoredVersion) {
-  const WalkCase& c = GetParam();
   OpenFreshCentral();
   OpenFreshTaxpayer();
   Database& central = *app_->central;
@@ -105,17 +108,8 @@ TEST_P(WalkTest, Walk_FromStoredVersion) {
             Runs(kLw96_12) ? saved_sql::kTotalSharesPerTable : kMissing);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Chain, WalkTest,
-    ::testing::Values(WalkCase{"EmptyVersionTable", std::nullopt, false, 0, kFromLw99},
-                      WalkCase{"From96_10", "LW96.10", false, 0, kFromLw99},
-                      WalkCase{"From95_10", "LW95.10", false, 0, kFromLw99},
-                      WalkCase{"From96_21", "LW96.21", false, 5, kFromLw99},
-                      WalkCase{"FromIrregular99_10", "LW99.10", false, kFromLw99, -1},
-                      WalkCase{"FromCurrent", "LW2005.20", false, kStepCount, -1},
-                      WalkCase{"UnknownVersion", "LW3000.10", false, kStepCount, -1},
-                      WalkCase{"UpdateAllOnCurrent", "LW2005.20", true, 0, -1}),
-    [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(Chain, WalkTest, ::testing::ValuesIn(ReadCases(__FILE__, "walks.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // A file from before the per-symbol sell method: the walk moves each
 // symbol's method into "Sell Method" (the oldest security row deciding when
@@ -153,52 +147,41 @@ TEST_F(OldTaxpayerFileTest, Walk_MovesSellMethodsToTheirTable) {
 // A walk whose 96.20 step fails undoes everything the walk did before it,
 // keeps the stored version so that the next open tries again, and tells the
 // user twice: the error handler, then the update's own note.
-struct FailCase {
-  const char* name;
-  const char* start;
-  int first_step;
-  int failing_write;  // 0: a conflicting index makes adding the table fail
-  int number;
-  const char* text;
-};
-
 class FailingStepTest : public OldTaxpayerFileTest,
-                        public ::testing::WithParamInterface<FailCase> {};
+                        public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(FailingStepTest, Walk_LeavesFileAsItWas) {
-  const FailCase& c = GetParam();
-  MakeOldFile(c.start);
+  // golden/failing_steps.txt: "start first-step failing-write number text".
+  std::istringstream words(GetParam().Lines("").at(0));
+  std::string start, text;
+  int first_step = 0, failing_write = 0, number = 0;
+  words >> start >> first_step >> failing_write >> number >> std::ws;
+  std::getline(words, text);
+  MakeOldFile(start);
   const std::string path = app_->client->path();
   app_->client.reset();
   StorageFaults faults;
   app_->client = Database::Open(path, Database::Mode::kShared, &faults);
-  if (c.failing_write == 0) {
+  if (failing_write == 0) {
     app_->client->Execute(R"(CREATE INDEX "Sell Method" ON "Security" ("Sec Symbol"))");
   } else {
-    faults.FailWriteNumber(c.failing_write);
+    faults.FailWriteNumber(failing_write);
   }
-  ui_.Expect(FatalMessage(c.number, c.text, "AddSellMethodTable"), "Warning!", Icon::kCritical,
-             Buttons::kOk);
+  ExpectFatal(number, text, "AddSellMethodTable");
 
   EXPECT_THROW(UpdateCurrClientDB(*app_, false), ProgramEnded);
-  EXPECT_EQ(ui_.help_texts(), Texts(c.first_step, kLw96_20, false));
+  EXPECT_EQ(ui_.help_texts(), Texts(first_step, kLw96_20, false));
   auto db = Database::Open(path);
-  EXPECT_EQ(Version(*db), Lines{c.start});
+  EXPECT_EQ(Version(*db), Lines{start});
   EXPECT_FALSE(db->HasTable("Sell Method"));
   EXPECT_FALSE(db->HasSavedQuery("Total Shares Per Table"));
   EXPECT_EQ(db->Columns("Security").back(), "Sell Method");
   EXPECT_EQ(db->IntegrityCheck(), "ok");
 }
 
-// Starting after 96.12 keeps that step's writes out of the count: the walk's
-// first write creates the table, the second fills its first row.
-INSTANTIATE_TEST_SUITE_P(
-    AddSellMethodTable, FailingStepTest,
-    ::testing::Values(FailCase{"ConflictingIndex", "LW96.10", 0, 0, err::kSqliteBase + 1,
-                               "there is already an index named Sell Method"},
-                      FailCase{"WriteFaultWhileFilling", "LW96.13", kLw96_20, 2,
-                               err::kSqliteBase + 10, "disk I/O error (injected)"}),
-    [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(AddSellMethodTable, FailingStepTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "failing_steps.txt")),
+                         [](const auto& info) { return info.param.name; });
 
 // The central 96.20 step reads its query from the template; without the
 // template it fails, and the central file keeps its version and queries.
@@ -208,9 +191,7 @@ TEST_F(OldTaxpayerFileTest, CentralWalk_MissingTemplateKeepsVersion) {
   app_->central->DeleteSavedQuery("Get a Client");
   const std::string template_path = app_->ProgramFile(kCentralTemplateName);
   std::filesystem::remove(template_path);
-  ui_.Expect(FatalMessage(err::kFileNotFound, "Could not find file '" + template_path + "'.",
-                          "CentralTo96_20"),
-             "Warning!");
+  ExpectFatal(err::kFileNotFound, "Could not find file '" + template_path + "'.", "CentralTo96_20");
 
   EXPECT_THROW(UpdateCentralDB(*app_, *app_->central, false), ProgramEnded);
 
