@@ -11,6 +11,7 @@
 #include "ground/program_ended.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -98,8 +99,7 @@ TEST_F(WindowTest, State_QueryNoneAndMisuse) {
   const auto visible = app_->window.visible;
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   EXPECT_EQ(app_->window.visible, visible);
-  ui_.Expect("Incorrect usage of function State", "Incorrect Usage!", Icon::kExclamation,
-             Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "misuse");
   EXPECT_EQ(State(*app_, 5), kPortOpen);
   EXPECT_EQ(State(*app_, kStateNone), kStateNone);
   EXPECT_EQ(app_->window.enabled, enabled);
@@ -155,10 +155,7 @@ TEST_F(CommandTest, RunMenuCommand_RefusesDisabled) {
   EXPECT_FALSE(RunMenuCommand(*app_, "btnRollback"));
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   SecList_Select(*app_, 0);
-  ui_.Expect(
-      "You are about to delete Security: IBM. The Security will be removed from the Portfolio and "
-      "all blocks in it will be deleted. Are you sure you want to do this?",
-      "Delete Security?", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "delete security", Answer::kNo);
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuSecurityDelete"));
   EXPECT_EQ(CountClientRows("Security"), 1);
 }
@@ -175,10 +172,7 @@ TEST_F(CommandTest, RunMenuCommand_OptionsModifySellAndExit) {
   EXPECT_EQ(app_->window.display.total_shares, "100");
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuOpenOnlyPort"));
   EXPECT_FALSE(app_->window.options.open_only_port);
-  ui_.Expect(
-      "Please click on a Sell transaction in the Transaction List first. Every Sell transaction "
-      "of the Security on its date will be modified together.",
-      "No Sell Selected");
+  ExpectSaid(ui_, __FILE__, "no sell selected");
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuModEntireSell"));
   EXPECT_THROW(RunMenuCommand(*app_, "Exit"), ProgramEnded);
   EXPECT_EQ(ui_.help_texts().back(), "Thank you for using the Tarnwick Software - Lotwise");

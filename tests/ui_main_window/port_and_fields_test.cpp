@@ -12,6 +12,7 @@
 
 #include "data/application.h"
 #include "lots/buy_reinvest.h"
+#include "support/tests_a_helpers.h"
 #include "support/tests_c_helpers.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
@@ -86,10 +87,9 @@ TEST(QtUiPortTest, RunModal_UnknownFormIsReported) {
   OnNextModal([](QWidget* modal) {
     auto* box = qobject_cast<QMessageBox*>(modal);
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->windowTitle(), "Window Not Available");
-    EXPECT_EQ(box->text(),
-              "The window dlgBuyReinvest is not available in this version of Lotwise. Nothing "
-              "has been changed.");
+    const Said said = ReadSaid(__FILE__, "no window");
+    EXPECT_EQ(box->windowTitle().toStdString() + "|" + box->text().toStdString(),
+              said.title + "|" + said.text);
     box->button(QMessageBox::Ok)->click();
   });
   NamesakeForm form;
