@@ -44,6 +44,29 @@ class EntryWindowTest : public LotWindowTest {
     OnWindow(window, std::move(drive));
     show(*app_);
   }
+  // Each case of a case file whose name starts "show window": shows that
+  // window and plays `drive` with the case on it.
+  void ForEachWindow(const char* cases, std::function<void(QDialog&, const GoldenCase&)> drive) {
+    const std::map<std::string, void (*)(Application&)> shows = {
+        {"ShowBuyShares", ShowBuyShares},
+        {"ShowReinvest", ShowReinvest},
+        {"ShowSellShares", ShowSellShares},
+        {"ShowMethod", ShowMethod},
+        {"ShowSplit", ShowSplit},
+        {"ShowDividend", ShowDividend},
+        {"ShowAdjustBlock", ShowAdjustBlock},
+        {"ShowModifyTrans", ShowModifyTrans},
+        {"ShowModifySell", ShowModifySell},
+        {"ShowRollBack", ShowRollBack}};
+    for (const GoldenCase& c : ReadCases(__FILE__, cases)) {
+      SCOPED_TRACE(c.name);
+      std::istringstream words(c.name);
+      std::string show, window;
+      words >> show >> window;
+      Show(shows.at(show), window.c_str(), [&](QDialog& dialog) { drive(dialog, c); });
+      EXPECT_TRUE(ui_.Done());
+    }
+  }
   void ExpectUnchanged() {
     EXPECT_EQ(BuyRows(), Strings{"01/02/2024-1|100|1000|0|"});
     EXPECT_EQ(SellRows(), Strings{"01/02/2024-1|-40|500|0"});
@@ -53,32 +76,15 @@ class EntryWindowTest : public LotWindowTest {
 // Every window opens captioned by its mode, the security shown with a
 // literal "&"; Cancel stores nothing.
 TEST_F(EntryWindowTest, Windows_OpenWithCaption) {
-  struct Case {
-    void (*show)(Application&);
-    const char *window, *caption, *security;  // the label showing the security, or null
-  };
-  const Case cases[] = {{ShowBuyShares, "dlgBuyReinvest", "Buy Shares", "lblSecurity"},
-                        {ShowReinvest, "dlgBuyReinvest", "Reinvestment", "lblSecurity"},
-                        {ShowSellShares, "dlgSellShares", "Sell Shares", "lblSecurity"},
-                        {ShowMethod, "dlgMethod", "Sell Method", nullptr},
-                        {ShowSplit, "dlgSplitDiv", "Stock Split", "lblSecurity"},
-                        {ShowDividend, "dlgSplitDiv", "Stock Dividend", "lblSecurity"},
-                        {ShowAdjustBlock, "dlgAdjustBlock", "Adjustment", "pnlSecurity"},
-                        {ShowModifyTrans, "dlgModifyTrans", "Modify Buy", "lblSecurity"},
-                        {ShowModifySell, "dlgModifyTrans", "Modify Sell", "lblSecurity"},
-                        {ShowRollBack, "dlgRollback", "Rollback", nullptr}};
   Arrange();
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.caption);
-    Show(c.show, c.window, [&](QDialog& dialog) {
-      EXPECT_EQ(ui::FromQ(dialog.windowTitle()), c.caption);
-      if (c.security != nullptr) {
-        EXPECT_EQ(ui::FromQ(Get<QLabel>(dialog, c.security)->text()), "AT&T");
-      }
-      Click(dialog, "btnCancel");
-    });
-    EXPECT_TRUE(ui_.Done());
-  }
+  ForEachWindow("captions.txt", [&](QDialog& dialog, const GoldenCase& c) {
+    EXPECT_EQ(ui::FromQ(dialog.windowTitle()), c.Lines("").at(0));
+    const std::string label = c.name.substr(c.name.rfind(' ') + 1);
+    if (label != "-") {
+      EXPECT_EQ(ui::FromQ(Get<QLabel>(dialog, label.c_str())->text()), "AT&T");
+    }
+    Click(dialog, "btnCancel");
+  });
   ExpectUnchanged();
 }
 
@@ -88,40 +94,30 @@ TEST_F(EntryWindowTest, Windows_OpenWithCaption) {
 // it, and the focus goes back where the check sends it. Escape then stores
 // nothing.
 TEST_F(EntryWindowTest, EnterAndLeave_MoveFocusAndRunChecks) {
-  const std::map<std::string, void (*)(Application&)> shows = {{"ShowBuyShares", ShowBuyShares},
-                                                               {"ShowSellShares", ShowSellShares},
-                                                               {"ShowSplit", ShowSplit},
-                                                               {"ShowDividend", ShowDividend},
-                                                               {"ShowAdjustBlock", ShowAdjustBlock},
-                                                               {"ShowModifySell", ShowModifySell},
-                                                               {"ShowRollBack", ShowRollBack}};
   Arrange();
-  for (const GoldenCase& c : ReadCases(__FILE__, "enter_and_leave.txt")) {
-    SCOPED_TRACE(c.name);
+  ForEachWindow("enter_and_leave.txt", [&](QDialog& dialog, const GoldenCase& c) {
     std::istringstream words(c.name);
-    std::string window, show, field, keys, key;
-    words >> window >> show >> field >> keys >> key;
+    std::string field, keys, key;
+    words >> field >> field >> field >> keys >> key;
     if (keys == "-") keys.clear();
-    Show(shows.at(show), window.c_str(), [&](QDialog& dialog) {
-      // An empty date field has the focus when a window opens; filled,
-      // moving on from it draws no date message.
-      if (field != "dtDate" && dialog.findChild<QLineEdit*>("dtDate") &&
-          Shown(dialog, "dtDate") == "__/__/____") {
-        Type(dialog, "dtDate", "03152024");
-      }
-      for (const GoldenSection& said : c.sections) {
-        if (said.key == "said") ui_.Expect(said.lines.at(0), said.args);
-      }
-      Type(dialog, field.c_str(), QString::fromStdString(keys));
-      QTest::keyClick(Get(dialog, field.c_str()), key == "Enter" ? Qt::Key_Return : Qt::Key_Tab);
-      EXPECT_TRUE(ui_.Done()) << "a message was not shown";
-      EXPECT_EQ(Shown(dialog, field.c_str()), c.Lines("shown").at(0));
-      EXPECT_EQ(FocusName(), c.Lines("focus").at(0));
-      for (const std::string& help : c.Lines("help")) EXPECT_EQ(ui_.help_texts().back(), help);
-      EXPECT_TRUE(dialog.isVisible());
-      QTest::keyClick(&dialog, Qt::Key_Escape);
-    });
-  }
+    // An empty date field has the focus when a window opens; filled,
+    // moving on from it draws no date message.
+    if (field != "dtDate" && dialog.findChild<QLineEdit*>("dtDate") &&
+        Shown(dialog, "dtDate") == "__/__/____") {
+      Type(dialog, "dtDate", "03152024");
+    }
+    for (const GoldenSection& said : c.sections) {
+      if (said.key == "said") ui_.Expect(said.lines.at(0), said.args);
+    }
+    Type(dialog, field.c_str(), QString::fromStdString(keys));
+    QTest::keyClick(Get(dialog, field.c_str()), key == "Enter" ? Qt::Key_Return : Qt::Key_Tab);
+    EXPECT_TRUE(ui_.Done()) << "a message was not shown";
+    EXPECT_EQ(Shown(dialog, field.c_str()), c.Lines("shown").at(0));
+    EXPECT_EQ(FocusName(), c.Lines("focus").at(0));
+    for (const std::string& help : c.Lines("help")) EXPECT_EQ(ui_.help_texts().back(), help);
+    EXPECT_TRUE(dialog.isVisible());
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
   ExpectUnchanged();
 }
 // Leaving a field for Cancel defers its check: cancelling draws no message
