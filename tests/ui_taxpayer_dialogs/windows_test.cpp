@@ -128,6 +128,7 @@ TEST_F(TaxpayerWindowsTest, NewTaxpayer_LeaveCheckHelpAndRefusal) {
     EXPECT_EQ(Shown(window, "txtSortName"), "Public Family");
     ExpectSaid(ui_, __FILE__, "incomplete");
     Click(window, "btnOK");
+    EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(Shown(window, "txtClientName") + "|" + Shown(window, "dtYearEnd"),
               "John Q. Public|01/01/1990");
     Click(window, "btnCancel");
