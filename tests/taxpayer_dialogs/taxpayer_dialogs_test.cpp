@@ -30,15 +30,21 @@ class DialogsTest : public AppTest {
   }
 };
 
-// "&New Taxpayer File..." creates and opens the taxpayer, quotes and other
-// letters kept as typed (the window tests play a refused entry).
+// "&New Taxpayer File...": a refused entry keeps the dialog open and
+// writes nothing; an accepted one creates and opens the taxpayer, quotes and
+// other letters kept as typed.
 TEST_F(DialogsTest, ShowNewClient_CreatesAndOpens) {
   ExpectForm<NewModClientForm>([&](NewModClientForm& form) {
+    EXPECT_EQ(form.caption, "New Taxpayer");
     EXPECT_EQ(form.client_name + form.sort_name + form.client_code + form.opt_line, "");
     form.client_name = "Zoë O'Brien \"Bee\"";
     form.sort_name = "O'Brien, Zoë";
     form.year_end = "12/31/2025";
     form.opt_line = "c/o \"Trust\" – Ünï";
+    ExpectSaid(ui_, __FILE__, "incomplete");
+    PressOkNewModClient(*app_, form);
+    EXPECT_FALSE(form.closed);
+    EXPECT_EQ(CountCentralRows("Clients"), 0);
     form.client_code = "OBR01";
     PressOkNewModClient(*app_, form);
     EXPECT_TRUE(form.closed);
@@ -113,6 +119,7 @@ TEST_F(DialogsTest, OpenClient_OpensSelectedAndItsOnlyPortfolio) {
     SCOPED_TRACE(i);
     app_->window.options.open_only_port = cases[i].option;
     ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
+      EXPECT_EQ(form.open_caption + "/" + form.cancel_caption, "Open/Cancel");
       ASSERT_EQ(form.clients.size(), 4u);
       form.selected = i;
       OpenClient_Open(*app_, form);
@@ -132,6 +139,7 @@ TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
   AddTaxpayer("ADA01", "Ada Byron", "BYRO01.mdb");
   OpenFreshTaxpayer("DOE01", "John Doe", "DOE0101.mdb");
   ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
+    EXPECT_EQ(form.open_caption + "/" + form.cancel_caption, "Delete/Close");
     ASSERT_EQ(form.clients.size(), 2u);
     EXPECT_EQ(form.clients[0].client_code, "ADA01");
     ExpectSaid(ui_, __FILE__, "delete taxpayer", Answer::kNo);
@@ -161,6 +169,7 @@ TEST_F(DialogsTest, PortfolioDialogs_NewOpenModifyClose) {
   Portfolio("Income", "dividends");
   Buy(Security("IBM", "Income"), "03/01/2021", 10, "1000");
   ExpectForm<NewModPortForm>([&](NewModPortForm& form) {
+    EXPECT_EQ(form.caption, "New Portfolio");
     form.port_name = "income";
     form.second_line = "long term";
     ExpectSaid(ui_, __FILE__, "name in use");
@@ -175,6 +184,8 @@ TEST_F(DialogsTest, PortfolioDialogs_NewOpenModifyClose) {
   EXPECT_EQ(app_->window.state, kPortOpen);
   EXPECT_EQ(app_->current.port_name, "Growth");
   ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
+              "Open Portfolio|Open/Cancel");
     ASSERT_EQ(form.portfolios.size(), 2u);
     EXPECT_EQ(form.portfolios[0].port_name + "|" + form.portfolios[0].second_line,
               "Growth|long term");
@@ -224,6 +235,8 @@ TEST_F(DialogsTest, ShowDelPort_RemovesPortfolioAndItsRows) {
     return CountClientRows("Security") + CountClientRows("Blocks") + CountClientRows("Buy");
   };
   ExpectForm<OpenDelPortForm>([&](OpenDelPortForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.ok_caption + "/" + form.cancel_caption,
+              "Delete Portfolio|Delete/Close");
     form.selected = 1;
     expect_question("Income", Answer::kNo);
     OpenDelPort_OK(*app_, form);
