@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -11,42 +13,44 @@
 #include "ground/program_ended.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
+
+// The cases "=== kind STATE name value..." of golden/states.txt.
+struct StateCase {
+  int16_t state;
+  std::string name, value, more;
+};
+std::vector<StateCase> StateCases(const std::string& kind) {
+  const std::vector<std::string> states = {"", "CLIENTCLOSED", "CLIENTOPEN", "PORTOPEN", "SECOPEN"};
+  std::vector<StateCase> cases;
+  for (const GoldenCase& c : ReadCases(__FILE__, "states.txt")) {
+    std::istringstream words(c.name);
+    std::string case_kind, state;
+    StateCase row;
+    words >> case_kind >> state >> row.name >> row.value >> row.more;
+    row.state =
+        static_cast<int16_t>(std::find(states.begin(), states.end(), state) - states.begin());
+    if (case_kind == kind) cases.push_back(row);
+  }
+  EXPECT_FALSE(cases.empty()) << kind;
+  return cases;
+}
 
 // Each move sets exactly what its state allows: off and on whatever the
 // element was before, "keep" cells keep either previous value, and names
 // the state does not govern are never touched.
 TEST_F(WindowTest, State_SetsEachElement) {
-  enum Cell { kOff, kOn, kKeep };
-  struct Case {
-    int16_t state;
-    const char* name;
-    bool is_menu;  // a menu's visibility rather than an item's or key's enabling
-    Cell expected;
-  };
-  const Case cases[] = {{kClientClosed, "mnuPortfolio", true, kOff},
-                        {kPortOpen, "mnuSecurity", true, kOn},
-                        {kSecOpen, "mnuActions", true, kOn},
-                        {kClientClosed, "mnuFileCloseClient", false, kOff},
-                        {kClientClosed, "mnuPortfolioModify", false, kKeep},
-                        {kClientOpen, "mnuChangeMethod", false, kKeep},
-                        {kSecOpen, "mnuChangeMethod", false, kOn},
-                        {kPortOpen, "mnuDeleteBlock", false, kOff},
-                        {kClientOpen, "mnuSecListing", false, kOn},
-                        {kClientClosed, "NewPort", false, kOff},
-                        {kPortOpen, "AddSec", false, kOn},
-                        {kSecOpen, "mnuFileNewClient", false, kKeep}};
-  for (const Case& c : cases) {
+  for (const auto& [state, name, kind, expected] : StateCases("set")) {
     for (bool before : {false, true}) {
-      SCOPED_TRACE(std::string(c.name) + " in " + std::to_string(c.state) + " was " +
-                   std::to_string(before));
-      (c.is_menu ? app_->window.visible : app_->window.enabled)[c.name] = before;
-      EXPECT_EQ(State(*app_, c.state), c.state);
-      const bool after =
-          c.is_menu ? app_->window.IsVisible(c.name) : app_->window.IsEnabled(c.name);
-      EXPECT_EQ(after, c.expected == kKeep ? before : c.expected == kOn);
+      SCOPED_TRACE(name + " in " + std::to_string(state) + " was " + std::to_string(before));
+      const bool menu = kind == "menu";
+      (menu ? app_->window.visible : app_->window.enabled)[name] = before;
+      EXPECT_EQ(State(*app_, state), state);
+      const bool after = menu ? app_->window.IsVisible(name) : app_->window.IsEnabled(name);
+      EXPECT_EQ(after, expected == "keep" ? before : expected == "on");
     }
   }
 }
@@ -98,8 +102,7 @@ TEST_F(WindowTest, State_QueryNoneAndMisuse) {
   const auto visible = app_->window.visible;
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   EXPECT_EQ(app_->window.visible, visible);
-  ui_.Expect("Incorrect usage of function State", "Incorrect Usage!", Icon::kExclamation,
-             Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "misuse");
   EXPECT_EQ(State(*app_, 5), kPortOpen);
   EXPECT_EQ(State(*app_, kStateNone), kStateNone);
   EXPECT_EQ(app_->window.enabled, enabled);
@@ -125,25 +128,10 @@ class CommandTest : public WindowTest {
 // A command runs only when it is known and built, enabled in the state, and
 // its menu, the tool bar or the security panel is shown.
 TEST_F(CommandTest, CanRunMenuCommand_FollowsState) {
-  struct Case {
-    int16_t state;
-    const char* name;
-    bool runs;
-  };
-  const Case cases[] = {{kClientClosed, "mnuFileNewClient", true},
-                        {kClientClosed, "mnuFileCloseClient", false},
-                        {kClientClosed, "NewPort", false},
-                        {kClientClosed, "Help", true},
-                        {kClientOpen, "mnuSecurityAdd", false},  // its menu hidden
-                        {kPortOpen, "mnuBuyShares", false},
-                        {kPortOpen, "btnSell", false},  // the panel hidden
-                        {kSecOpen, "btnBuy", true},
-                        {kSecOpen, "mnuBasisAnalysis", true},
-                        {kSecOpen, "mnuNoSuchItem", false}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    Enter(c.state);
-    EXPECT_EQ(CanRunMenuCommand(*app_, c.name), c.runs);
+  for (const auto& [state, name, runs, unused] : StateCases("run")) {
+    SCOPED_TRACE(name);
+    Enter(state);
+    EXPECT_EQ(CanRunMenuCommand(*app_, name), runs == "yes");
   }
 }
 
@@ -155,10 +143,7 @@ TEST_F(CommandTest, RunMenuCommand_RefusesDisabled) {
   EXPECT_FALSE(RunMenuCommand(*app_, "btnRollback"));
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   SecList_Select(*app_, 0);
-  ui_.Expect(
-      "You are about to delete Security: IBM. The Security will be removed from the Portfolio and "
-      "all blocks in it will be deleted. Are you sure you want to do this?",
-      "Delete Security?", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "delete security", Answer::kNo);
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuSecurityDelete"));
   EXPECT_EQ(CountClientRows("Security"), 1);
 }
@@ -175,10 +160,7 @@ TEST_F(CommandTest, RunMenuCommand_OptionsModifySellAndExit) {
   EXPECT_EQ(app_->window.display.total_shares, "100");
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuOpenOnlyPort"));
   EXPECT_FALSE(app_->window.options.open_only_port);
-  ui_.Expect(
-      "Please click on a Sell transaction in the Transaction List first. Every Sell transaction "
-      "of the Security on its date will be modified together.",
-      "No Sell Selected");
+  ExpectSaid(ui_, __FILE__, "no sell selected");
   EXPECT_TRUE(RunMenuCommand(*app_, "mnuModEntireSell"));
   EXPECT_THROW(RunMenuCommand(*app_, "Exit"), ProgramEnded);
   EXPECT_EQ(ui_.help_texts().back(), "Thank you for using the Tarnwick Software - Lotwise");

@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <string>
 
 #include "app/file_location_dialog.h"
@@ -18,6 +17,7 @@
 #include "ground/paths.h"
 #include "ground/program_ended.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -27,12 +27,6 @@ namespace fs = std::filesystem;
 void WriteText(const std::string& path, const std::string& text) {
   fs::create_directories(fs::path(path).parent_path());
   std::ofstream(path, std::ios::binary) << text;
-}
-std::string ReadText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
 }
 
 // The start-up tests read and write the INI file and the settings store as
@@ -114,11 +108,8 @@ TEST_F(StartupTest, GetUniqueReportName_FirstFreeName) {
     WriteText(root_ + "tmp/~LW07" + (s < 10 ? "0" : "") + std::to_string(s) + ".MDB", "");
   }
   std::string text = "Path/File access error: every name " + root_ + "tmp/~LW07??.MDB is taken";
-  ui_.Expect(ErrorHeader(75, text, "GetUniqueReportName") +
-                 " This error usually occurs when a file, needed by Lotwise has been opened by "
-                 "another program, or is missing. Please make sure you have not opened any Lotwise "
-                 "files before starting this program again.",
-             "Error!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "names taken", Answer::kOk,
+             {ErrorHeader(75, text, "GetUniqueReportName")});
   EXPECT_THROW(GetUniqueReportName(*app_), ProgramEnded);
 }
 
@@ -144,11 +135,7 @@ TEST_P(BrokenDataFolder, Main_WarnsOffersLocationsAndEnds) {
     WriteText(app_->settings_store_path,
               Rooted(std::string("[File Options]\nSSF Path=") + c.store + "\n"));
   }
-  ui_.Expect(
-      "You need to specify where you want the program to look for your data files. Client files "
-      "are usually in C:\\LW\\DATA\\CLIENT and CENTRAL.MDB is usually located in "
-      "C:\\LW\\DATA\\CENTRAL. Please make sure either these folders exist.",
-      "WARNING", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no data folder");
   ui_.ExpectDialog("dlgFileLoc", [&](DialogForm& form) {
     auto& f = dynamic_cast<FileLocForm&>(form);
     EXPECT_EQ(f.ssf_folder + "|" + f.client_folder, app_->ssf_folder + "|" + DefaultClient());
@@ -158,14 +145,10 @@ TEST_P(BrokenDataFolder, Main_WarnsOffersLocationsAndEnds) {
     PressOkFileLoc(*app_, f);
   });
   if (designate) {
-    ui_.Expect("The program will now close down so the changes can be registered by the system.",
-               "Notice", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "closing down");
   } else {
-    ui_.Expect(ErrorHeader(76, "Path not found: " + Rooted(c.failing), "Main") +
-                   " This is usually due to a directory path in the .ini file being invalid. If "
-                   "you have added any path information to the .ini file, please verify that it "
-                   "is correct, and the directory exists.",
-               "Error!", Icon::kCritical, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "path not found", Answer::kOk,
+               {ErrorHeader(76, "Path not found: " + Rooted(c.failing), "Main")});
   }
   EXPECT_THROW(Main(*app_), ProgramEnded);
   EndProgram(*app_);
@@ -242,12 +225,11 @@ TEST_P(CheckDBFilesChoice, CheckDBFiles_ActsOnEachChoice) {
   }
   WriteTaxpayerFile("doe0101.MDB", "DOE01", "John Doe");
   TaxpayerIndex("DOE01", "John Doe", "John Doe", "DOE0101.mdb");
-  ui_.ExpectChkFiles("Taxpayer File Missing...",
-                     "There is no Taxpayer File for Jones && Sons. You can:\r\n"
-                     "        'Delete' this Taxpayer.\r\n"
-                     "        'Create' a Taxpayer File for this Taxpayer.\r\n"
-                     "        'Ignore' this Taxpayer for now.",
-                     true, choice);
+  auto expect_choice = [&](const char* key, bool create, std::vector<std::string> values = {}) {
+    const Said said = ReadSaid(__FILE__, key, values);
+    ui_.ExpectChkFiles(said.title, said.text, create, choice);
+  };
+  expect_choice("file missing", true);
   if (choice == ChkFilesChoice::kCreate) {
     ui_.ExpectDialog("dlgNewModClient", [this](DialogForm& form) {
       auto& f = dynamic_cast<NewModClientForm&>(form);
@@ -258,19 +240,9 @@ TEST_P(CheckDBFilesChoice, CheckDBFiles_ActsOnEachChoice) {
     });
   }
   for (const char* odd : {"ODD1.mdb", "ODD2.mdb"}) {
-    ui_.ExpectChkFiles("Taxpayer Record Missing...",
-                       std::string("A Taxpayer File (") + odd +
-                           ") has been located. Due to missing information in the Taxpayer File "
-                           "it can only be 'Deleted' or 'Ignored'.",
-                       false, choice);
+    expect_choice("record unreadable", false, {odd});
   }
-  ui_.ExpectChkFiles("Taxpayer Record Missing...",
-                     "The Taxpayer File for John Smith exists, but there is no Taxpayer record. "
-                     "You can:\r\n"
-                     "        'Delete' this Taxpayer File.\r\n"
-                     "        'Create' a Taxpayer for this Taxpayer File.\r\n"
-                     "        'Ignore' this Taxpayer File for now.",
-                     true, choice);
+  expect_choice("record missing", true);
   CheckDBFiles(*app_, *app_->central);
   ASSERT_EQ(env_->end_calls(), 0);
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
@@ -375,25 +347,11 @@ TEST_F(StartupTest, EndProgram_WritesOptionsAndPrefs) {
   app_->prefs.sec_order = 2;
   app_->prefs.xact_end = "12/31/2025";
   EndProgram(*app_);
-  EXPECT_EQ(ReadText(app_->ini_path),
-            "[LW Options]\nHelpBar=-1\nOpenOnlyPort=-1\nToolBar=-1\nToolTips=0\n"
-            "Recalc Shares=-1\n\n[Prefs]\nBasis YE=\"  /  /    \"\nRemove 0 Sec=-1\n"
-            "Add Sch D Rpt=0\nClient order=1\nSec order=2\nXact Scope=0\n"
-            "Xact Start=\"  /  /    \"\nXact End=12/31/2025\nSch D fye=\"  /  /    \"\n"
-            "Exp Path=" +
-                program_folder_ + "\n");
+  EXPECT_EQ(ReadText(app_->ini_path), Rooted(ReadText(GoldenPath(__FILE__, "end_program.ini"))));
 }
 
 TEST_F(StartupTest, EndProgram_RoundTripKeepsIniExactly) {
-  const std::string ini =
-      "[LW Options]\r\nToolBar=0\r\nToolTips=-1\r\nHelpBar=0\r\nRecalc Shares=0\r\n"
-      "OpenOnlyPort=-1\r\n\r\n[LW Update Options]\r\nUpdate All=1\r\n\r\n[File Options]\r\n"
-      "SSF Path=" +
-      root_ + "ini central\r\nTaxpayer Path=" + root_ +
-      "ini client\r\n\r\n"
-      "[Prefs]\r\nRemove 0 Sec=-1\r\nBasis YE=12/31/2024\r\nAdd Sch D Rpt=0\r\n"
-      "Client order=2\r\nSec order=1\r\nXact Scope=3\r\nXact Start=\"  /  /    \"\r\n"
-      "Xact End=06/30/2025\r\nSch D fye=\"  /  /    \"\r\nExp Path=/home/tp/exports dir/\r\n";
+  const std::string ini = Rooted(ReadText(GoldenPath(__FILE__, "round_trip.ini")));
   WriteText(app_->ini_path, ini);
   GetINISettings(*app_, app_->ini_path);
   EXPECT_EQ(app_->prefs.xact_start + "|" + app_->prefs.exp_path + "|" + app_->ssf_folder,
@@ -417,47 +375,32 @@ TEST_F(StartupTest, IniFile_ReadDefaultOnlyWhenAbsent) {
   EXPECT_EQ(ini.ReadText("Prefs", "Exp Path", "/default"), "");
 }
 
-// What is written reads back exactly, blanks at the ends included; a line
-// break is refused and writes nothing.
-TEST_F(StartupTest, IniFile_WriteReadsBackExactly) {
-  IniFile ini(root_ + "ini/lotwise.INI");
-  struct Case {
-    const char *key, *value, *line;  // line: how the file holds it
-  };
-  for (const Case& c :
-       {Case{"Remove 0 Sec", "-1", "Remove 0 Sec=-1"},
-        Case{"Basis YE", "  /  /    ", "Basis YE=\"  /  /    \""},
-        Case{"Exp Path", "", "Exp Path="}, Case{"Exp Path", "/home/a b/", "Exp Path=/home/a b/"},
-        Case{"Exp Path", "\"x\"", "Exp Path=\"\"x\"\""}}) {
-    SCOPED_TRACE(c.line);
-    fs::remove(ini.path());
-    ini.WriteText("Prefs", c.key, c.value);
-    EXPECT_EQ(ini.ReadText("Prefs", c.key, "absent"), c.value);
-    EXPECT_EQ(ReadText(ini.path()), std::string("[Prefs]\n") + c.line + "\n");
+// What is written reads back exactly, blanks at the ends included; every
+// other line keeps its text and place and the file its line ends, no
+// scratch copy stays behind, and missing folders are made. Cases:
+// golden/ini_writes.txt. A line break is refused and writes nothing.
+TEST_F(StartupTest, IniFile_WritesChangeOnlyTheirLine) {
+  int folder = 0;
+  for (const GoldenCase& c : ReadCases(__FILE__, "ini_writes.txt")) {
+    SCOPED_TRACE(c.name);
+    const std::string dir = root_ + "ini/" + std::to_string(++folder);
+    IniFile ini(dir + "/deeper/lotwise.INI");
+    if (!c.Lines("before").empty()) WriteText(ini.path(), c.Text("before"));
+    for (const GoldenSection& write : c.sections) {
+      if (write.key != "write") continue;
+      const size_t bar = write.args.find('|'), last = write.args.rfind('|');
+      const std::string section = write.args.substr(0, bar),
+                        key = write.args.substr(bar + 1, last - bar - 1),
+                        value = write.args.substr(last + 1);
+      ini.WriteText(section, key, value);
+      EXPECT_EQ(ini.ReadText(section, key, "absent"), value);
+    }
+    EXPECT_EQ(ReadText(ini.path()), c.Text("after"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir + "/deeper"), fs::directory_iterator()), 1);
   }
-  fs::remove(ini.path());
+  IniFile ini(root_ + "ini/lotwise.INI");
   EXPECT_THROW(ini.WriteText("Prefs", "Exp Path", "a\nb"), LwError);
   EXPECT_FALSE(fs::exists(ini.path()));
-}
-
-// A write changes one line or adds one; every other line keeps its text and
-// place, the file's line ends are kept, and no scratch copy stays behind.
-// The folders are made when missing.
-TEST_F(StartupTest, IniFile_WriteKeepsOtherLines) {
-  IniFile ini(root_ + "ini/lotwise.INI");
-  WriteText(ini.path(),
-            "; settings\r\n[LW Options]\r\nToolBar = 0\r\nToolTips=-1\r\n\r\n[Prefs]\r\nSec "
-            "order=1\r\n");
-  ini.WriteText("LW Options", "toolbar", "-1");
-  ini.WriteText("LW Options", "Recalc Shares", "0");
-  ini.WriteText("File Options", "SSF Path", "/data/");
-  EXPECT_EQ(ReadText(ini.path()),
-            "; settings\r\n[LW Options]\r\nToolBar =-1\r\nToolTips=-1\r\nRecalc Shares=0\r\n\r\n"
-            "[Prefs]\r\nSec order=1\r\n\r\n[File Options]\r\nSSF Path=/data/\r\n");
-  EXPECT_EQ(std::distance(fs::directory_iterator(root_ + "ini"), fs::directory_iterator()), 1);
-  IniFile store(root_ + "new/deeper/Lw.ini");
-  store.WriteText("File Options", "SSF Path", "/srv/lw/");
-  EXPECT_EQ(store.ReadText("File Options", "SSF Path", ""), "/srv/lw/");
 }
 
 }  // namespace

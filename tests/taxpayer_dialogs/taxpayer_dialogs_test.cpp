@@ -9,6 +9,7 @@
 #include "app/taxpayer_file.h"
 #include "ground/paths.h"
 #include "support/app_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -40,9 +41,7 @@ TEST_F(DialogsTest, ShowNewClient_CreatesAndOpens) {
     form.sort_name = "O'Brien, Zoë";
     form.year_end = "12/31/2025";
     form.opt_line = "c/o \"Trust\" – Ünï";
-    ui_.Expect(
-        "The following items:\r\n - Taxpayer Code\r\nneed to be completed before continuing.",
-        "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "incomplete");
     PressOkNewModClient(*app_, form);
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(CountCentralRows("Clients"), 0);
@@ -87,11 +86,7 @@ TEST_F(DialogsTest, OpenClient_EmptyIndex) {
   State(*app_, kClientClosed);
   ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
     EXPECT_TRUE(form.clients.empty());
-    ui_.Expect(
-        "There are no Taxpayer Files to open. To create a New Taxpayer click on the Cancel "
-        "button, and then click on the Taxpayer menu, followed by the New Taxpayer File... menu "
-        "item.",
-        "No Taxpayer Files", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "no taxpayers");
     OpenClient_Open(*app_, form);
     EXPECT_FALSE(form.closed);
     OpenClient_Cancel(*app_, form);
@@ -143,17 +138,14 @@ TEST_F(DialogsTest, OpenClient_OpensSelectedAndItsOnlyPortfolio) {
 TEST_F(DialogsTest, ShowOpenClient_DeleteMode_DeletesSelected) {
   AddTaxpayer("ADA01", "Ada Byron", "BYRO01.mdb");
   OpenFreshTaxpayer("DOE01", "John Doe", "DOE0101.mdb");
-  const std::string question =
-      "Are you sure you want to delete all transactions, files and references within this system "
-      "to the taxpayer that has a taxpayer code of ADA01?";
   ExpectForm<OpenClientForm>([&](OpenClientForm& form) {
     EXPECT_EQ(form.open_caption + "/" + form.cancel_caption, "Delete/Close");
     ASSERT_EQ(form.clients.size(), 2u);
     EXPECT_EQ(form.clients[0].client_code, "ADA01");
-    ui_.Expect(question, "Warning", Icon::kExclamation, Buttons::kYesNo, Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "delete taxpayer", Answer::kNo);
     OpenClient_Open(*app_, form);
     EXPECT_EQ(form.clients.size(), 2u);
-    ui_.Expect(question, "Warning", Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "delete taxpayer", Answer::kYes);
     OpenClient_Open(*app_, form);
     EXPECT_FALSE(form.closed);
     ASSERT_EQ(form.clients.size(), 1u);
@@ -180,8 +172,7 @@ TEST_F(DialogsTest, PortfolioDialogs_NewOpenModifyClose) {
     EXPECT_EQ(form.caption, "New Portfolio");
     form.port_name = "income";
     form.second_line = "long term";
-    ui_.Expect("The Portfolio Name: income is already in use. Please enter a new Portfolio Name.",
-               "Portfolio Name in use!", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "name in use");
     NewModPort_OK(*app_, form);
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(form.port_name + "|" + form.second_line, "income|long term");
@@ -238,10 +229,7 @@ TEST_F(DialogsTest, ShowDelPort_RemovesPortfolioAndItsRows) {
   }
   ASSERT_TRUE(OpenPort(*app_, "Growth"));
   auto expect_question = [&](const std::string& port, Answer answer) {
-    ui_.Expect("You are about to delete Portfolio: " + port +
-                   ". All Securities, Blocks and Transactions in it will be deleted. Are you "
-                   "sure you want to do this?",
-               "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo, answer);
+    ExpectSaid(ui_, __FILE__, "delete portfolio", answer, {port});
   };
   auto rows = [&] {
     return CountClientRows("Security") + CountClientRows("Blocks") + CountClientRows("Buy");

@@ -1,6 +1,8 @@
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
+#include <map>
+#include <sstream>
 
 #include "lots/adjust_block.h"
 #include "lots/buy_reinvest.h"
@@ -9,6 +11,7 @@
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "lots/split_dividend.h"
+#include "support/tests_a_helpers.h"
 #include "ui_lot_dialogs/lot_window_fixture.h"
 
 namespace lotwise::testing {
@@ -26,16 +29,6 @@ void ShowModifySell(Application& app) {
   ShowModifyTrans(app);
 }
 
-const char* const kBackupWarning =
-    "When transactions are rolled back, they are removed from the file. Also, any blocks that "
-    "have no transactions after a rollback will be removed from the file. For this reason, it is "
-    "recommended that you backup your files before doing a rollback. By making a backup, you "
-    "will be able to retrieve your original file if you rollback the wrong, or too many, "
-    "transactions.";
-const char* const kInvalidDate =
-    " is not valid.  Please re-enter the date. If you are cancelling, click OK, and then click "
-    "Cancel again.";
-
 // A block of 100 shares bought 01/02/2024 for 1,000.00 and sold down by 40
 // on 03/01/2024, sold by FIFO, open in the main window.
 class EntryWindowTest : public LotWindowTest {
@@ -47,9 +40,32 @@ class EntryWindowTest : public LotWindowTest {
   }
   // Shows the window through `show`, `drive` playing the user's part.
   void Show(void (*show)(Application&), const char* window, Drive drive) {
-    if (show == ShowRollBack) ui_.Expect(kBackupWarning, "Warning!");
+    if (show == ShowRollBack) ExpectSaid(ui_, __FILE__, "backup");
     OnWindow(window, std::move(drive));
     show(*app_);
+  }
+  // Each case of a case file whose name starts "show window": shows that
+  // window and plays `drive` with the case on it.
+  void ForEachWindow(const char* cases, std::function<void(QDialog&, const GoldenCase&)> drive) {
+    const std::map<std::string, void (*)(Application&)> shows = {
+        {"ShowBuyShares", ShowBuyShares},
+        {"ShowReinvest", ShowReinvest},
+        {"ShowSellShares", ShowSellShares},
+        {"ShowMethod", ShowMethod},
+        {"ShowSplit", ShowSplit},
+        {"ShowDividend", ShowDividend},
+        {"ShowAdjustBlock", ShowAdjustBlock},
+        {"ShowModifyTrans", ShowModifyTrans},
+        {"ShowModifySell", ShowModifySell},
+        {"ShowRollBack", ShowRollBack}};
+    for (const GoldenCase& c : ReadCases(__FILE__, cases)) {
+      SCOPED_TRACE(c.name);
+      std::istringstream words(c.name);
+      std::string show, window;
+      words >> show >> window;
+      Show(shows.at(show), window.c_str(), [&](QDialog& dialog) { drive(dialog, c); });
+      EXPECT_TRUE(ui_.Done());
+    }
   }
   void ExpectUnchanged() {
     EXPECT_EQ(BuyRows(), Strings{"01/02/2024-1|100|1000|0|"});
@@ -60,32 +76,15 @@ class EntryWindowTest : public LotWindowTest {
 // Every window opens captioned by its mode, the security shown with a
 // literal "&"; Cancel stores nothing.
 TEST_F(EntryWindowTest, Windows_OpenWithCaption) {
-  struct Case {
-    void (*show)(Application&);
-    const char *window, *caption, *security;  // the label showing the security, or null
-  };
-  const Case cases[] = {{ShowBuyShares, "dlgBuyReinvest", "Buy Shares", "lblSecurity"},
-                        {ShowReinvest, "dlgBuyReinvest", "Reinvestment", "lblSecurity"},
-                        {ShowSellShares, "dlgSellShares", "Sell Shares", "lblSecurity"},
-                        {ShowMethod, "dlgMethod", "Sell Method", nullptr},
-                        {ShowSplit, "dlgSplitDiv", "Stock Split", "lblSecurity"},
-                        {ShowDividend, "dlgSplitDiv", "Stock Dividend", "lblSecurity"},
-                        {ShowAdjustBlock, "dlgAdjustBlock", "Adjustment", "pnlSecurity"},
-                        {ShowModifyTrans, "dlgModifyTrans", "Modify Buy", "lblSecurity"},
-                        {ShowModifySell, "dlgModifyTrans", "Modify Sell", "lblSecurity"},
-                        {ShowRollBack, "dlgRollback", "Rollback", nullptr}};
   Arrange();
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.caption);
-    Show(c.show, c.window, [&](QDialog& dialog) {
-      EXPECT_EQ(ui::FromQ(dialog.windowTitle()), c.caption);
-      if (c.security != nullptr) {
-        EXPECT_EQ(ui::FromQ(Get<QLabel>(dialog, c.security)->text()), "AT&T");
-      }
-      Click(dialog, "btnCancel");
-    });
-    EXPECT_TRUE(ui_.Done());
-  }
+  ForEachWindow("captions.txt", [&](QDialog& dialog, const GoldenCase& c) {
+    EXPECT_EQ(ui::FromQ(dialog.windowTitle()), c.Lines("").at(0));
+    const std::string label = c.name.substr(c.name.rfind(' ') + 1);
+    if (label != "-") {
+      EXPECT_EQ(ui::FromQ(Get<QLabel>(dialog, label.c_str())->text()), "AT&T");
+    }
+    Click(dialog, "btnCancel");
+  });
   ExpectUnchanged();
 }
 
@@ -95,79 +94,32 @@ TEST_F(EntryWindowTest, Windows_OpenWithCaption) {
 // it, and the focus goes back where the check sends it. Escape then stores
 // nothing.
 TEST_F(EntryWindowTest, EnterAndLeave_MoveFocusAndRunChecks) {
-  struct Case {
-    void (*show)(Application&);
-    const char *window, *field, *keys;
-    bool enter;           // Enter, else Tab
-    std::string message;  // text "|" title, a second message after "||"
-    const char *shown, *focus;
-    const char* help = nullptr;  // the next control's help text, if checked
-  };
-  const Case cases[] = {
-      {ShowBuyShares, "dlgBuyReinvest", "dtDate", "03152024", true, "", "03/15/2024",
-       "DblNumShares", "Enter the Number of Shares added to this Security"},
-      {ShowBuyShares, "dlgBuyReinvest", "txtNotes", "DRIP", true, "", "DRIP", "btnOK",
-       "Click here to Enter this transaction"},
-      {ShowSellShares, "dlgSellShares", "CurrSalePrice", "100", true, "", "100", "CurrFee"},
-      {ShowDividend, "dlgSplitDiv", "DblPreRatio", ".1", true, "", ".1", "DblPostRatio",
-       "Enter the second part of the Dividend ratio (1 if dividend is .1 per 1)"},
-      {ShowAdjustBlock, "dlgAdjustBlock", "DblNumShares", "-5", true, "", "-5", "CurrCostBasis"},
-      {ShowModifySell, "dlgModifyTrans", "txtNotes", "x", true, "", "x", "btnOK",
-       "Click here to enter this modification"},
-      {ShowRollBack, "dlgRollback", "dtDate", "02012024", true, "", "02/01/2024", "chkBuys"},
-      {ShowBuyShares, "dlgBuyReinvest", "CurrFee", "-5", false,
-       "The Fee can not be less than zero. Please re-enter the Fee|Warning", "0", "CurrFee"},
-      {ShowBuyShares, "dlgBuyReinvest", "DblNumShares", "0", false,
-       "The Number of Shares entered is zero. This is probably a mistake.|Warning!", "0",
-       "CurrCostOfShares"},
-      {ShowAdjustBlock, "dlgAdjustBlock", "dtDate", "", false,
-       std::string("Please enter a date.|WARNING||The date entered as __/__/____") + kInvalidDate +
-           "|Invalid Date",
-       "__/__/____", "dtDate"},
-      {ShowSellShares, "dlgSellShares", "CurrSalePrice", "-10", false,
-       "The Sale Price can not be less than zero. Please re-enter the Sale Price|Warning", "0",
-       "CurrFee"},
-      {ShowSplit, "dlgSplitDiv", "DblPostRatio", "0", false,
-       "The second part of the Ratio is either negative or zero. Please re-enter the second part "
-       "of the ratio.|Please Re-enter",
-       "0", "DblPostRatio"},
-      {ShowModifySell, "dlgModifyTrans", "DblNumShares", "100", false,
-       "The Number of Shares can not be greater than zero. Because this is a sale, the shares "
-       "sold should be listed as a negative amount. (if 100 shares were sold then enter -100.) "
-       "Please correct this.|Invalid Number of Shares",
-       "100", "DblNumShares"},
-      {ShowRollBack, "dlgRollback", "dtDate", "13452024", false,
-       std::string("The date entered as 13/45/2024") + kInvalidDate + "|Invalid Date", "13/45/2024",
-       "dtDate"}};
   Arrange();
-  for (const Case& c : cases) {
-    SCOPED_TRACE(std::string(c.window) + " " + c.field + " " + c.keys);
-    Show(c.show, c.window, [&](QDialog& dialog) {
-      // An empty date field has the focus when a window opens; filled,
-      // moving on from it draws no date message.
-      if (std::string_view(c.field) != "dtDate" && dialog.findChild<QLineEdit*>("dtDate") &&
-          Shown(dialog, "dtDate") == "__/__/____") {
-        Type(dialog, "dtDate", "03152024");
-      }
-      for (const QString& message : QString::fromStdString(c.message).split("||")) {
-        if (message.isEmpty()) continue;
-        ui_.Expect(message.section('|', 0, 0).toStdString(), message.section('|', 1).toStdString());
-      }
-      Type(dialog, c.field, c.keys);
-      QTest::keyClick(Get(dialog, c.field), c.enter ? Qt::Key_Return : Qt::Key_Tab);
-      EXPECT_TRUE(ui_.Done()) << "a message was not shown";
-      EXPECT_EQ(Shown(dialog, c.field), c.shown);
-      EXPECT_EQ(FocusName(), c.focus);
-      if (c.help != nullptr) {
-        EXPECT_EQ(ui_.help_texts().back(), c.help);
-      }
-      EXPECT_TRUE(dialog.isVisible());
-      QTest::keyClick(&dialog, Qt::Key_Escape);
-    });
-  }
+  ForEachWindow("enter_and_leave.txt", [&](QDialog& dialog, const GoldenCase& c) {
+    std::istringstream words(c.name);
+    std::string field, keys, key;
+    words >> field >> field >> field >> keys >> key;
+    if (keys == "-") keys.clear();
+    // An empty date field has the focus when a window opens; filled,
+    // moving on from it draws no date message.
+    if (field != "dtDate" && dialog.findChild<QLineEdit*>("dtDate") &&
+        Shown(dialog, "dtDate") == "__/__/____") {
+      Type(dialog, "dtDate", "03152024");
+    }
+    for (const GoldenSection& said : c.sections) {
+      if (said.key == "said") ui_.Expect(said.lines.at(0), said.args);
+    }
+    Type(dialog, field.c_str(), QString::fromStdString(keys));
+    QTest::keyClick(Get(dialog, field.c_str()), key == "Enter" ? Qt::Key_Return : Qt::Key_Tab);
+    EXPECT_TRUE(ui_.Done()) << "a message was not shown";
+    EXPECT_EQ(Shown(dialog, field.c_str()), c.Lines("shown").at(0));
+    EXPECT_EQ(FocusName(), c.Lines("focus").at(0));
+    for (const std::string& help : c.Lines("help")) EXPECT_EQ(ui_.help_texts().back(), help);
+    EXPECT_TRUE(dialog.isVisible());
+    QTest::keyClick(&dialog, Qt::Key_Escape);
+  });
   ExpectUnchanged();
 }
-
 // Leaving a field for Cancel defers its check: cancelling draws no message
 // about an entry being thrown away; moving on from Cancel runs it.
 TEST_F(EntryWindowTest, LeavingForCancel_ChecksOnlyWhenNotCancelling) {
@@ -176,7 +128,7 @@ TEST_F(EntryWindowTest, LeavingForCancel_ChecksOnlyWhenNotCancelling) {
     Type(dialog, "CurrFee", "-5");
     auto* cancel = Get<QPushButton>(dialog, "btnCancel");
     cancel->setFocus(Qt::MouseFocusReason);
-    ui_.Expect("The Fee can not be less than zero. Please re-enter the Fee", "Warning");
+    ExpectSaid(ui_, __FILE__, "negative fee");
     QTest::keyClick(cancel, Qt::Key_Tab);
     EXPECT_EQ(Shown(dialog, "CurrFee") + " " + FocusName(), "0 CurrFee");
     Type(dialog, "dtDate", "");
@@ -205,18 +157,11 @@ TEST_F(EntryWindowTest, BuyOkAndNext_StoreBlocks) {
     TypeTab(dialog, "dtDate", "04012024");
     Type(dialog, "DblNumShares", "0,5");
     EXPECT_EQ(Shown(dialog, "DblNumShares"), "05");
-    ui_.Expect(
-        "The Number of Shares entered as 1,2 is not a number. A \",\" may only separate "
-        "groups of three digits before the decimal point, as in 1,234.50. Please re-enter "
-        "the Number of Shares.",
-        "Invalid Number");
+    ExpectSaid(ui_, __FILE__, "half-typed number");
     TypeTab(dialog, "DblNumShares", "1,2");
     EXPECT_EQ(FocusName(), "DblNumShares");
     TypeTab(dialog, "DblNumShares", "3");
-    ui_.Expect(
-        "The Cost of Shares entered as 99999999999999999999 is too large. An amount must "
-        "be less than 922,337,203,685,477. Please re-enter the Cost of Shares.",
-        "Invalid Number");
+    ExpectSaid(ui_, __FILE__, "amount too large");
     TypeTab(dialog, "CurrCostOfShares", "99999999999999999999");
     EXPECT_EQ(FocusName(), "CurrCostOfShares");
     TypeTab(dialog, "CurrCostOfShares", "30");
@@ -264,10 +209,7 @@ TEST_F(EntryWindowTest, ModifySplitAdjustOk_StoreRows) {
     TypeTab(dialog, "dtDate", "01012024");
     TypeTab(dialog, "DblNumShares", "-5");
     TypeTab(dialog, "CurrCostBasis", "-12.5");
-    ui_.Expect(
-        "You can't enter an Adjustment that is before the original purchase of this block of "
-        "shares. Please correct the date, and make sure you are adding this to the correct block.",
-        "Incorrect Date");
+    ExpectSaid(ui_, __FILE__, "adjustment before purchase");
     Click(dialog, "btnOK");
     EXPECT_EQ(FocusName(), "dtDate");
     TypeTab(dialog, "dtDate", "01022024");
@@ -289,10 +231,7 @@ TEST_F(EntryWindowTest, RollbackOk_ListsAndPrintsRemovedBlocks) {
     TypeTab(dialog, "dtDate", "02012024");
     Click(dialog, "chkBuys");
     Click(dialog, "CSoptBlocks_1");
-    ui_.Expect(
-        "You are about to Rollback transactions in all blocks in this security! Are you "
-        "sure you want to do this?",
-        "Are you sure?", Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "rollback all blocks", Answer::kYes);
     OnWindow("dlgRemBlocks", [&](QDialog& list_window) {
       EXPECT_EQ(ui::FromQ(Get<QLabel>(list_window, "lblNote")->text()),
                 "These blocks were removed becuase all transactions were removed from them");

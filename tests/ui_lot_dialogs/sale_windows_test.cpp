@@ -4,6 +4,7 @@
 #include <QTableView>
 
 #include "lots/sell_shares.h"
+#include "support/tests_a_helpers.h"
 #include "ui_lot_dialogs/lot_window_fixture.h"
 
 namespace lotwise::testing {
@@ -85,10 +86,7 @@ TEST_F(SaleWindowTest, SpecificSale_SelectsFromChosenBlock) {
     EXPECT_EQ(Shown(dialog, "DblNumShares"), "100");
     Type(dialog, "DblNumShares", "-101");
     EXPECT_EQ(Shown(dialog, "DblNumShares"), "101");
-    ui_.Expect(
-        "The Block you are selecting shares from only has 100 shares in it. The number "
-        "you select must be less than this amount. Please re-enter the number of shares",
-        "Too many shares");
+    ExpectSaid(ui_, __FILE__, "too many shares");
     Click(dialog, "btnOK");
     Type(dialog, "DblNumShares", "30");
     QTest::keyClick(Get(dialog, "DblNumShares"), Qt::Key_Return);
@@ -113,15 +111,8 @@ TEST_F(SaleWindowTest, DropDownChange_AsksBeforeChanging) {
       TypeTab(dialog, "CurrSalePrice", "100");
       TypeTab(dialog, "CurrFee", "0");
       ASSERT_EQ(FocusName(), "SScboSellMethod");
-      ui_.Expect(
-          "You have changed the Sell Method for this Security. Once a Sell Method is used "
-          "to sell shares, it must be used for all additional sales from that security. "
-          "\nAre you sure you want to change the Sell Method for this security?",
-          "Sell Method changed!", answer);
-      if (yes) {
-        ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
-                   "Sell Method Changed");
-      }
+      ExpectSaid(ui_, __FILE__, "method change", answer);
+      if (yes) ExpectSaid(ui_, __FILE__, "method changed");
       QTest::keyClick(QApplication::focusWidget(), Qt::Key_Up);
       EXPECT_EQ(ui::FromQ(Get<QComboBox>(dialog, "SScboSellMethod")->currentText()),
                 yes ? "Specific Identification" : "FIFO");

@@ -12,6 +12,7 @@
 #include "data/database.h"
 #include "data/transaction_store.h"
 #include "lots/security_display.h"
+#include "support/tests_a_helpers.h"
 #include "support/values.h"
 #include "ui/grid_models.h"
 #include "ui_main_window/main_window_fixture.h"
@@ -126,10 +127,6 @@ TEST_F(MainWindowTest, Resize_TooSmallRestoresLastGoodSize) {
 // changed name is stored through the core when the box is left (or put
 // back when the user keeps the old one), and so is the second line.
 TEST_F(MainWindowTest, SecFields_EnterMovesOnAndLeavingStores) {
-  const std::string question =
-      "You have changed the Security Name. This will change it for all Securities in all "
-      "Taxpayer Files.\nIf you want to do this click YES, otherwise click NO and the Name will "
-      "be left as it was.";
   Enter(kSecOpen);
   window_->activateWindow();
   ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
@@ -142,7 +139,7 @@ TEST_F(MainWindowTest, SecFields_EnterMovesOnAndLeavingStores) {
     name->setFocus(Qt::TabFocusReason);
     name->selectAll();
     QTest::keyClicks(name, typed);
-    ui_.Expect(question, "Name has been changed!", Icon::kExclamation, Buttons::kYesNo, answer);
+    ExpectSaid(ui_, __FILE__, "name changed", answer);
     QTest::keyClick(name, answer == Answer::kNo ? Qt::Key_Tab : Qt::Key_Enter);
   }
   EXPECT_TRUE(ui_.Done());

@@ -12,6 +12,7 @@
 
 #include "data/application.h"
 #include "lots/buy_reinvest.h"
+#include "support/tests_a_helpers.h"
 #include "support/tests_c_helpers.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
@@ -86,10 +87,9 @@ TEST(QtUiPortTest, RunModal_UnknownFormIsReported) {
   OnNextModal([](QWidget* modal) {
     auto* box = qobject_cast<QMessageBox*>(modal);
     ASSERT_NE(box, nullptr);
-    EXPECT_EQ(box->windowTitle(), "Window Not Available");
-    EXPECT_EQ(box->text(),
-              "The window dlgBuyReinvest is not available in this version of Lotwise. Nothing "
-              "has been changed.");
+    const Said said = ReadSaid(__FILE__, "no window");
+    EXPECT_EQ(box->windowTitle().toStdString() + "|" + box->text().toStdString(),
+              said.title + "|" + said.text);
     box->button(QMessageBox::Ok)->click();
   });
   NamesakeForm form;
@@ -118,22 +118,18 @@ TEST(FormWidgetsTest, DateEdit_MaskAndTexts) {
 
 // Money and number fields take what the core can read, and nothing else.
 TEST(FormWidgetsTest, AmountFields_TakeCoreAmounts) {
-  struct Case {
-    const char* typed;
-    bool money_takes, number_takes;
-  };
-  for (const Case& c :
-       {Case{"-1,234.5678", true, true}, Case{"1234.56789", false, true},
-        Case{"0.123456", false, false}, Case{"12a", false, false}, Case{"1.2.3", false, false},
-        Case{"--1", false, false}, Case{".5", true, true}}) {
-    SCOPED_TRACE(c.typed);
+  for (const GoldenCase& c : ReadCases(__FILE__, "fields.txt")) {
+    SCOPED_TRACE(c.name);
     QLineEdit money, number;
     ui::MakeMoneyEdit(&money);
     ui::MakeNumberEdit(&number);
-    QTest::keyClicks(&money, c.typed);
-    QTest::keyClicks(&number, c.typed);
-    EXPECT_EQ(money.text() == c.typed, c.money_takes);
-    EXPECT_EQ(number.text() == c.typed, c.number_takes);
+    QTest::keyClicks(&money, QString::fromStdString(c.name));
+    QTest::keyClicks(&number, QString::fromStdString(c.name));
+    const auto result = [&](QLineEdit& edit, const char* kind) {
+      return std::string(kind) + (edit.text().toStdString() == c.name ? " takes" : " refuses");
+    };
+    EXPECT_EQ(c.Lines(""),
+              (std::vector<std::string>{result(money, "money"), result(number, "number")}));
   }
 }
 

@@ -6,6 +6,7 @@
 #include "app/maintenance.h"
 #include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
+#include "support/tests_a_helpers.h"
 #include "support/tests_c_helpers.h"
 
 namespace lotwise::testing {
@@ -34,10 +35,7 @@ TEST_F(MaintenanceWindowTest, RepairWindow_RepairsPickedDamagedFile) {
   DamagePages(path, {{"Buy", 2, 3}});
   const Rows readable = ReadableRows(path, before);
   ASSERT_LT(RowCount(readable), RowCount(before));
-  ui_.Expect(
-      "These files were damaged and have been rebuilt from the records that could still be read. "
-      "Each damaged file is kept with the extension .bak:\r\nDoe & Co (DOE.mdb)",
-      "Files Rebuilt", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "rebuilt");
 
   CompressRepairForm form;
   LoadCompressRepair(*app_, form, kRepairCaption);
@@ -73,7 +71,7 @@ TEST_F(MaintenanceWindowTest, RepairWindow_RepairsPickedDamagedFile) {
 // The delete-backups window: Delete with nothing to delete says so in its
 // status line and a message; Close closes.
 TEST_F(MaintenanceWindowTest, DelBackupsWindow_NoBackups) {
-  ui_.Expect("There are no Backup Files to delete", "No Backups", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no backups");
   DelBackupsForm form;
   ShowWindow(*app_, form, [&](QDialog& window) {
     QTest::mouseClick(Get<QPushButton>(window, "btnDelete"), Qt::LeftButton);

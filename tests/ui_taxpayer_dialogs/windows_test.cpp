@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <map>
 
 #include "app/add_mod_sec.h"
 #include "app/app_state.h"
@@ -10,15 +11,13 @@
 #include "app/taxpayer_file.h"
 #include "ground/ini_file.h"
 #include "ground/program_ended.h"
+#include "support/tests_a_helpers.h"
 #include "ui_taxpayer_dialogs/window_fixture.h"
 
 namespace lotwise::testing {
 namespace {
 
 using Show = std::function<void(Application&)>;
-
-// "a;b;c" -> {"a", "b", "c"}
-QStringList Items(const char* list) { return QString(list).split(';', Qt::SkipEmptyParts); }
 
 // An open taxpayer DOE01 with the open portfolio "Growth & Value"; the
 // central file knows IBM.
@@ -43,42 +42,28 @@ class TaxpayerWindowsTest : public DialogWindowTest {
 // button captions and list rows, with its fields limited to the stored
 // sizes ("name<size"); its Cancel or Close button closes it unwritten.
 TEST_F(TaxpayerWindowsTest, Windows_OpenWithFormValues) {
-  struct Case {
-    Show show;
-    const char *window, *title;
-    const char* shown;  // "control=text;control<max length;..."
-    const char* close = "btnCancel";
-  };
-  const Case cases[] = {
-      {ShowNewClient, "dlgNewModClient", "New Taxpayer",
-       "txtClientName=;dtYearEnd=__/__/____;txtClientName<50;txtSortName<50;txtClientCode<10;"
-       "txtOptLine<50"},
-      {ShowModifyClient, "dlgNewModClient", "Modify Taxpayer",
-       "txtClientName=John Doe;txtClientCode=DOE01;dtYearEnd=12/31/2025"},
-      {[](Application& app) { ShowOpenClient(app, kOpenClientCaption); }, "dlgOpenClient",
-       "Open Taxpayer File", "SSdgClients=John Doe|John Doe|DOE01;btnOpen=Open;btnCancel=Cancel"},
-      {[](Application& app) { ShowOpenClient(app, kDeleteClientCaption); }, "dlgOpenClient",
-       "Select Taxpayer to Delete", "btnOpen=Delete;btnCancel=Close"},
-      {ShowNewPort, "dlgNewModPort", "New Portfolio", "txtPortName=;txtPortName<50;txt2ndLine<50"},
-      {ShowModPort, "dlgNewModPort", "Modify Portfolio",
-       "txtPortName=Growth & Value;txt2ndLine=long term"},
-      {ShowOpenPort, "dlgOpenDelPort", "Open Portfolio",
-       "SSdgPortfolios=Growth & Value|long term;btnOK=Open;btnCancel=Cancel"},
-      {ShowDelPort, "dlgOpenDelPort", "Delete Portfolio", "btnOK=Delete;btnCancel=Close"},
-      {ShowAddSec, "dlgAddModSec", "Add a Security",
-       "pnlPortfolio=Growth & Value;txtSymbol<10;txtSecName<50;txtCusip<12;txt2ndLine<50"},
-      {[](Application& app) { ShowModSecInCDB(app, "IBM"); }, "dlgAddModSec",
-       "Modify a Security (SSF)",
-       "txtSymbol=IBM;txtSecName=International Business Machines;txtCusip=459200101"},
-      {ShowSecSymbol, "dlgSecSymbol", "Security Symbols File",
-       "SSdgSecSymbols=IBM|International Business Machines|459200101;btnAdd=Add", "btnClose"},
-      {RunDlgFileLoc, "dlgFileLoc", "Designate File Locations", "btnSSF=&Browse..."}};
+  const std::map<std::string, Show> shows = {
+      {"NewClient", ShowNewClient},
+      {"ModifyClient", ShowModifyClient},
+      {"OpenClient", [](Application& app) { ShowOpenClient(app, kOpenClientCaption); }},
+      {"DeleteClient", [](Application& app) { ShowOpenClient(app, kDeleteClientCaption); }},
+      {"NewPort", ShowNewPort},
+      {"ModPort", ShowModPort},
+      {"OpenPort", ShowOpenPort},
+      {"DelPort", ShowDelPort},
+      {"AddSec", ShowAddSec},
+      {"ModSecInCDB", [](Application& app) { ShowModSecInCDB(app, "IBM"); }},
+      {"SecSymbol", ShowSecSymbol},
+      {"FileLoc", RunDlgFileLoc}};
   const std::string before = Stored();
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.title);
-    OnWindow(c.window, [&](QDialog& window) {
-      EXPECT_EQ(window.windowTitle().toStdString(), c.title);
-      for (const QString& item : Items(c.shown)) {
+  for (const GoldenCase& c : ReadCases(__FILE__, "windows.txt")) {
+    SCOPED_TRACE(c.name);
+    const QStringList words = QString::fromStdString(c.name).split(' ');
+    std::vector<std::string> shown = c.Lines("");
+    OnWindow(words[1].toLatin1(), [&](QDialog& window) {
+      EXPECT_EQ(window.windowTitle().toStdString(), shown.at(0));
+      for (size_t i = 1; i < shown.size(); ++i) {
+        const QString item = QString::fromStdString(shown[i]);
         const bool limit = item.contains('<');
         const QStringList parts = item.split(limit ? '<' : '=');
         const std::string name = parts[0].toStdString();
@@ -95,9 +80,9 @@ TEST_F(TaxpayerWindowsTest, Windows_OpenWithFormValues) {
         if (qobject_cast<QTableWidget*>(control)) text = GridRows(window, name.c_str()).c_str();
         EXPECT_EQ(text.toStdString(), parts[1].toStdString()) << name;
       }
-      Click(window, c.close);
+      Click(window, words[2].toLatin1());
     });
-    c.show(*app_);
+    shows.at(words[0].toStdString())(*app_);
   }
   EXPECT_EQ(Stored(), before);
   EXPECT_EQ(app_->current.client_code, "DOE01");
@@ -141,10 +126,9 @@ TEST_F(TaxpayerWindowsTest, NewTaxpayer_LeaveCheckHelpAndRefusal) {
     Type(window, "txtClientName", "John Q. Public");
     QTest::keyClick(Get(window, "txtClientName"), Qt::Key_Tab);
     EXPECT_EQ(Shown(window, "txtSortName"), "Public Family");
-    ui_.Expect(
-        "The following items:\r\n - Taxpayer Code\r\nneed to be completed before continuing.",
-        "Incomplete Entries!", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "incomplete");
     Click(window, "btnOK");
+    EXPECT_TRUE(window.isVisible());
     EXPECT_EQ(Shown(window, "txtClientName") + "|" + Shown(window, "dtYearEnd"),
               "John Q. Public|01/01/1990");
     Click(window, "btnCancel");
@@ -169,10 +153,7 @@ TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
   ASSERT_TRUE(NewPort(*app_, "Income", ""));
   OnWindow("dlgOpenDelPort", [&](QDialog& window) {
     Choose(window, "SSdgPortfolios", 0);
-    ui_.Expect(
-        "You are about to delete Portfolio: Growth. All Securities, Blocks and Transactions in it "
-        "will be deleted. Are you sure you want to do this?",
-        "Delete Portfolio?", Icon::kExclamation, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "delete portfolio", Answer::kYes);
     Click(window, "btnOK");
     EXPECT_EQ(GridRows(window, "SSdgPortfolios"), "Income|");
     Click(window, "btnCancel");
@@ -185,10 +166,7 @@ TEST_F(TaxpayerWindowsTest, Lists_ChosenRowOpenedOrDeleted) {
 TEST_F(TaxpayerWindowsTest, NewPort_EmptyNameRefusedFocusBack) {
   OnWindow("dlgNewModPort", [&](QDialog& window) {
     Type(window, "txt2ndLine", "dividends");
-    ui_.Expect(
-        "A Portfolio Name must be provided to create a new Portfolio. Please enter a "
-        "Portfolio Name.",
-        "Information Missing!", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "no portfolio name");
     Click(window, "btnOK");
     EXPECT_EQ(FocusName(), "txtPortName");
     EXPECT_EQ(Shown(window, "txt2ndLine"), "dividends");
@@ -205,8 +183,7 @@ TEST_F(TaxpayerWindowsTest, FileLoc_PickedFoldersStoredOnOk) {
     Click(window, "btnSSF");
     EXPECT_EQ(Shown(window, "txtSSF"), "/srv/lw/");
     Type(window, "txtClient", "/srv/client/");
-    ui_.Expect("The program will now close down so the changes can be registered by the system.",
-               "Notice", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "closing down");
     Click(window, "btnOK");
   });
   EXPECT_THROW(RunDlgFileLoc(*app_), ProgramEnded);
@@ -230,11 +207,7 @@ TEST_F(TaxpayerWindowsTest, AddSec_FillRefuseAndFind) {
                   Shown(window, "txtCusip"),
               "IBM|International Business Machines|459200101");
     Type(window, "txt2ndLine", "second lot");
-    ui_.Expect(
-        "The Security you wish to add already exists in this Portfolio, therefore it can "
-        "not be added again. If you wish to purchase Shares for this Security, click on "
-        "the icon for the Security and click the 'Buy' button.",
-        "Security Already Exists!", Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "security exists");
     OnWindow("dlgAddModSec", nullptr);
     Click(window, "btnOK");
     EXPECT_EQ(Shown(window, "txt2ndLine"), "second lot");
@@ -254,10 +227,7 @@ TEST_F(TaxpayerWindowsTest, AddSec_FillRefuseAndFind) {
 // Where the symbol is fixed, an edit is undone with the warning.
 TEST_F(TaxpayerWindowsTest, ModSecInCdb_SymbolEditRefused) {
   OnWindow("dlgAddModSec", [&](QDialog& window) {
-    ui_.Expect(
-        "The Security Symbol can not be modified. If you wish to change to a different "
-        "security you must add a new security using the Security menu.",
-        "Can't modify Symbol!", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "symbol fixed");
     Get(window, "txtSymbol")->setFocus(Qt::TabFocusReason);
     QTest::keyClick(Get(window, "txtSymbol"), Qt::Key_X);
     EXPECT_EQ(Shown(window, "txtSymbol"), "IBM");
@@ -283,10 +253,7 @@ TEST_F(TaxpayerWindowsTest, SecSymbol_AddAndDelete) {
     EXPECT_EQ(GridRows(window, "SSdgSecSymbols"),
               "AAPL|Apple Inc.|037833100/IBM|International Business Machines|459200101");
     Choose(window, "SSdgSecSymbols", 1);
-    ui_.Expect(
-        "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer "
-        "Files. Are you sure you want to do this?",
-        "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "delete security", Answer::kYes);
     Click(window, "btnDelete");
     EXPECT_EQ(GridRows(window, "SSdgSecSymbols"), "AAPL|Apple Inc.|037833100");
     Click(window, "btnClose");
