@@ -9,88 +9,53 @@
 #include "lots/buy_reinvest.h"
 #include "lots/split_dividend.h"
 #include "lots_sell/sale_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
-
-const std::string kReviewAdvice =
-    " If you think this is incorrect, please review your security for any incorrect, or missing "
-    "transactions.";
-const std::string kNotEnough =
-    " shares in this security. There are not enough shares to make the sale." + kReviewAdvice;
 
 // A FIFO sale takes the blocks still holding shares oldest first (date, then
 // block id as text), each remainder rounded to five decimals, and spreads
 // price and fee by shares: each row to the currency, then to the cent half to
 // even, the last row taking the difference. A sale the blocks cannot cover
 // names the shares held and writes nothing.
-struct FifoCase {
-  const char* blocks;  // "date shares [adjusted [seq]]" a block, ", " apart
-  double shares;
-  const char* price;
-  const char* fee;
-  const char* rows;  // "" when refused
-  const char* title = "";
-  std::string refusal = "";
-};
-
-class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<FifoCase> {};
+class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
-  const FifoCase& c = GetParam();
-  std::istringstream blocks(c.blocks);
-  for (std::string spec; std::getline(blocks, spec, ',');) {
+  const GoldenCase& c = GetParam();
+  for (const std::string& spec : c.Lines("blocks")) {
     std::istringstream in(spec);
     std::string date, seq = "1";
     double shares = 0, adjusted = 0;
     in >> date >> shares >> adjusted >> seq;
     Block(date.c_str(), shares, adjusted, seq.c_str());
   }
+  std::string sale, rows, refusal, value;
+  for (const GoldenSection& section : c.sections) {
+    if (section.key == "sale") sale = section.args;
+    if (section.key == "rows") rows = section.args;
+    if (section.key == "refused") std::istringstream(section.args) >> refusal >> value;
+  }
+  std::istringstream in(sale);
+  double shares = 0;
+  std::string price, fee;
+  in >> shares >> price >> fee;
   OpenSecurity(kSellFifo);
   OnSale([&](SellSharesForm& form) {
-    Fill(form, c.shares, c.price, c.fee);
+    Fill(form, shares, price.c_str(), fee.c_str());
     SellShares_OK(*app_, form, false);
-    EXPECT_EQ(form.closed, c.refusal.empty());
+    EXPECT_EQ(form.closed, refusal.empty());
     if (!form.closed) SellShares_Cancel(*app_, form);
   });
-  if (!c.refusal.empty()) ui_.Expect(c.refusal, c.title);
+  if (!refusal.empty()) ExpectSaid(ui_, __FILE__, refusal, Answer::kOk, {value});
   ShowSellShares(*app_);
-  EXPECT_EQ(SellRows(), c.rows);
+  EXPECT_EQ(SellRows(), rows);
   EXPECT_TRUE(app_->sale_lists.selected.empty);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Sales, FifoSaleTest,
-    ::testing::Values(
-        FifoCase{"03/01/2024 100, 01/01/2024 100", 150, "1000", "10",
-                 "01/01/2024-1 -100 666.67 6.67; 03/01/2024-1 -50 333.33 3.33"},
-        // Emptied and overdrawn blocks are passed over.
-        FifoCase{"01/01/2024 100 -100, 01/02/2024 50 -60, 01/03/2024 100", 80, "80", "0",
-                 "01/03/2024-1 -80 80 0"},
-        FifoCase{"03/01/2024 50 0 2, 03/01/2024 50 0 10", 60, "60", "0",
-                 "03/01/2024-10 -50 50 0; 03/01/2024-2 -10 10 0"},
-        FifoCase{"01/01/2024 100 -0.000001, 02/01/2024 10", 100, "100", "0",
-                 "01/01/2024-1 -100 100 0"},
-        FifoCase{"01/01/2024 10.12345, 02/01/2024 5", 12.34567, "1234.56", "0",
-                 "01/01/2024-1 -10.12345 1012.34 0; 02/01/2024-1 -2.22222 222.22 0"},
-        // 0.025 a row goes to 0.02; 1.015 is 1.01499.. as a double.
-        FifoCase{"01/01/2024 1, 01/02/2024 1", 2, "0.05", "0",
-                 "01/01/2024-1 -1 0.02 0; 01/02/2024-1 -1 0.03 0"},
-        FifoCase{"01/01/2024 1, 01/02/2024 1", 2, "2.03", "0",
-                 "01/01/2024-1 -1 1.02 0; 01/02/2024-1 -1 1.01 0"},
-        FifoCase{"01/01/2024 100.5, 03/01/2024 99.75", 250, "250", "0", "", "Not enough shares",
-                 "There are 200.25" + kNotEnough},
-        // A block bought after the sale does not count.
-        FifoCase{"01/01/2024 100, 07/01/2024 100", 150, "150", "0", "", "Not enough shares",
-                 "There are 100" + kNotEnough},
-        FifoCase{"07/01/2024 100", 50, "50", "0", "", "No Shares on that Date",
-                 "This sale can't be made. There are no blocks in this Security acquired on or "
-                 "before the sale date 06/03/2024. A sale can only take shares from blocks "
-                 "acquired on or before its date. Please correct the Date."},
-        FifoCase{
-            "01/01/2024 100 -100", 10, "10", "0", "", "No Shares",
-            "This sale can't be made. There are no shares in this Security." + kReviewAdvice}));
+INSTANTIATE_TEST_SUITE_P(Sales, FifoSaleTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "fifo_sales.txt")));
 
 // An entry dated before a FIFO sale already stored offers to re-book it: Yes
 // takes the sale again first in, first out from the blocks as they now
@@ -117,12 +82,7 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
   ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
   OpenSecurity(kSellFifo);
-  ui_.Expect(
-      "This entry is dated before sales already entered for this security. Taking their shares "
-      "first in, first out as the blocks now stand changes:\nthe sale of 120 shares on "
-      "06/03/2024\nthe stock split (or dividend) on 07/01/2024\nDo you want to re-book these "
-      "sales now? Each change is recorded in the change log.",
-      "Re-book later sales?", Icon::kQuestion, Buttons::kYesNo, c.answer);
+  ExpectSaid(ui_, __FILE__, "rebook", c.answer);
   if (c.split) {
     SplitDivForm form;
     form.caption = SplitDivForm::kSplitCaption;
@@ -176,8 +136,8 @@ INSTANTIATE_TEST_SUITE_P(
 struct RefusalCase {
   int method;
   double shares;
-  const char* title;
-  std::string text;
+  const char* key;
+  std::string value = "";
 };
 
 class RefusalTest : public SaleTest, public ::testing::WithParamInterface<RefusalCase> {};
@@ -192,26 +152,19 @@ TEST_P(RefusalTest, SellShares_OK_Refused) {
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(ui_.hourglass_depth(), 0);
   });
-  ui_.Expect(c.text, c.title, Answer::kNo);
+  ExpectSaid(ui_, __FILE__, c.key, Answer::kNo, {c.value});
   ShowSellShares(*app_);
   EXPECT_EQ(CountClientRows("Sell"), 0);
   EXPECT_EQ(StoredMethod(), c.method);
 }
 
-const std::string kZero =
-    "The Number of Shares is equal to zero. To make a sale you must have shares to sell. ";
-const std::string kSelect = "To select shares click on the 'Select' button.";
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, RefusalTest,
-    ::testing::Values(RefusalCase{kSellNotSelected, 10, "No Sell Method",
-                                  "You must specify a Sell Method to use when selling shares "
-                                  "from this security. Please select one."},
-                      RefusalCase{kSellFifo, 0, "No Shares", kZero},
-                      RefusalCase{kSellSpecificId, 0, "No Shares", kZero + kSelect},
-                      RefusalCase{kSellFifo, 1, "Sale Price is zero",
-                                  "The Sale Price is equal to zero, this is probably a mistake. "
-                                  "\nDo still want to enter this sale?"}));
+INSTANTIATE_TEST_SUITE_P(Entries, RefusalTest,
+                         ::testing::Values(RefusalCase{kSellNotSelected, 10, "no_method"},
+                                           RefusalCase{kSellFifo, 0, "zero_shares"},
+                                           RefusalCase{
+                                               kSellSpecificId, 0, "zero_shares",
+                                               "To select shares click on the 'Select' button."},
+                                           RefusalCase{kSellFifo, 1, "zero_price"}));
 
 // A confirmed zero price stores the rows with price 0.
 TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
@@ -221,10 +174,7 @@ TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
     Fill(form, 10, "0", "1");
     SellShares_OK(*app_, form, false);
   });
-  ui_.Expect(
-      "The Sale Price is equal to zero, this is probably a mistake. \nDo still want to enter this "
-      "sale?",
-      "Sale Price is zero", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "zero_price", Answer::kYes);
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), "01/01/2024-1 -10 0 1");
 }
@@ -260,12 +210,8 @@ TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
     SellShares_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   });
-  ui_.Expect(kFileBusy, "Warning");
-  ui_.Expect(
-      "The Sale of Shares was not completed. If there was an error message you should correct "
-      "that problem first, if possible. You will need to add this Sale again by clicking the OK "
-      "button.",
-      "Sale not completed!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "busy");
+  ExpectSaid(ui_, __FILE__, "not_completed");
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), "01/01/2024-1 -40 400 0");
 }
@@ -283,13 +229,7 @@ class ModEntireSellTest : public SaleTest {
     ASSERT_TRUE(AddSell(*app_, jan_, D("06/03/2024"), Money("666.67"), Money("6.67"), -100, "A"));
     ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("333.33"), Money("3.33"), -50, "A"));
     ASSERT_TRUE(AddSell(*app_, mar_, D("06/04/2024"), Money("9"), Currency(), -1, "other day"));
-    ui_.Expect(
-        "In-order for the program to modify an entire sell it must assume that any sell "
-        "transaction in the security with the same date is part of the original sell on that "
-        "date. Therefore, if you entered two separate sells that were on the same date as the "
-        "sell you are modifying, it will consider them to be one sell. If this is the case, you "
-        "will need to adjust each sell transaction separately.\n\nDo you want to continue?",
-        "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "mod_entire", Answer::kYes);
   }
 
   int64_t jan_ = 0;
@@ -339,19 +279,12 @@ TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
     SellShares_Cancel(*app_, form);
   });
   if (c.shares > 199) {
-    ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
+    ExpectSaid(ui_, __FILE__, "not_enough", Answer::kOk, {"199"});
   } else if (c.busy) {
-    ui_.Expect(kFileBusy, "Warning");
+    ExpectSaid(ui_, __FILE__, "busy");
   } else {
-    ui_.Expect(
-        "There is already a Purchase of Shares in this Security on 06/04/2024.\nDo you "
-        "still want to add this transaction?",
-        "Purchase with same date exists", Answer::kNo);
-    ui_.Expect(
-        "The Sale was not changed: the original sale of 06/03/2024 is kept as it was. If there "
-        "was an error message you should correct that problem first, if possible, then click the "
-        "OK button again.",
-        "Sale not changed", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "purchase_same_date", Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "not_changed");
   }
   ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
   EXPECT_EQ(SellRows(), before);
