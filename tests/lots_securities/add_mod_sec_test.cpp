@@ -7,6 +7,7 @@
 #include "app/app_state.h"
 #include "data/central_file.h"
 #include "lots_securities/securities_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -30,13 +31,8 @@ TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
     form.symbol = c.symbol;
     form.sec_name = c.name;
     form.cusip = c.cusip;
-    if (c.asks_symbol) {
-      ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
-                 Icon::kInformation, Buttons::kOk);
-    }
-    if (c.asks_item) {
-      ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
-    }
+    if (c.asks_symbol) ExpectSaid(ui_, __FILE__, "symbol_missing");
+    if (c.asks_item) ExpectSaid(ui_, __FILE__, "item_not_entered", c.answer);
     EXPECT_EQ(VerifyAddModSec(*app_, form), c.result) << c.symbol << c.name << c.cusip;
   }
 }
@@ -64,11 +60,8 @@ TEST_P(AddSecTest, ShowAddSec_Cases) {
     if (!c.name.empty()) form.sec_name = c.name;
     if (!c.cusip.empty()) form.cusip = c.cusip == "-" ? "" : c.cusip;
     form.second_line = c.line;
-    if (c.asks_item) ui_.Expect(kItemNotEntered, "Item not entered", Answer::kYes);
-    if (c.asks_changed) {
-      ui_.Expect(kInfoChanged, "Information has been changed!", Icon::kExclamation, Buttons::kYesNo,
-                 c.answer);
-    }
+    if (c.asks_item) ExpectSaid(ui_, __FILE__, "item_not_entered", Answer::kYes);
+    if (c.asks_changed) ExpectSaid(ui_, __FILE__, "info_changed", c.answer);
     AddModSec_Ok(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
@@ -99,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(
 // A refused write shows the same dialog again with what the user typed,
 // and nothing is written.
 struct RefusalCase {
-  std::string caption, symbol, text, title;
+  std::string caption, symbol, key;
 };
 
 class RefusalTest : public SecuritiesTest, public ::testing::WithParamInterface<RefusalCase> {};
@@ -115,7 +108,7 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
   form.sec_name = "Typed";
   form.cusip = "T1";
   form.second_line = "line";
-  ui_.Expect(c.text, c.title);
+  ExpectSaid(ui_, __FILE__, c.key);
   ExpectForm<AddModSecForm>([&](AddModSecForm& again) {
     EXPECT_EQ(&again, &form);
     EXPECT_FALSE(again.hidden);
@@ -129,23 +122,12 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
   EXPECT_EQ(CountCentralRows("Securities") * 10 + CountClientRows("Security"), 11);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RefusalTest,
-    ::testing::Values(
-        RefusalCase{kAddSecCaption, "IBM",
-                    "The Security you wish to add already exists in this Portfolio, therefore it "
-                    "can not be added again. If you wish to purchase Shares for this Security, "
-                    "click on the icon for the Security and click the 'Buy' button.",
-                    "Security Already Exists!"},
-        RefusalCase{kAddSecToCdbCaption, "IBM",
-                    "The Symbol: IBM already exists. Please enter a new Symbol or use the "
-                    "Security that already exists.",
-                    "Symbol already exists"},
-        RefusalCase{kModSecInCdbCaption, "GONE",
-                    "The Security you have specified can't be found. You may need to Add it "
-                    "again.",
-                    "Security not found"},
-        RefusalCase{"Add Securities", "IBM", "Incorrect .caption on dlgAddModSec", "Warning"}));
+INSTANTIATE_TEST_SUITE_P(Cases, RefusalTest,
+                         ::testing::Values(RefusalCase{kAddSecCaption, "IBM",
+                                                       "exists_in_portfolio"},
+                                           RefusalCase{kAddSecToCdbCaption, "IBM", "symbol_exists"},
+                                           RefusalCase{kModSecInCdbCaption, "GONE", "not_found"},
+                                           RefusalCase{"Add Securities", "IBM", "bad_caption"}));
 
 // In the modify mode the symbol is fixed: an edit, at OK or through Find,
 // is refused with "Can't modify Symbol!", undone, and nothing is written.
@@ -155,11 +137,11 @@ TEST_F(SecuritiesTest, ShowModSecInCDB_EditedSymbol_Refused) {
               std::string("Modify a Security (SSF)|") + kIbm);
     form.symbol = "IBMX";
     form.sec_name = "Changed";
-    ui_.Expect(kCantModify, "Can't modify Symbol!", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "cant_modify");
     AddModSec_Ok(*app_, form);
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(form.symbol, "IBM");
-    ui_.Expect(kCantModify, "Can't modify Symbol!");
+    ExpectSaid(ui_, __FILE__, "cant_modify");
     AddModSec_Find(*app_, form);
     AddModSec_Cancel(*app_, form);
   });
