@@ -7,6 +7,7 @@
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
 #include "support/scripted_ui.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise {
 namespace {
@@ -105,18 +106,9 @@ TEST(FieldChecks, RefuseNamingTheValue) {
     EXPECT_GT(DecimalPlaces(bad), kShareDecimals) << bad;
   }
   testing::ScriptedUi ui;
-  ui.Expect(
-      "The Number of Shares entered as 0.333333 has more than 5 decimal places. Please "
-      "re-enter the Number of Shares with at most 5 decimal places.",
-      "Too many decimal places", Icon::kExclamation, Buttons::kOk);
-  ui.Expect(
-      "The Symbol US0378331005 is too long. A Symbol can be at most 10 characters long. "
-      "Please enter a shorter Symbol.",
-      "Symbol too long", Icon::kExclamation, Buttons::kOk);
-  ui.Expect(
-      "The Purchase Date entered as 13/45/2024 is not valid.  Please re-enter the Purchase Date. "
-      "If you are cancelling, click OK, and then click Cancel again.",
-      "Invalid Date", Icon::kExclamation, Buttons::kOk);
+  for (const char* key : {"decimals", "symbol_too_long", "bad_date"}) {
+    testing::ExpectSaid(ui, __FILE__, key);
+  }
   EXPECT_FALSE(ShareDecimalsValid(ui, 0.333333, "Number of Shares"));
   EXPECT_TRUE(ShareDecimalsValid(ui, 0.33333, "Number of Shares"));
   EXPECT_TRUE(SymbolLengthValid(ui, "\xC3\x89TOILE2024"));
