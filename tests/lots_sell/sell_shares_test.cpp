@@ -14,6 +14,14 @@
 namespace lotwise::testing {
 namespace {
 
+// The arguments of a case's section `key`, or "".
+std::string Args(const GoldenCase& c, const std::string& key) {
+  for (const GoldenSection& section : c.sections) {
+    if (section.key == key) return section.args;
+  }
+  return "";
+}
+
 // A FIFO sale takes the blocks still holding shares oldest first (date, then
 // block id as text), each remainder rounded to five decimals, and spreads
 // price and fee by shares: each row to the currency, then to the cent half to
@@ -30,16 +38,11 @@ TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
     in >> date >> shares >> adjusted >> seq;
     Block(date.c_str(), shares, adjusted, seq.c_str());
   }
-  std::string sale, rows, refusal, value;
-  for (const GoldenSection& section : c.sections) {
-    if (section.key == "sale") sale = section.args;
-    if (section.key == "rows") rows = section.args;
-    if (section.key == "refused") std::istringstream(section.args) >> refusal >> value;
-  }
-  std::istringstream in(sale);
+  std::string price, fee, refusal, value;
   double shares = 0;
-  std::string price, fee;
-  in >> shares >> price >> fee;
+  std::istringstream(Args(c, "sale")) >> shares >> price >> fee;
+  std::istringstream(Args(c, "refused")) >> refusal >> value;
+  const std::string rows = Args(c, "rows");
   OpenSecurity(kSellFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, shares, price.c_str(), fee.c_str());
@@ -63,30 +66,24 @@ INSTANTIATE_TEST_SUITE_P(Sales, FifoSaleTest,
 // blocks then hold; No keeps the rows. The stored sale of 120 took 100 from
 // January and 20 from February; a 2:1 split on 07/01 then doubled
 // February's 80 shares.
-struct RebookCase {
-  bool split;  // a 2:1 split of every block on `date`, else a buy of 50 shares
-  const char* date;
-  Answer answer;
-  const char* sale;
-  const char* splits;  // of 07/01/2024
-  std::string changes;
-};
 
-class RebookTest : public SaleTest, public ::testing::WithParamInterface<RebookCase> {};
+class RebookTest : public SaleTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
-  const RebookCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  std::string kind, date, answer;
+  std::istringstream(Args(c, "entry")) >> kind >> date >> answer;
   const int64_t jan = Block("01/01/2024", 100);
   const int64_t feb = Block("02/01/2024", 100);
   ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
   ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
   ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
   OpenSecurity(kSellFifo);
-  ExpectSaid(ui_, __FILE__, "rebook", c.answer);
-  if (c.split) {
+  ExpectSaid(ui_, __FILE__, "rebook", answer == "yes" ? Answer::kYes : Answer::kNo);
+  if (kind == "split") {
     SplitDivForm form;
     form.caption = SplitDivForm::kSplitCaption;
-    form.date = c.date;
+    form.date = date;
     form.pre_ratio = 2;
     form.post_ratio = 1;
     SplitDiv_OK(*app_, form, false);
@@ -94,40 +91,20 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   } else {
     BuyReinvestForm form;
     form.caption = BuyReinvestForm::kBuyCaption;
-    form.date = c.date;
+    form.date = date;
     form.num_shares = 50;
     form.cost_of_shares = Money("400");
     BuyReinvest_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   }
-  EXPECT_EQ(SellRows(), c.sale);
-  EXPECT_EQ(SellRows("07/01/2024", "Split"), c.splits);
-  EXPECT_EQ(Changes(), c.changes);
+  EXPECT_EQ(SellRows(), Args(c, "sale"));
+  EXPECT_EQ(SellRows("07/01/2024", "Split"), Args(c, "splits"));
+  EXPECT_EQ(Changes(), c.Text("changes"));
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-const std::string kRebooked =
-    "Re-booked Sell of 120 shares on 06/03/2024 from blocks 01/01/2024-1 (100), 02/01/2024-1 "
-    "(20) to ";
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, RebookTest,
-    ::testing::Values(
-        // The split before the sale leaves the January block alone enough.
-        RebookCase{true, "04/01/2024", Answer::kYes, "01/01/2024-1 -120 1200 12",
-                   "01/01/2024-1 80; 02/01/2024-1 200",
-                   kRebooked + "01/01/2024-1 (120)\n" +
-                       "Added Split of 80 shares on 07/01/2024 to block 01/01/2024-1\n"
-                       "Changed Split (Unique ID = 1), field 'Shares' from 80 to 200\n"},
-        // A forgotten earlier lot is taken second.
-        RebookCase{false, "01/15/2024", Answer::kYes,
-                   "01/01/2024-1 -100 1000 10; 01/15/2024-1 -20 200 2",
-                   "01/15/2024-1 30; 02/01/2024-1 100",
-                   kRebooked + "01/01/2024-1 (100), 01/15/2024-1 (20)\n" +
-                       "Added Split of 30 shares on 07/01/2024 to block 01/15/2024-1\n"
-                       "Changed Split (Unique ID = 1), field 'Shares' from 80 to 100\n"},
-        RebookCase{true, "04/01/2024", Answer::kNo,
-                   "01/01/2024-1 -100 1000 10; 02/01/2024-1 -20 200 2", "02/01/2024-1 80", ""}));
+INSTANTIATE_TEST_SUITE_P(Entries, RebookTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "rebooks.txt")));
 
 // OK refuses a sale without a method or without shares (pointing to the
 // Select button only where the user picks the shares), or with a zero price
