@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "lots_modify/modify_fixture.h"
@@ -11,6 +12,14 @@
 
 namespace lotwise::testing {
 namespace {
+
+// The arguments of a case's section `key`, or "".
+std::string Args(const GoldenCase& c, const std::string& key) {
+  for (const GoldenSection& section : c.sections) {
+    if (section.key == key) return section.args;
+  }
+  return "";
+}
 
 // Block 01/02/2024-1 holds one transaction of every kind but reinvestment
 // (108 shares in all with block 02/01/2024-1, which holds only its
@@ -41,57 +50,35 @@ class ModifyTransTest : public LotsModifyTest {
 // operation, whose change-log lines follow, and the display and total follow
 // too, a re-dated buy's renamed block included. Signs the checks leave
 // alone are stored as typed.
-struct KindCase {
-  const char *listed, *caption, *shown_amount, *date;
-  double shares;
-  const char *amount, *changes, *block_after, *total;
-};
 
-class ModifyKindTest : public ModifyTransTest, public ::testing::WithParamInterface<KindCase> {};
+class ModifyKindTest : public ModifyTransTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(ModifyKindTest, ModifyTrans_OK_EachKind_RowRewrittenAndLogged) {
-  const KindCase& c = GetParam();
-  ExpectModify(c.listed, [&](ModifyTransForm& form) {
-    EXPECT_EQ(form.caption, c.caption);
-    EXPECT_EQ(form.cost_of_shares, Money(c.shown_amount));
+  const GoldenCase& c = GetParam();
+  std::string date, amount, block, total;
+  double shares = 0;
+  std::istringstream(Args(c, "typed")) >> date >> shares >> amount;
+  std::istringstream(Args(c, "after")) >> block >> total;
+  ExpectModify(c.name.c_str(), [&](ModifyTransForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.cost_of_shares.ToString(), Args(c, "dialog"));
     EXPECT_EQ(form.security, "International Business Machines");
-    form.date = c.date;
-    form.num_shares = c.shares;
-    form.cost_of_shares = Money(c.amount);
+    form.date = date;
+    form.num_shares = shares;
+    form.cost_of_shares = Money(amount.c_str());
     ModifyTrans_OK(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowModifyTrans(*app_);
-  EXPECT_EQ(Changes(), c.changes);
-  EXPECT_EQ(app_->current.block_id, c.block_after);
+  EXPECT_EQ(Changes(), c.Text("changes"));
+  EXPECT_EQ(app_->current.block_id, block);
   const SecurityDisplay& display = app_->window.display;
-  EXPECT_EQ(display.blocks[static_cast<size_t>(display.selected_block)].block_id, c.block_after);
-  EXPECT_EQ(display.total_shares, c.total);
+  EXPECT_EQ(display.blocks[static_cast<size_t>(display.selected_block)].block_id, block);
+  EXPECT_EQ(display.total_shares, total);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ModifyKindTest,
-    ::testing::Values(
-        KindCase{"Buy", "Modify Buy", "1000", "01/05/2024", 100, "1000",
-                 "Changed Buy (Unique ID = 1), field 'Date' from 01/02/2024 to 01/05/2024\n",
-                 "01/05/2024-1", "108"},
-        KindCase{"Reinvestment", "Modify Reinvestment", "50", "02/01/2024", 3, "50",
-                 "Changed Buy (Unique ID = 2), field 'Shares' from 2 to 3\n", "02/01/2024-1",
-                 "109"},
-        KindCase{"Sell", "Modify Sell", "700", "03/01/2024", -100, "700",
-                 "Changed Sell (Unique ID = 1), field 'Shares' from -50 to -100\n", "01/02/2024-1",
-                 "58"},
-        KindCase{"Stock Split", "Modify Stock Split", "0", "04/01/2024", -5, "0",
-                 "Changed Split (Unique ID = 1), field 'Shares' from 50 to -5\n", "01/02/2024-1",
-                 "53"},
-        KindCase{"Stock Div.", "Modify Stock Dividend", "0", "05/01/2024", 6, "0",
-                 "Changed Split (Unique ID = 2), field 'Shares' from 5 to 6\n", "01/02/2024-1",
-                 "109"},
-        KindCase{"Adjustment", "Modify Adjustment", "10", "06/01/2024", -3, "-20",
-                 "Changed Adjust (Unique ID = 1), field 'Cost' from 10 to -20\n"
-                 "Changed Adjust (Unique ID = 1), field 'Shares' from 1 to -3\n",
-                 "01/02/2024-1", "104"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, ModifyKindTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "modify_kinds.txt")));
 
 // Each field check refuses its bad value with its own message, keeps the
 // dialog open on that field, and nothing is written. Zero shares, and a
