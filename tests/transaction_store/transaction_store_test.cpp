@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -160,13 +161,8 @@ TEST_F(TransactionStoreTest, Add_EachKind_WritesFieldsAndPrecSort) {
 // default text form, under the current portfolio and security and today's
 // date, and rewrites the row; notes changes are never logged. A unique id
 // that is not there is reported and changes nothing.
-struct ModifyCase {
-  const char *table, *date, *money, *fee;  // money: cost, or sale price
-  double shares;
-  Lines logged;  // each after "Changed <table> (Unique ID = 1), field "
-};
 
-class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInterface<ModifyCase> {
+class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
   void SetUp() override {
     TransactionStoreTest::SetUp();
@@ -177,26 +173,35 @@ class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInter
   }
 
   bool Modify(int64_t id) {
-    const ModifyCase& c = GetParam();
-    const std::string_view table = c.table;
+    std::string date, money, fee;
+    double shares = 0;
+    std::istringstream(GetParam().sections.at(1).args) >> date >> money >> fee >> shares;
+    const std::string table = Table();
     if (table == "Buy") {
-      return ModifyBuy(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+      return ModifyBuy(*app_, id, D(date.c_str()), Money(money.c_str()), Money(fee.c_str()), shares,
+                       "new");
     }
     if (table == "Sell") {
-      return ModifySell(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+      return ModifySell(*app_, id, D(date.c_str()), Money(money.c_str()), Money(fee.c_str()),
+                        shares, "new");
     }
-    if (table == "Split") return ModifySplit(*app_, id, D(c.date), c.shares, "new");
-    return ModifyAdjust(*app_, id, D(c.date), Money(c.money), c.shares, "new");
+    if (table == "Split") return ModifySplit(*app_, id, D(date.c_str()), shares, "new");
+    return ModifyAdjust(*app_, id, D(date.c_str()), Money(money.c_str()), shares, "new");
+  }
+
+  std::string Table() {
+    const std::string& name = GetParam().name;
+    return name.substr(0, name.find(' '));
   }
 
   Lines Notes() {
-    return Rows(app_->client->Select("SELECT \"Notes\" FROM \"" + std::string(GetParam().table) +
-                                     "\" WHERE \"Unique ID\" = 1"));
+    return Rows(
+        app_->client->Select("SELECT \"Notes\" FROM \"" + Table() + "\" WHERE \"Unique ID\" = 1"));
   }
 };
 
 TEST_P(ModifyTest, Modify_Fields_MissingIdRefusedChangesLogged) {
-  const ModifyCase& c = GetParam();
+  const GoldenCase& c = GetParam();
   ExpectSaid(ui_, __FILE__, "not_located");
   EXPECT_FALSE(Modify(999));
   EXPECT_EQ(CountClientRows("Change"), 0);
@@ -204,30 +209,16 @@ TEST_P(ModifyTest, Modify_Fields_MissingIdRefusedChangesLogged) {
 
   ASSERT_TRUE(Modify(1));
   Lines expected;
-  for (const std::string& field : c.logged) {
-    expected.push_back("2026-11-22|Growth|" + std::to_string(sec_id_) + "|Changed " + c.table +
+  for (const std::string& field : c.Lines("logged")) {
+    expected.push_back("2026-11-22|Growth|" + std::to_string(sec_id_) + "|Changed " + Table() +
                        " (Unique ID = 1), field " + field);
   }
   EXPECT_EQ(Rows(app_->client->Select(R"(SELECT * FROM "Change" ORDER BY rowid)")), expected);
   EXPECT_EQ(Notes(), Lines{"new"});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ModifyTest,
-    ::testing::Values(
-        ModifyCase{"Buy", "01/03/2024", "1000.5", "9.95", 100.5,
-                   Lines{"'Date' from 01/02/2024 to 01/03/2024", "'Cost' from 1000 to 1000.5",
-                         "'Fee' from 0 to 9.95", "'Shares' from 100 to 100.5"}},
-        ModifyCase{"Sell", "06/04/2024", "550.25", "0", -40.25,
-                   Lines{"'Date' from 06/03/2024 to 06/04/2024", "'Sale Price' from 500 to 550.25",
-                         "'Fee' from 5 to 0", "'Shares' from -40 to -40.25"}},
-        ModifyCase{"Split", "07/02/2024", "0", "0", 61.5,
-                   Lines{"'Date' from 07/01/2024 to 07/02/2024", "'Shares' from 60 to 61.5"}},
-        ModifyCase{"Adjust", "12/31/2024", "-0.0001", "0", -2,
-                   Lines{"'Date' from 08/01/2024 to 12/31/2024", "'Cost' from 10 to -0.0001",
-                         "'Shares' from 1 to -2"}},
-        ModifyCase{"Sell", "06/03/2024", "500", "5", -40, Lines{}},
-        ModifyCase{"Adjust", "08/01/2024", "10", "0", 1, Lines{}}));
+INSTANTIATE_TEST_SUITE_P(Kinds, ModifyTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "modifications.txt")));
 
 // Re-dating a lot onto a date that already has lots gives it the next free
 // number there, whether the buy or the block is re-dated; only a lot of the
