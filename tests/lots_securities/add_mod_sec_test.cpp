@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "app/app_state.h"
@@ -42,33 +43,35 @@ TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
 // answers Yes; a new symbol goes into the central file first ("NO CUSIP"
 // when left empty), text exactly as typed. The portfolio gets the security
 // whatever the answers, and it is opened.
-struct AddCase {
-  std::string symbol, name, cusip, line;  // name/cusip empty: keep what was filled in
-  bool asks_item, asks_changed;
-  Answer answer;
-  std::string central_after, portfolio_after;
-};
-
-class AddSecTest : public SecuritiesTest, public ::testing::WithParamInterface<AddCase> {};
+class AddSecTest : public SecuritiesTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(AddSecTest, ShowAddSec_Cases) {
-  const AddCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  std::string typed[4], asks, answer, central, portfolio;
+  for (const GoldenSection& section : c.sections) {
+    std::istringstream args(section.args);
+    if (section.key == "typed") {
+      for (std::string& part : typed) std::getline(args, part, '|');
+    }
+    if (section.key == "asks") args >> asks >> answer;
+    if (section.key == "central") central = section.args;
+    if (section.key == "portfolio") portfolio = section.args;
+  }
   ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
     EXPECT_EQ(form.caption + "|" + form.portfolio, "Add a Security|Growth");
-    form.symbol = c.symbol;
+    form.symbol = typed[0];
     FillInNameCusip(*app_, form);
-    if (!c.name.empty()) form.sec_name = c.name;
-    if (!c.cusip.empty()) form.cusip = c.cusip == "-" ? "" : c.cusip;
-    form.second_line = c.line;
-    if (c.asks_item) ExpectSaid(ui_, __FILE__, "item_not_entered", Answer::kYes);
-    if (c.asks_changed) ExpectSaid(ui_, __FILE__, "info_changed", c.answer);
+    if (!typed[1].empty()) form.sec_name = typed[1];
+    if (!typed[2].empty()) form.cusip = typed[2] == "-" ? "" : typed[2];
+    form.second_line = typed[3];
+    if (!asks.empty()) ExpectSaid(ui_, __FILE__, asks, answer == "no" ? Answer::kNo : Answer::kYes);
     AddModSec_Ok(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowAddSec(*app_);
-  const std::string symbol = c.central_after.substr(0, c.central_after.find('|'));
-  EXPECT_EQ(CentralSec(symbol), c.central_after);
-  EXPECT_EQ(PortfolioSecs(), c.portfolio_after);
+  const std::string symbol = central.substr(0, central.find('|'));
+  EXPECT_EQ(CentralSec(symbol), central);
+  EXPECT_EQ(PortfolioSecs(), portfolio);
   EXPECT_EQ(app_->window.state, kSecOpen);
   EXPECT_EQ(app_->current.sec_symbol, symbol);
   EXPECT_EQ(app_->window.display.sec_name, GetSecInfoFromCDB(*app_, symbol, "[Sec Name]"));
@@ -77,17 +80,8 @@ TEST_P(AddSecTest, ShowAddSec_Cases) {
 
 const char* const kIbm = "IBM|International Business Machines|459200101";
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, AddSecTest,
-    ::testing::Values(
-        AddCase{"ibm", "", "", "long hold", false, false, Answer::kNo, kIbm, "IBM|long hold ;"},
-        AddCase{"IBM", "IBM Corp", "", "", false, true, Answer::kYes, "IBM|IBM Corp|459200101",
-                "IBM| ;"},
-        AddCase{"IBM", "", "999", "", false, true, Answer::kNo, kIbm, "IBM| ;"},
-        AddCase{"XYZ", "Xyz Corp", "-", "", true, false, Answer::kNo, "XYZ|Xyz Corp|NO CUSIP",
-                "XYZ| ;"},
-        AddCase{"SG'\"É", "Société \"Générale\" & Cie", "F85", "O'Neil – ü", false, false,
-                Answer::kNo, "SG'\"É|Société \"Générale\" & Cie|F85", "SG'\"É|O'Neil – ü ;"}));
+INSTANTIATE_TEST_SUITE_P(Cases, AddSecTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "added_securities.txt")));
 
 // A refused write shows the same dialog again with what the user typed,
 // and nothing is written.
