@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -58,37 +59,27 @@ class SplitDivTest : public LotsTest {
 // On the current block only that block gets a row, with its kind's type,
 // rank and added shares to five decimals; a reverse split takes away
 // exactly its share, and a zero second part adds nothing.
-struct KindCase {
-  const char* caption;
-  double pre, post, shares;
-  const char *row, *help;
-};
 
-class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<KindCase> {};
+class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(SplitKindTest, CurrentBlock_AddsRatioShares) {
-  const KindCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  double shares = 0, pre = 0, post = 0;
+  std::istringstream(c.sections.at(1).args) >> shares >> pre >> post;
   BuyShares("01/02/2024", 70, "700");
-  LoadBlocks(BuyShares("01/03/2024", c.shares, "500"));
+  LoadBlocks(BuyShares("01/03/2024", shares, "500"));
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
-    Type(form, "06/28/2024", c.pre, c.post, SplitDivForm::kCurrentBlock);
+    Type(form, "06/28/2024", pre, post, SplitDivForm::kCurrentBlock);
     PressOkSplitDiv(*app_, form);
     EXPECT_TRUE(form.closed);
   });
-  ShowSplit(*app_, c.caption);
-  EXPECT_EQ(SplitRows(), std::vector<std::string>{c.row});
-  EXPECT_EQ(HelpTexts().at(0), c.help);
+  ShowSplit(*app_, c.name);
+  EXPECT_EQ(SplitRows(), std::vector<std::string>{c.sections.at(2).args});
+  EXPECT_EQ(HelpTexts().at(0), c.sections.at(3).args);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, SplitKindTest,
-    ::testing::Values(KindCase{"Stock Split", 3, 2, 101, "01/03/2024-1|06/28/2024|11|60|3|2|50.5|",
-                               "Calculating and adding Stock Split"},
-                      KindCase{"Stock Split", 1, 2, 100, "01/03/2024-1|06/28/2024|11|60|1|2|-50|",
-                               "Calculating and adding Stock Split"},
-                      KindCase{"Stock Dividend", 0.05, 1, 33,
-                               "01/03/2024-1|06/28/2024|21|50|0.05|1|1.65|",
-                               "Calculating and adding Stock Dividend"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, SplitKindTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "current_block.txt")));
 
 TEST(SplitSharesAddedTest, PostZero_AddsNothing) {
   EXPECT_EQ(SplitSharesAdded(kTypeSplit, 2, 0, 100), 0);
