@@ -7,28 +7,13 @@
 
 #include "ground/number_text.h"
 #include "lots_buy/lots_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
-const std::string kSameDate =
-    "There is already a Purchase of Shares in this Security on 03/01/2024.\nDo you still want to "
-    "add this transaction?";
-
 // Quotes, a semicolon, SQL and non-Latin text must be stored as typed.
 const std::string kOddNotes = "Müller's \"DRIP\"; DROP TABLE \"Buy\" – 株式";
-
-std::string ZeroQuestion(const std::string& what) {
-  return "The " + what +
-         " entered is zero. This is probably a mistake. Do you still want to add this "
-         "transaction?";
-}
-
-std::string InvalidDate(const std::string& typed) {
-  return "The date entered as " + typed +
-         " is not valid.  Please re-enter the date. If you are cancelling, click OK, and then "
-         "click Cancel again.";
-}
 
 class BuyReinvestTest : public LotsTest {
  protected:
@@ -75,8 +60,7 @@ TEST_P(BuyModeTest, ShowAndOk_StoresBlockOfItsType) {
     EXPECT_EQ(form.security, "AT&&T");
     Type(form, "03/15/2024", 12.5, "1250.25", kOddNotes);
     form.fee = Money("-5");
-    ui_.Expect("The Fee can not be less than zero. Please re-enter the Fee", "Warning",
-               Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "negative_fee");
     FeeLostFocusBR(*app_, form);
     EXPECT_EQ(form.fee, Currency());
     EXPECT_EQ(form.total_cost, Money("1250.25"));
@@ -99,10 +83,7 @@ INSTANTIATE_TEST_SUITE_P(
 // A reinvestment needs a block to reinvest from: without one the user is
 // told and no dialog opens.
 TEST_F(BuyReinvestTest, ShowReinvest_NoBlocks_NoDialog) {
-  ui_.Expect(
-      "There are no Blocks to enter a Reinvestment into. To enter a purchase of Shares click on "
-      "the Buy button.",
-      "No Blocks to add to", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no_blocks");
   ShowReinvest(*app_);
 }
 
@@ -110,14 +91,13 @@ TEST_F(BuyReinvestTest, ShowReinvest_NoBlocks_NoDialog) {
 // stores nothing and leaves the dialog open as typed. A caption that is
 // neither mode is reported and nothing is stored.
 TEST_F(BuyReinvestTest, Ok_ZeroCostAndShares_AskedCostFirst) {
-  const std::string cost = ZeroQuestion("Cost of Shares"),
-                    shares = ZeroQuestion("Number of Shares");
-  ui_.Expect(cost, "Warning!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(cost, "Warning!", Answer::kYes);
-  ui_.Expect(shares, "Warning!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(cost, "Warning!", Answer::kYes);
-  ui_.Expect(shares, "Warning!", Answer::kYes);
-  ui_.Expect("Incorrect caption on dlgBuyReinvest", "Error", Icon::kExclamation, Buttons::kOk);
+  const std::vector<std::string> cost = {"Cost of Shares"}, shares = {"Number of Shares"};
+  ExpectSaid(ui_, __FILE__, "zero", Answer::kNo, cost);
+  ExpectSaid(ui_, __FILE__, "zero", Answer::kYes, cost);
+  ExpectSaid(ui_, __FILE__, "zero", Answer::kNo, shares);
+  ExpectSaid(ui_, __FILE__, "zero", Answer::kYes, cost);
+  ExpectSaid(ui_, __FILE__, "zero", Answer::kYes, shares);
+  ExpectSaid(ui_, __FILE__, "bad_caption");
   BuyReinvestForm form;
   form.caption = "Buy Shares";
   Type(form, "03/15/2024", 0, "0");
@@ -158,14 +138,9 @@ TEST_F(BuyReinvestTest, Next_SameDateBuys_BothStored) {
     EXPECT_EQ(form.focus, "dtDate");
     BuyReinvest_Cancel(*app_, form);
   });
-  ui_.Expect(kSameDate, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kNo);
-  ui_.Expect(
-      "This transaction was not added. If an error message was displayed you should try to "
-      "correct the error first. you will need to add this transaction again.",
-      "Error!", Icon::kCritical, Buttons::kOk);
-  ui_.Expect(kSameDate, "Purchase with same date exists", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "same_date", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "not_added");
+  ExpectSaid(ui_, __FILE__, "same_date", Answer::kYes);
   ShowBuyShares(*app_);
   EXPECT_EQ(BuyRows(), (std::vector<std::string>{"03/01/2024-1|10|10|10|0|",
                                                  "03/01/2024-2|10|10|20|0|second"}));
@@ -177,22 +152,19 @@ TEST_F(BuyReinvestTest, Next_SameDateBuys_BothStored) {
 // no date stops at the invalid-date message and writes nothing.
 TEST_F(BuyReinvestTest, Date_BadInput) {
   const struct {
-    const char *typed, *warning, *title;  // with "WARNING" the date is refused outright
-  } cases[] = {
-      {"__/__/____", "Please enter a date.", "WARNING"},
-      {"02/30/2024", "Please enter a date.", "WARNING"},
-      {"12/31/1912", "The date, 12/31/1912, should not be earlier than 01/01/1913!", "WARNING!"}};
+    const char *typed, *warning;  // with "no_date" the date is refused outright
+  } cases[] = {{"__/__/____", "no_date"}, {"02/30/2024", "no_date"}, {"12/31/1912", "early_date"}};
   for (const auto& c : cases) {
-    const bool refused = std::string(c.title) == "WARNING";
-    ui_.Expect(c.warning, c.title, Icon::kExclamation, Buttons::kOk);
-    if (refused) ui_.Expect(InvalidDate(c.typed), "Invalid Date");
+    const bool refused = std::string(c.warning) == "no_date";
+    ExpectSaid(ui_, __FILE__, c.warning);
+    if (refused) ExpectSaid(ui_, __FILE__, "bad_date", Answer::kOk, {c.typed});
     BuyReinvestForm form;
     form.caption = "Buy Shares";
     Type(form, c.typed, 10, "100");
     DateLostFocusBR(*app_, form);
     if (!refused) continue;
     EXPECT_EQ(form.focus, "dtDate");
-    ui_.Expect(InvalidDate(c.typed), "Invalid Date", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "bad_date", Answer::kOk, {c.typed});
     BuyReinvest_OK(*app_, form, false);
     EXPECT_FALSE(form.closed);
   }

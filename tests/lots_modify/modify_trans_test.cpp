@@ -4,12 +4,22 @@
 
 #include <functional>
 #include <optional>
+#include <sstream>
 #include <string>
 
 #include "lots_modify/modify_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
+
+// The arguments of a case's section `key`, or "".
+std::string Args(const GoldenCase& c, const std::string& key) {
+  for (const GoldenSection& section : c.sections) {
+    if (section.key == key) return section.args;
+  }
+  return "";
+}
 
 // Block 01/02/2024-1 holds one transaction of every kind but reinvestment
 // (108 shares in all with block 02/01/2024-1, which holds only its
@@ -40,57 +50,35 @@ class ModifyTransTest : public LotsModifyTest {
 // operation, whose change-log lines follow, and the display and total follow
 // too, a re-dated buy's renamed block included. Signs the checks leave
 // alone are stored as typed.
-struct KindCase {
-  const char *listed, *caption, *shown_amount, *date;
-  double shares;
-  const char *amount, *changes, *block_after, *total;
-};
 
-class ModifyKindTest : public ModifyTransTest, public ::testing::WithParamInterface<KindCase> {};
+class ModifyKindTest : public ModifyTransTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(ModifyKindTest, ModifyTrans_OK_EachKind_RowRewrittenAndLogged) {
-  const KindCase& c = GetParam();
-  ExpectModify(c.listed, [&](ModifyTransForm& form) {
-    EXPECT_EQ(form.caption, c.caption);
-    EXPECT_EQ(form.cost_of_shares, Money(c.shown_amount));
+  const GoldenCase& c = GetParam();
+  std::string date, amount, block, total;
+  double shares = 0;
+  std::istringstream(Args(c, "typed")) >> date >> shares >> amount;
+  std::istringstream(Args(c, "after")) >> block >> total;
+  ExpectModify(c.name.c_str(), [&](ModifyTransForm& form) {
+    EXPECT_EQ(form.caption + "|" + form.cost_of_shares.ToString(), Args(c, "dialog"));
     EXPECT_EQ(form.security, "International Business Machines");
-    form.date = c.date;
-    form.num_shares = c.shares;
-    form.cost_of_shares = Money(c.amount);
+    form.date = date;
+    form.num_shares = shares;
+    form.cost_of_shares = Money(amount.c_str());
     ModifyTrans_OK(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowModifyTrans(*app_);
-  EXPECT_EQ(Changes(), c.changes);
-  EXPECT_EQ(app_->current.block_id, c.block_after);
+  EXPECT_EQ(Changes(), c.Text("changes"));
+  EXPECT_EQ(app_->current.block_id, block);
   const SecurityDisplay& display = app_->window.display;
-  EXPECT_EQ(display.blocks[static_cast<size_t>(display.selected_block)].block_id, c.block_after);
-  EXPECT_EQ(display.total_shares, c.total);
+  EXPECT_EQ(display.blocks[static_cast<size_t>(display.selected_block)].block_id, block);
+  EXPECT_EQ(display.total_shares, total);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ModifyKindTest,
-    ::testing::Values(
-        KindCase{"Buy", "Modify Buy", "1000", "01/05/2024", 100, "1000",
-                 "Changed Buy (Unique ID = 1), field 'Date' from 01/02/2024 to 01/05/2024\n",
-                 "01/05/2024-1", "108"},
-        KindCase{"Reinvestment", "Modify Reinvestment", "50", "02/01/2024", 3, "50",
-                 "Changed Buy (Unique ID = 2), field 'Shares' from 2 to 3\n", "02/01/2024-1",
-                 "109"},
-        KindCase{"Sell", "Modify Sell", "700", "03/01/2024", -100, "700",
-                 "Changed Sell (Unique ID = 1), field 'Shares' from -50 to -100\n", "01/02/2024-1",
-                 "58"},
-        KindCase{"Stock Split", "Modify Stock Split", "0", "04/01/2024", -5, "0",
-                 "Changed Split (Unique ID = 1), field 'Shares' from 50 to -5\n", "01/02/2024-1",
-                 "53"},
-        KindCase{"Stock Div.", "Modify Stock Dividend", "0", "05/01/2024", 6, "0",
-                 "Changed Split (Unique ID = 2), field 'Shares' from 5 to 6\n", "01/02/2024-1",
-                 "109"},
-        KindCase{"Adjustment", "Modify Adjustment", "10", "06/01/2024", -3, "-20",
-                 "Changed Adjust (Unique ID = 1), field 'Cost' from 10 to -20\n"
-                 "Changed Adjust (Unique ID = 1), field 'Shares' from 1 to -3\n",
-                 "01/02/2024-1", "104"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, ModifyKindTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "modify_kinds.txt")));
 
 // Each field check refuses its bad value with its own message, keeps the
 // dialog open on that field, and nothing is written. Zero shares, and a
@@ -100,9 +88,9 @@ struct CheckCase {
   const char* listed;
   std::optional<double> shares;
   const char *amount, *fee, *date;  // nullptr keeps the row's value
-  std::string message;              // a refusal, or the zero-shares question
-  const char* title;                // of the refusal; nullptr: questions
+  const char* refusal;              // its message; nullptr: the questions
   const char* focus;                // of the refusal, or the field of the zero-amount question
+  bool zero_shares = false;
   Answer to_shares = Answer::kYes, to_amount = Answer::kYes;
 };
 
@@ -111,7 +99,7 @@ class ModifyCheckTest : public ModifyTransTest, public ::testing::WithParamInter
 TEST_P(ModifyCheckTest, ModifyTrans_OK_BadFieldRefusedZeroConfirmed) {
   const CheckCase& c = GetParam();
   const std::string before = Snapshot();
-  const bool written = !c.title && c.to_shares == Answer::kYes && c.to_amount == Answer::kYes;
+  const bool written = !c.refusal && c.to_shares == Answer::kYes && c.to_amount == Answer::kYes;
   ExpectModify(c.listed, [&](ModifyTransForm& form) {
     if (c.shares) form.num_shares = *c.shares;
     if (c.amount) form.cost_of_shares = Money(c.amount);
@@ -119,76 +107,42 @@ TEST_P(ModifyCheckTest, ModifyTrans_OK_BadFieldRefusedZeroConfirmed) {
     if (c.date) form.date = c.date;
     ModifyTrans_OK(*app_, form);
     EXPECT_EQ(form.closed, written);
-    EXPECT_EQ(form.focus, c.title ? c.focus : form.focus);
+    EXPECT_EQ(form.focus, c.refusal ? c.focus : form.focus);
   });
-  if (c.title) {
-    ui_.Expect(c.message, c.title, Icon::kExclamation, Buttons::kOk);
-  } else {
-    const char* const title = "Modify Transaction?";
-    if (!c.message.empty())
-      ui_.Expect(c.message, title, Icon::kQuestion, Buttons::kYesNo, c.to_shares);
-    if (c.focus) {
-      ui_.Expect(
-          "The " + std::string(c.focus) +
-              " is zero. This could be a mistake. Do you still want to add this modification?",
-          title, Icon::kQuestion, Buttons::kYesNo, c.to_amount);
-    }
-  }
+  if (c.refusal) ExpectSaid(ui_, __FILE__, c.refusal);
+  if (c.zero_shares) ExpectSaid(ui_, __FILE__, "zero_shares", c.to_shares);
+  if (!c.refusal && c.focus) ExpectSaid(ui_, __FILE__, "zero_amount", c.to_amount, {c.focus});
   ShowModifyTrans(*app_);
   EXPECT_EQ(Snapshot() != before, written);
 }
 
-const char* const kSharesTitle = "Invalid Number of Shares";
-const std::string kZeroShares =
-    "The Number of Shares is zero. This is could be a mistake. Do you still want to add this "
-    "modification?";
 const auto kNo = Answer::kNo;
 
 INSTANTIATE_TEST_SUITE_P(
     Checks, ModifyCheckTest,
     ::testing::Values(
-        CheckCase{"Sell", 100, nullptr, nullptr, nullptr,
-                  "The Number of Shares can not be greater than zero. Because this is a sale, "
-                  "the shares sold should be listed as a negative amount. (if 100 shares were "
-                  "sold then enter -100.) Please correct this.",
-                  kSharesTitle, "DblNumShares"},
-        CheckCase{"Buy", 0, nullptr, nullptr, nullptr,
-                  "The Number of Shares can not be less than or equal to zero. Please correct "
-                  "this.",
-                  kSharesTitle, "DblNumShares"},
-        CheckCase{"Sell", -0.333333, nullptr, nullptr, nullptr,
-                  "The Number of Shares entered as -0.333333 has more than 5 decimal places. "
-                  "Please re-enter the Number of Shares with at most 5 decimal places.",
-                  "Too many decimal places", "DblNumShares"},
-        CheckCase{"Sell", std::nullopt, "-0.01", nullptr, nullptr,
-                  "The Sale Price can not be less than zero. Please correct this.",
-                  "Invalid Sale Price", "CurrCostOfShares"},
-        CheckCase{"Buy", std::nullopt, "-5", nullptr, nullptr,
-                  "The Cost of Shares can not be less than zero. Please correct this.",
-                  "Invalid Cost of Shares", "CurrCostOfShares"},
-        CheckCase{"Sell", std::nullopt, nullptr, "-1", nullptr,
-                  "The Fee can not be less than zero. Please correct this.", "Invalid Fee",
-                  "CurrFee"},
+        CheckCase{"Sell", 100, nullptr, nullptr, nullptr, "sell_positive", "DblNumShares"},
+        CheckCase{"Buy", 0, nullptr, nullptr, nullptr, "buy_not_positive", "DblNumShares"},
+        CheckCase{"Sell", -0.333333, nullptr, nullptr, nullptr, "decimals", "DblNumShares"},
+        CheckCase{"Sell", std::nullopt, "-0.01", nullptr, nullptr, "negative_price",
+                  "CurrCostOfShares"},
+        CheckCase{"Buy", std::nullopt, "-5", nullptr, nullptr, "negative_cost", "CurrCostOfShares"},
+        CheckCase{"Sell", std::nullopt, nullptr, "-1", nullptr, "negative_fee", "CurrFee"},
         // The date is checked first.
-        CheckCase{"Sell", 100, nullptr, nullptr, "02/30/2024",
-                  "The date you have entered is invalid. Please correct the date. If you are "
-                  "cancelling, click on OK, and then click on Cancel again.",
-                  "Warning", "dtDate"},
-        CheckCase{"Sell", 0, "700", nullptr, nullptr, kZeroShares, nullptr, nullptr, kNo},
-        CheckCase{"Sell", -50, "0", nullptr, nullptr, "", nullptr, "Sale Price"},
-        CheckCase{"Buy", 100, "0", nullptr, nullptr, "", nullptr, "Cost of Shares", kNo, kNo},
-        CheckCase{"Stock Split", 0, "0", nullptr, nullptr, kZeroShares, nullptr, nullptr},
-        CheckCase{"Adjustment", 0, "0", nullptr, nullptr, kZeroShares, nullptr, "Cost of Shares"}));
+        CheckCase{"Sell", 100, nullptr, nullptr, "02/30/2024", "bad_date", "dtDate"},
+        CheckCase{"Sell", 0, "700", nullptr, nullptr, nullptr, nullptr, true, kNo},
+        CheckCase{"Sell", -50, "0", nullptr, nullptr, nullptr, "Sale Price"},
+        CheckCase{"Buy", 100, "0", nullptr, nullptr, nullptr, "Cost of Shares", false, Answer::kYes,
+                  kNo},
+        CheckCase{"Stock Split", 0, "0", nullptr, nullptr, nullptr, nullptr, true},
+        CheckCase{"Adjustment", 0, "0", nullptr, nullptr, nullptr, "Cost of Shares", true}));
 
 // An unknown mode, or a listed row of no known kind, is reported and
 // nothing changes; with nothing listed the user is told and nothing opens.
 TEST_F(ModifyTransTest, ModifyAndDelete_UnknownKind_ErrorNothingChanged) {
   const std::string before = Snapshot();
-  ui_.Expect("Error in caption on dlgModifyTrans in ModifyTrans_OK", "Error!");
-  ui_.Expect(
-      "The modification was not completed successfully. If an error message was displayed you "
-      "should try to correct the error first. You will need to enter this modification again.",
-      "Error!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "bad_caption", Answer::kOk, {"ModifyTrans_OK"});
+  ExpectSaid(ui_, __FILE__, "not_modified");
   ModifyTransForm form;
   form.caption = "Modify Something";
   form.date = "01/02/2024";
@@ -199,26 +153,19 @@ TEST_F(ModifyTransTest, ModifyAndDelete_UnknownKind_ErrorNothingChanged) {
 
   Open("Buy");
   app_->window.display.transactions[0].transaction = "Transfer";
-  ui_.Expect("Error in caption on dlgModifyTrans in ShowModifyTrans", "Error!");
+  ExpectSaid(ui_, __FILE__, "bad_caption", Answer::kOk, {"ShowModifyTrans"});
   ShowModifyTrans(*app_);
-  ui_.Expect(
-      "You are about to delete the Transfer on 01/02/2024 from Block 01/02/2024-1. Are you "
-      "sure you want to do this? ",
-      "Delete Transaction?", Answer::kYes);
-  ui_.Expect("Error in transaction type on SSdgTransactions in DeleteTransaction", "Error!");
+  ExpectSaid(ui_, __FILE__, "delete", Answer::kYes, {"Transfer", "01/02/2024", "01/02/2024-1"});
+  ExpectSaid(ui_, __FILE__, "bad_type");
   DeleteTransaction(*app_);
   EXPECT_EQ(Snapshot(), before);
 }
 
 TEST_F(LotsModifyTest, ModifyAndDelete_NoTransactions_NothingOpens) {
   Open();
-  ui_.Expect("There are no transactions to modify. To Buy shares click on the 'Buy' button.",
-             "No Transactions");
+  ExpectSaid(ui_, __FILE__, "nothing_to_modify");
   ShowModifyTrans(*app_);
-  ui_.Expect(
-      "There is no Transaction to delete. To show All transactions for this Block click on the "
-      "'...' button and select All.",
-      "No Transactions!", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "nothing_to_delete");
   DeleteTransaction(*app_);
 }
 
@@ -226,9 +173,9 @@ TEST_F(LotsModifyTest, ModifyAndDelete_NoTransactions_NothingOpens) {
 // the block again with all kinds; the block stays while it holds any row. A
 // buy deleted under a later sale leaves that sale short, which is said.
 struct DeleteCase {
-  const char *listed, *question, *table;
+  const char *listed, *named, *date, *table;
   int64_t unique_id;
-  const char* shortfall = nullptr;
+  bool shortfall = false;
 };
 
 class DeleteKindTest : public ModifyTransTest, public ::testing::WithParamInterface<DeleteCase> {};
@@ -237,8 +184,8 @@ TEST_P(DeleteKindTest, DeleteTransaction_Yes_OnlyThatRowGone) {
   const DeleteCase& c = GetParam();
   Open(c.listed);
   app_->window.display.trans_filter = 6;
-  ui_.Expect(c.question, "Delete Transaction?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
-  if (c.shortfall != nullptr) ui_.Expect(c.shortfall, "Sales not re-booked");
+  ExpectSaid(ui_, __FILE__, "delete", Answer::kYes, {c.named, c.date, "01/02/2024-1"});
+  if (c.shortfall) ExpectSaid(ui_, __FILE__, "not_rebooked");
   DeleteTransaction(*app_);
   EXPECT_EQ(CountOnDisk(c.table, "\"Unique ID\" = " + std::to_string(c.unique_id)), 0);
   EXPECT_EQ(CountOnDisk("Buy") + CountOnDisk("Sell") + CountOnDisk("Split") + CountOnDisk("Adjust"),
@@ -248,35 +195,19 @@ TEST_P(DeleteKindTest, DeleteTransaction_Yes_OnlyThatRowGone) {
   EXPECT_EQ(app_->window.display.transactions.size(), 4u);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, DeleteKindTest,
-    ::testing::Values(DeleteCase{"Sell",
-                                 "You are about to delete the Sell on 03/01/2024 from Block "
-                                 "01/02/2024-1. Are you sure you want to do this? ",
-                                 "Sell", 1},
-                      DeleteCase{"Stock Div.",
-                                 "You are about to delete the Stock Div. (0.05 per 1) on "
-                                 "05/01/2024 from Block 01/02/2024-1. Are you sure you want to do "
-                                 "this? ",
-                                 "Split", 2},
-                      DeleteCase{"Buy",
-                                 "You are about to delete the Buy on 01/02/2024 from Block "
-                                 "01/02/2024-1. Are you sure you want to do this? ",
-                                 "Buy", 1,
-                                 "The sale of 50 shares on 03/01/2024 can not be re-booked: the "
-                                 "blocks held only 2 shares on that date. The later sales are "
-                                 "left as they were entered; please review the transactions of "
-                                 "this security."}));
+INSTANTIATE_TEST_SUITE_P(Kinds, DeleteKindTest,
+                         ::testing::Values(DeleteCase{"Sell", "Sell", "03/01/2024", "Sell", 1},
+                                           DeleteCase{"Stock Div.", "Stock Div. (0.05 per 1)",
+                                                      "05/01/2024", "Split", 2},
+                                           DeleteCase{"Buy", "Buy", "01/02/2024", "Buy", 1, true}));
 
 TEST_F(ModifyTransTest, DeleteTransaction_OnlyRowOfBlock_BlockRemoved) {
   Open("Reinvestment");
-  const std::string question =
-      "You are about to delete the Reinvestment on 02/01/2024 from Block 02/01/2024-1. Are you "
-      "sure you want to do this? ";
-  ui_.Expect(question, "Delete Transaction?", Answer::kNo);
+  const std::vector<std::string> named = {"Reinvestment", "02/01/2024", "02/01/2024-1"};
+  ExpectSaid(ui_, __FILE__, "delete", Answer::kNo, named);
   DeleteTransaction(*app_);
   EXPECT_EQ(CountOnDisk("Buy"), 2);
-  ui_.Expect(question, "Delete Transaction?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "delete", Answer::kYes, named);
   DeleteTransaction(*app_);
   EXPECT_EQ(CountOnDisk("Blocks") * 10 + CountOnDisk("Buy"), 11);
   EXPECT_EQ(app_->window.display.blocks.size(), 1u);

@@ -9,20 +9,12 @@
 #include <vector>
 
 #include "lots_modify/modify_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
 using Lines = std::vector<std::string>;
-
-const char* const kWarning =
-    "When transactions are rolled back, they are removed from the file. Also, any blocks that "
-    "have no transactions after a rollback will be removed from the file. For this reason, it is "
-    "recommended that you backup your files before doing a rollback. By making a backup, you will "
-    "be able to retrieve your original file if you rollback the wrong, or too many, transactions.";
-const char* const kAreYouSure =
-    "You are about to Rollback transactions in all blocks in this security! Are you sure you "
-    "want to do this?";
 
 // Four blocks with rows of every kind before, on and after 05/01/2024, the
 // sales taken first in, first out: A 01/02/2024 (buy, sells, adjustments,
@@ -49,7 +41,7 @@ class RollbackTest : public LotsModifyTest {
   // Expects the warning, answered OK, and the dialog, which `user` fills in;
   // what its buttons say is expected after this call.
   void ExpectRollback(std::function<void(RollbackForm&)> user) {
-    ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kOk);
+    ExpectSaid(ui_, __FILE__, "rollback_warning", Answer::kOk);
     ui_.ExpectDialog("dlgRollback", [user](DialogForm& f) { user(static_cast<RollbackForm&>(f)); });
   }
 
@@ -105,7 +97,7 @@ TEST_P(RollbackKindTest, RollBack_OK_OneKindAllBlocks_OnlyItsLaterRowsGone) {
     RollBack_OK(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
-  ui_.Expect(kAreYouSure, "Are you sure?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "all_blocks", Answer::kYes);
   if (!c.removed_blocks.empty()) ExpectRemovedList(c.removed_blocks);
   ShowRollBack(*app_);
   EXPECT_EQ(Counts("05/01/2024"), expected);
@@ -148,7 +140,7 @@ TEST_P(RollbackPurchaseTest, RollBack_OK_AroundPurchaseDate_BlocksListedAndPrint
     RollBack_OK(*app_, form);
     EXPECT_TRUE(form.closed);
   });
-  if (c.blocks == kRollbackAllBlocks) ui_.Expect(kAreYouSure, "Are you sure?", Answer::kYes);
+  if (c.blocks == kRollbackAllBlocks) ExpectSaid(ui_, __FILE__, "all_blocks", Answer::kYes);
   if (!c.removed.empty()) ExpectRemovedList(c.removed);
   ShowRollBack(*app_);
   EXPECT_EQ(CountOnDisk("Buy"), c.buys_left);
@@ -179,27 +171,18 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(RollbackTest, RollBack_OK_Refused_NothingDeleted) {
   const std::string before = Snapshot();
   OpenBlock("01/02/2024-1");
-  ui_.Expect(kWarning, "Warning!", Icon::kExclamation, Buttons::kOkCancel, Answer::kCancel);
+  ExpectSaid(ui_, __FILE__, "rollback_warning", Answer::kCancel);
   ShowRollBack(*app_);
   const struct {
     const char* date;
     bool tick;
     int blocks;
-    const char *message, *title;
+    const char* key;
     Answer answer;
-  } refusals[] = {
-      {"02/30/2024", true, kRollbackCurrentBlock,
-       "The date entered as 02/30/2024 is not valid.  Please re-enter the date. If you are "
-       "cancelling, click OK, and then click Cancel again.",
-       "Invalid Date", Answer::kOk},
-      {"01/01/2024", false, kRollbackAllBlocks,
-       "You must select the transaction types you would like to Rollback. To do this, click on "
-       "the box next to the type of transaction so that an X appears in it.",
-       "No Transactions selected", Answer::kOk},
-      {"01/01/2024", true, kRollbackAllBlocks, kAreYouSure, "Are you sure?", Answer::kNo},
-      {"01/01/2024", true, kRollbackNoBlocks,
-       "You need to select either All Blocks, or the Current Block to rollback. ",
-       "No blocks selected", Answer::kOk}};
+  } refusals[] = {{"02/30/2024", true, kRollbackCurrentBlock, "rollback_bad_date", Answer::kOk},
+                  {"01/01/2024", false, kRollbackAllBlocks, "no_types", Answer::kOk},
+                  {"01/01/2024", true, kRollbackAllBlocks, "all_blocks", Answer::kNo},
+                  {"01/01/2024", true, kRollbackNoBlocks, "no_blocks", Answer::kOk}};
   for (const auto& c : refusals) {
     ExpectRollback([&](RollbackForm& form) {
       form.date = c.date;
@@ -208,13 +191,8 @@ TEST_F(RollbackTest, RollBack_OK_Refused_NothingDeleted) {
       RollBack_OK(*app_, form);
       EXPECT_FALSE(form.closed || form.accepted);
     });
-    ui_.Expect(c.message, c.title, c.answer);
-    if (c.blocks == kRollbackNoBlocks) {
-      ui_.Expect(
-          "The RollBack was not completed. If an error message was displayed you will need to "
-          "correct that first. Please do the RollBack again.",
-          "Error!");
-    }
+    ExpectSaid(ui_, __FILE__, c.key, c.answer);
+    if (c.blocks == kRollbackNoBlocks) ExpectSaid(ui_, __FILE__, "rollback_not_completed");
     ShowRollBack(*app_);
   }
   EXPECT_EQ(Snapshot(), before);
@@ -222,8 +200,7 @@ TEST_F(RollbackTest, RollBack_OK_Refused_NothingDeleted) {
 
 TEST_F(LotsModifyTest, ShowRollBack_NoTransactions_NoWarning) {
   Open();
-  ui_.Expect("There are no transactions to rollback. To buy shares click on the 'Buy' button.",
-             "No transactions");
+  ExpectSaid(ui_, __FILE__, "nothing_to_rollback");
   ShowRollBack(*app_);
 }
 
@@ -242,7 +219,7 @@ TEST_F(RollbackTest, RollBackTrans_SecondBlockWriteFails_NoRowDeleted) {
     faults_.FailWriteNumber(3);
     RollBack_OK(*app_, form);
   });
-  ui_.Expect(kAreYouSure, "Are you sure?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "all_blocks", Answer::kYes);
   ExpectFatal(31010, "disk I/O error (injected)", "RollBackTable");
   EXPECT_THROW(ShowRollBack(*app_), ProgramEnded);
   EXPECT_EQ(Snapshot(), before);

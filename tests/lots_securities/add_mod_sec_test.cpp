@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "app/app_state.h"
 #include "data/central_file.h"
 #include "lots_securities/securities_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -30,13 +32,8 @@ TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
     form.symbol = c.symbol;
     form.sec_name = c.name;
     form.cusip = c.cusip;
-    if (c.asks_symbol) {
-      ui_.Expect("A symbol is required to create a security. Please enter one.", "Symbol Missing!",
-                 Icon::kInformation, Buttons::kOk);
-    }
-    if (c.asks_item) {
-      ui_.Expect(kItemNotEntered, "Item not entered", Icon::kQuestion, Buttons::kYesNo, c.answer);
-    }
+    if (c.asks_symbol) ExpectSaid(ui_, __FILE__, "symbol_missing");
+    if (c.asks_item) ExpectSaid(ui_, __FILE__, "item_not_entered", c.answer);
     EXPECT_EQ(VerifyAddModSec(*app_, form), c.result) << c.symbol << c.name << c.cusip;
   }
 }
@@ -46,36 +43,35 @@ TEST_F(SecuritiesTest, VerifyAddModSec_Cases) {
 // answers Yes; a new symbol goes into the central file first ("NO CUSIP"
 // when left empty), text exactly as typed. The portfolio gets the security
 // whatever the answers, and it is opened.
-struct AddCase {
-  std::string symbol, name, cusip, line;  // name/cusip empty: keep what was filled in
-  bool asks_item, asks_changed;
-  Answer answer;
-  std::string central_after, portfolio_after;
-};
-
-class AddSecTest : public SecuritiesTest, public ::testing::WithParamInterface<AddCase> {};
+class AddSecTest : public SecuritiesTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(AddSecTest, ShowAddSec_Cases) {
-  const AddCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  std::string typed[4], asks, answer, central, portfolio;
+  for (const GoldenSection& section : c.sections) {
+    std::istringstream args(section.args);
+    if (section.key == "typed") {
+      for (std::string& part : typed) std::getline(args, part, '|');
+    }
+    if (section.key == "asks") args >> asks >> answer;
+    if (section.key == "central") central = section.args;
+    if (section.key == "portfolio") portfolio = section.args;
+  }
   ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
     EXPECT_EQ(form.caption + "|" + form.portfolio, "Add a Security|Growth");
-    form.symbol = c.symbol;
+    form.symbol = typed[0];
     FillInNameCusip(*app_, form);
-    if (!c.name.empty()) form.sec_name = c.name;
-    if (!c.cusip.empty()) form.cusip = c.cusip == "-" ? "" : c.cusip;
-    form.second_line = c.line;
-    if (c.asks_item) ui_.Expect(kItemNotEntered, "Item not entered", Answer::kYes);
-    if (c.asks_changed) {
-      ui_.Expect(kInfoChanged, "Information has been changed!", Icon::kExclamation, Buttons::kYesNo,
-                 c.answer);
-    }
+    if (!typed[1].empty()) form.sec_name = typed[1];
+    if (!typed[2].empty()) form.cusip = typed[2] == "-" ? "" : typed[2];
+    form.second_line = typed[3];
+    if (!asks.empty()) ExpectSaid(ui_, __FILE__, asks, answer == "no" ? Answer::kNo : Answer::kYes);
     AddModSec_Ok(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
   ShowAddSec(*app_);
-  const std::string symbol = c.central_after.substr(0, c.central_after.find('|'));
-  EXPECT_EQ(CentralSec(symbol), c.central_after);
-  EXPECT_EQ(PortfolioSecs(), c.portfolio_after);
+  const std::string symbol = central.substr(0, central.find('|'));
+  EXPECT_EQ(CentralSec(symbol), central);
+  EXPECT_EQ(PortfolioSecs(), portfolio);
   EXPECT_EQ(app_->window.state, kSecOpen);
   EXPECT_EQ(app_->current.sec_symbol, symbol);
   EXPECT_EQ(app_->window.display.sec_name, GetSecInfoFromCDB(*app_, symbol, "[Sec Name]"));
@@ -84,22 +80,13 @@ TEST_P(AddSecTest, ShowAddSec_Cases) {
 
 const char* const kIbm = "IBM|International Business Machines|459200101";
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, AddSecTest,
-    ::testing::Values(
-        AddCase{"ibm", "", "", "long hold", false, false, Answer::kNo, kIbm, "IBM|long hold ;"},
-        AddCase{"IBM", "IBM Corp", "", "", false, true, Answer::kYes, "IBM|IBM Corp|459200101",
-                "IBM| ;"},
-        AddCase{"IBM", "", "999", "", false, true, Answer::kNo, kIbm, "IBM| ;"},
-        AddCase{"XYZ", "Xyz Corp", "-", "", true, false, Answer::kNo, "XYZ|Xyz Corp|NO CUSIP",
-                "XYZ| ;"},
-        AddCase{"SG'\"É", "Société \"Générale\" & Cie", "F85", "O'Neil – ü", false, false,
-                Answer::kNo, "SG'\"É|Société \"Générale\" & Cie|F85", "SG'\"É|O'Neil – ü ;"}));
+INSTANTIATE_TEST_SUITE_P(Cases, AddSecTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "added_securities.txt")));
 
 // A refused write shows the same dialog again with what the user typed,
 // and nothing is written.
 struct RefusalCase {
-  std::string caption, symbol, text, title;
+  std::string caption, symbol, key;
 };
 
 class RefusalTest : public SecuritiesTest, public ::testing::WithParamInterface<RefusalCase> {};
@@ -115,7 +102,7 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
   form.sec_name = "Typed";
   form.cusip = "T1";
   form.second_line = "line";
-  ui_.Expect(c.text, c.title);
+  ExpectSaid(ui_, __FILE__, c.key);
   ExpectForm<AddModSecForm>([&](AddModSecForm& again) {
     EXPECT_EQ(&again, &form);
     EXPECT_FALSE(again.hidden);
@@ -129,23 +116,12 @@ TEST_P(RefusalTest, AddModSec_Ok_RefusedWriteShowsDialogAgain) {
   EXPECT_EQ(CountCentralRows("Securities") * 10 + CountClientRows("Security"), 11);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, RefusalTest,
-    ::testing::Values(
-        RefusalCase{kAddSecCaption, "IBM",
-                    "The Security you wish to add already exists in this Portfolio, therefore it "
-                    "can not be added again. If you wish to purchase Shares for this Security, "
-                    "click on the icon for the Security and click the 'Buy' button.",
-                    "Security Already Exists!"},
-        RefusalCase{kAddSecToCdbCaption, "IBM",
-                    "The Symbol: IBM already exists. Please enter a new Symbol or use the "
-                    "Security that already exists.",
-                    "Symbol already exists"},
-        RefusalCase{kModSecInCdbCaption, "GONE",
-                    "The Security you have specified can't be found. You may need to Add it "
-                    "again.",
-                    "Security not found"},
-        RefusalCase{"Add Securities", "IBM", "Incorrect .caption on dlgAddModSec", "Warning"}));
+INSTANTIATE_TEST_SUITE_P(Cases, RefusalTest,
+                         ::testing::Values(RefusalCase{kAddSecCaption, "IBM",
+                                                       "exists_in_portfolio"},
+                                           RefusalCase{kAddSecToCdbCaption, "IBM", "symbol_exists"},
+                                           RefusalCase{kModSecInCdbCaption, "GONE", "not_found"},
+                                           RefusalCase{"Add Securities", "IBM", "bad_caption"}));
 
 // In the modify mode the symbol is fixed: an edit, at OK or through Find,
 // is refused with "Can't modify Symbol!", undone, and nothing is written.
@@ -155,11 +131,11 @@ TEST_F(SecuritiesTest, ShowModSecInCDB_EditedSymbol_Refused) {
               std::string("Modify a Security (SSF)|") + kIbm);
     form.symbol = "IBMX";
     form.sec_name = "Changed";
-    ui_.Expect(kCantModify, "Can't modify Symbol!", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "cant_modify");
     AddModSec_Ok(*app_, form);
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(form.symbol, "IBM");
-    ui_.Expect(kCantModify, "Can't modify Symbol!");
+    ExpectSaid(ui_, __FILE__, "cant_modify");
     AddModSec_Find(*app_, form);
     AddModSec_Cancel(*app_, form);
   });

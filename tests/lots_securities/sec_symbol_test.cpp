@@ -13,15 +13,13 @@
 #include "ground/date.h"
 #include "lots/security_display.h"
 #include "lots_securities/securities_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
 const std::string kManageHelp =
     "To Delete or Modify a Security, click on the Security, then click on the appropriate button";
-const std::string kModifyQuestion =
-    "Modifying information for a Security will change the Security for all Taxpayer Files. Are "
-    "you sure you want to do this?";
 
 const char* const kIbmRow = "IBM|International Business Machines|459200101;";
 
@@ -49,19 +47,19 @@ TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
     EXPECT_EQ(Listed(list), std::string(kIbmRow) + "MSFT|Microsoft|594918104;");
 
     list.selected = 1;
-    ui_.Expect(kModifyQuestion, "Modify Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "modify_question", Answer::kYes);
     ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
       EXPECT_EQ(form.caption + "|" + form.symbol, "Modify a Security (SSF)|MSFT");
       form.sec_name = "Microsoft Corp";
       form.cusip = "";
-      ui_.Expect(kItemNotEntered, "Item not entered", Answer::kYes);
+      ExpectSaid(ui_, __FILE__, "item_not_entered", Answer::kYes);
       AddModSec_Ok(*app_, form);
       EXPECT_TRUE(form.closed);
     });
     SecSymbol_Modify(*app_, list);
     EXPECT_EQ(Listed(list), std::string(kIbmRow) + "MSFT|Microsoft Corp|NO CUSIP;");
     EXPECT_EQ(list.selected, 1);
-    ui_.Expect(kModifyQuestion, "Modify Security?", Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "modify_question", Answer::kNo);
     SecSymbol_Modify(*app_, list);
     SecSymbol_Close(*app_, list);
   });
@@ -76,19 +74,15 @@ TEST_F(SecuritiesTest, ShowSecSymbol_AddThenModify) {
 TEST_F(SecuritiesTest, SecSymbol_EmptyList_Message) {
   app_->central->Execute(R"(DELETE FROM "Securities")");
   const std::pair<void (*)(Application&, SecSymbolForm&), const char*> commands[] = {
-      {SecSymbol_Modify,
-       "There are no Securities to modify. If you would like add a security click on the Add "
-       "button."},
-      {SecSymbol_Delete,
-       "There are no Securities to delete. If you would like add a security click on the Add "
-       "button."},
-      {SecSymbol_Select, "There are no Securities to select. Please click on the Cancel button."}};
+      {SecSymbol_Modify, "none_to_modify"},
+      {SecSymbol_Delete, "none_to_delete"},
+      {SecSymbol_Select, "none_to_select"}};
   AddModSecForm target;
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
     EXPECT_TRUE(list.securities.empty());
     EXPECT_EQ(list.selected, -1);
     for (auto [command, text] : commands) {
-      ui_.Expect(text, "No Securities to Modify", Icon::kInformation, Buttons::kOk);
+      ExpectSaid(ui_, __FILE__, text);
       command(*app_, list);
       EXPECT_FALSE(list.closed);
     }
@@ -102,14 +96,11 @@ TEST_F(SecuritiesTest, SecSymbol_EmptyList_Message) {
 // to re-enter the symbol, which puts it back with what the user types.
 TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   Buy(Security("IBM"), "01/15/2020", 10);
-  const std::string question =
-      "You are about to delete 'IBM'. Deleting it will delete it for all Taxpayer Files. Are you "
-      "sure you want to do this?";
   ExpectForm<SecSymbolForm>([&](SecSymbolForm& list) {
-    ui_.Expect(question, "Delete Security?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "delete_question", Answer::kNo);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(CountCentralRows("Securities"), 1);
-    ui_.Expect(question, "Delete Security?", Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "delete_question", Answer::kYes);
     SecSymbol_Delete(*app_, list);
     EXPECT_EQ(ui_.help_texts().back(), "Deleting Security");
     EXPECT_TRUE(list.securities.empty());
@@ -123,15 +114,11 @@ TEST_F(SecuritiesTest, SecSymbol_Delete_LeavesTransactionsAndReEnters) {
   EXPECT_EQ(app_->central->IntegrityCheck(), "ok");
 
   // Declined, the security opens as the Taxpayer File holds it.
-  const std::string reenter =
-      "The Security (Symbol:IBM) has been deleted from the Security Symbols File. \nThis means "
-      "that the Symbol and Name will be missing, however any Transactions in the Security should "
-      "be intact.\n\nWould you like to Add the Security to the Security Symbols File again?";
-  ui_.Expect(reenter, "Please Note!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "reenter", Answer::kNo);
   ShowSecDisplay(*app_, "IBM");
   EXPECT_EQ(app_->window.display.sec_name, kSymbolNotInCentral);
   EXPECT_EQ(app_->window.display.total_shares, "10");
-  ui_.Expect(reenter, "Please Note!", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "reenter", Answer::kYes);
   ExpectForm<AddModSecForm>([&](AddModSecForm& form) {
     EXPECT_EQ(form.caption, "Re-enter a Security (SSF)");
     EXPECT_EQ(form.symbol + "|" + form.sec_name + "|" + form.cusip, "IBM||");

@@ -14,18 +14,6 @@
 
 namespace lotwise::testing {
 
-inline const std::string kItemNotEntered =
-    "It is a good idea to enter both a Security Name and a CUSIP; however, these are not "
-    "required.Click YES if you want to add this security as is, or click NO if you want to add "
-    "one of these items.";
-inline const std::string kInfoChanged =
-    "You have changed either the Security Name or CUSIP. This will change it for all Securities "
-    "in all Taxpayer Files.\nIf you want to do this click YES, otherwise click NO and the Name and "
-    "CUSIP will be left as they were.";
-inline const std::string kCantModify =
-    "The Security Symbol can not be modified. If you wish to change to a different security you "
-    "must add a new security using the Security menu.";
-
 // A central file knowing IBM, and an open Taxpayer File with the open
 // portfolio "Growth".
 class SecuritiesTest : public AppTest {

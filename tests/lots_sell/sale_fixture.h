@@ -105,10 +105,4 @@ class SaleTest : public AppTest {
   std::unique_ptr<Database> other_;
 };
 
-inline const char* const kFileBusy =
-    "the file being accessed is currently unavailable. This is probably because either another "
-    "user is is working with it, or a Taxpayer File needed by the TWS - Lotwise has been opened "
-    "by another program. \nIf this is the case, you will need to close the file in any other "
-    "applications before this operation can be performed successfully.";
-
 }  // namespace lotwise::testing

@@ -6,6 +6,7 @@
 
 #include "lots/sell_shares.h"
 #include "lots_sell/sale_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -48,14 +49,9 @@ TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
     EXPECT_EQ(form.focus, "btnSelect");
     SellShares_Cancel(*app_, form);
   });
-  const char* question =
-      "You have changed the Sell Method for this Security. Once a Sell Method is used to sell "
-      "shares, it must be used for all additional sales from that security. \nAre you sure you "
-      "want to change the Sell Method for this security?";
-  ui_.Expect(question, "Sell Method changed!", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(question, "Sell Method changed!", Answer::kYes);
-  ui_.Expect("Sell Method changed from \nFIFO\n to \nSpecific Identification.",
-             "Sell Method Changed", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "method_changed_question", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "method_changed_question", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "method_changed");
   ShowSellShares(*app_);
   EXPECT_EQ(StoredMethod(), SellMethod::kSpecificId);
   Query logged = app_->client->Select(R"(SELECT * FROM "Change")");
@@ -71,9 +67,8 @@ TEST_F(SaleTest, SellMethodChange_AskedAnnouncedLogged) {
 TEST_F(SaleTest, GetSellMethod_GetSellName_BadValue) {
   EXPECT_EQ(GetSellName(*app_, GetSellMethod(*app_, "Average Cost - Double Cat.")),
             "Average Cost - Double Cat.");
-  ui_.Expect("Incorrect parameter passed to GetSellMethod", "Error!", Icon::kCritical,
-             Buttons::kOk);
-  ui_.Expect("Incorrect parameter passed to GetSellName", "Error!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "bad_parameter", Answer::kOk, {"GetSellMethod"});
+  ExpectSaid(ui_, __FILE__, "bad_parameter", Answer::kOk, {"GetSellName"});
   EXPECT_EQ(GetSellMethod(*app_, "fifo"), SellMethod::kNotSelected);
   EXPECT_EQ(GetSellName(*app_, SellMethodAsStored(4)), "");
 }
@@ -83,10 +78,7 @@ TEST_F(SaleTest, GetSellMethod_GetSellName_BadValue) {
 // choice, Cancel changes nothing.
 TEST_F(SaleTest, SetNewSellMethod_ChosenByLetter) {
   OpenSecurity(SellMethod::kFifo);
-  const char* question =
-      "Once a sell method has been used for selling shares, it must be used for all additional "
-      "sales of the stock.  Are you sure you want to change the method?";
-  ui_.Expect(question, "Change Method?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "change_method", Answer::kYes);
   OnDialog<MethodForm>("dlgMethod", [&](MethodForm& form) {
     EXPECT_EQ(form.method, SellMethod::kFifo);
     EXPECT_FALSE(form.message_visible);
@@ -101,7 +93,7 @@ TEST_F(SaleTest, SetNewSellMethod_ChosenByLetter) {
     }
     Method_OK(*app_, form);
   });
-  ui_.Expect(question, "Change Method?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "change_method", Answer::kYes);
   OnDialog<MethodForm>("dlgMethod", [&](MethodForm& form) {
     Method_KeyPress(form, 'p');
     Method_Cancel(*app_, form);

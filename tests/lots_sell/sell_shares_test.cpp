@@ -9,88 +9,56 @@
 #include "lots/buy_reinvest.h"
 #include "lots/split_dividend.h"
 #include "lots_sell/sale_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
-const std::string kReviewAdvice =
-    " If you think this is incorrect, please review your security for any incorrect, or missing "
-    "transactions.";
-const std::string kNotEnough =
-    " shares in this security. There are not enough shares to make the sale." + kReviewAdvice;
+// The arguments of a case's section `key`, or "".
+std::string Args(const GoldenCase& c, const std::string& key) {
+  for (const GoldenSection& section : c.sections) {
+    if (section.key == key) return section.args;
+  }
+  return "";
+}
 
 // A FIFO sale takes the blocks still holding shares oldest first (date, then
 // block id as text), each remainder rounded to five decimals, and spreads
 // price and fee by shares: each row to the currency, then to the cent half to
 // even, the last row taking the difference. A sale the blocks cannot cover
 // names the shares held and writes nothing.
-struct FifoCase {
-  const char* blocks;  // "date shares [adjusted [seq]]" a block, ", " apart
-  double shares;
-  const char* price;
-  const char* fee;
-  const char* rows;  // "" when refused
-  const char* title = "";
-  std::string refusal = "";
-};
-
-class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<FifoCase> {};
+class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
-  const FifoCase& c = GetParam();
-  std::istringstream blocks(c.blocks);
-  for (std::string spec; std::getline(blocks, spec, ',');) {
+  const GoldenCase& c = GetParam();
+  for (const std::string& spec : c.Lines("blocks")) {
     std::istringstream in(spec);
     std::string date, seq = "1";
     double shares = 0, adjusted = 0;
     in >> date >> shares >> adjusted >> seq;
     Block(date.c_str(), shares, adjusted, seq.c_str());
   }
+  std::string price, fee, refusal, value;
+  double shares = 0;
+  std::istringstream(Args(c, "sale")) >> shares >> price >> fee;
+  std::istringstream(Args(c, "refused")) >> refusal >> value;
+  const std::string rows = Args(c, "rows");
   OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
-    Fill(form, c.shares, c.price, c.fee);
+    Fill(form, shares, price.c_str(), fee.c_str());
     SellShares_OK(*app_, form, false);
-    EXPECT_EQ(form.closed, c.refusal.empty());
+    EXPECT_EQ(form.closed, refusal.empty());
     if (!form.closed) SellShares_Cancel(*app_, form);
   });
-  if (!c.refusal.empty()) ui_.Expect(c.refusal, c.title);
+  if (!refusal.empty()) ExpectSaid(ui_, __FILE__, refusal, Answer::kOk, {value});
   ShowSellShares(*app_);
-  EXPECT_EQ(SellRows(), c.rows);
+  EXPECT_EQ(SellRows(), rows);
   EXPECT_TRUE(app_->sale_lists.selected.empty);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Sales, FifoSaleTest,
-    ::testing::Values(
-        FifoCase{"03/01/2024 100, 01/01/2024 100", 150, "1000", "10",
-                 "01/01/2024-1 -100 666.67 6.67; 03/01/2024-1 -50 333.33 3.33"},
-        // Emptied and overdrawn blocks are passed over.
-        FifoCase{"01/01/2024 100 -100, 01/02/2024 50 -60, 01/03/2024 100", 80, "80", "0",
-                 "01/03/2024-1 -80 80 0"},
-        FifoCase{"03/01/2024 50 0 2, 03/01/2024 50 0 10", 60, "60", "0",
-                 "03/01/2024-10 -50 50 0; 03/01/2024-2 -10 10 0"},
-        FifoCase{"01/01/2024 100 -0.000001, 02/01/2024 10", 100, "100", "0",
-                 "01/01/2024-1 -100 100 0"},
-        FifoCase{"01/01/2024 10.12345, 02/01/2024 5", 12.34567, "1234.56", "0",
-                 "01/01/2024-1 -10.12345 1012.34 0; 02/01/2024-1 -2.22222 222.22 0"},
-        // 0.025 a row goes to 0.02; 1.015 is 1.01499.. as a double.
-        FifoCase{"01/01/2024 1, 01/02/2024 1", 2, "0.05", "0",
-                 "01/01/2024-1 -1 0.02 0; 01/02/2024-1 -1 0.03 0"},
-        FifoCase{"01/01/2024 1, 01/02/2024 1", 2, "2.03", "0",
-                 "01/01/2024-1 -1 1.02 0; 01/02/2024-1 -1 1.01 0"},
-        FifoCase{"01/01/2024 100.5, 03/01/2024 99.75", 250, "250", "0", "", "Not enough shares",
-                 "There are 200.25" + kNotEnough},
-        // A block bought after the sale does not count.
-        FifoCase{"01/01/2024 100, 07/01/2024 100", 150, "150", "0", "", "Not enough shares",
-                 "There are 100" + kNotEnough},
-        FifoCase{"07/01/2024 100", 50, "50", "0", "", "No Shares on that Date",
-                 "This sale can't be made. There are no blocks in this Security acquired on or "
-                 "before the sale date 06/03/2024. A sale can only take shares from blocks "
-                 "acquired on or before its date. Please correct the Date."},
-        FifoCase{
-            "01/01/2024 100 -100", 10, "10", "0", "", "No Shares",
-            "This sale can't be made. There are no shares in this Security." + kReviewAdvice}));
+INSTANTIATE_TEST_SUITE_P(Sales, FifoSaleTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "fifo_sales.txt")));
 
 // An entry dated before a FIFO sale already stored offers to re-book it: Yes
 // takes the sale again first in, first out from the blocks as they now
@@ -98,35 +66,24 @@ INSTANTIATE_TEST_SUITE_P(
 // blocks then hold; No keeps the rows. The stored sale of 120 took 100 from
 // January and 20 from February; a 2:1 split on 07/01 then doubled
 // February's 80 shares.
-struct RebookCase {
-  bool split;  // a 2:1 split of every block on `date`, else a buy of 50 shares
-  const char* date;
-  Answer answer;
-  const char* sale;
-  const char* splits;  // of 07/01/2024
-  std::string changes;
-};
 
-class RebookTest : public SaleTest, public ::testing::WithParamInterface<RebookCase> {};
+class RebookTest : public SaleTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
-  const RebookCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  std::string kind, date, answer;
+  std::istringstream(Args(c, "entry")) >> kind >> date >> answer;
   const int64_t jan = Block("01/01/2024", 100);
   const int64_t feb = Block("02/01/2024", 100);
   ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
   ASSERT_TRUE(AddSell(*app_, feb, D("06/03/2024"), Money("200"), Money("2"), -20, ""));
   ASSERT_TRUE(AddSplit(*app_, feb, kTypeSplit, D("07/01/2024"), 2, 1, 80, ""));
   OpenSecurity(SellMethod::kFifo);
-  ui_.Expect(
-      "This entry is dated before sales already entered for this security. Taking their shares "
-      "first in, first out as the blocks now stand changes:\nthe sale of 120 shares on "
-      "06/03/2024\nthe stock split (or dividend) on 07/01/2024\nDo you want to re-book these "
-      "sales now? Each change is recorded in the change log.",
-      "Re-book later sales?", Icon::kQuestion, Buttons::kYesNo, c.answer);
-  if (c.split) {
+  ExpectSaid(ui_, __FILE__, "rebook", answer == "yes" ? Answer::kYes : Answer::kNo);
+  if (kind == "split") {
     SplitDivForm form;
     form.caption = SplitDivForm::kSplitCaption;
-    form.date = c.date;
+    form.date = date;
     form.pre_ratio = 2;
     form.post_ratio = 1;
     SplitDiv_OK(*app_, form, false);
@@ -134,40 +91,20 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   } else {
     BuyReinvestForm form;
     form.caption = BuyReinvestForm::kBuyCaption;
-    form.date = c.date;
+    form.date = date;
     form.num_shares = 50;
     form.cost_of_shares = Money("400");
     BuyReinvest_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   }
-  EXPECT_EQ(SellRows(), c.sale);
-  EXPECT_EQ(SellRows("07/01/2024", "Split"), c.splits);
-  EXPECT_EQ(Changes(), c.changes);
+  EXPECT_EQ(SellRows(), Args(c, "sale"));
+  EXPECT_EQ(SellRows("07/01/2024", "Split"), Args(c, "splits"));
+  EXPECT_EQ(Changes(), c.Text("changes"));
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }
 
-const std::string kRebooked =
-    "Re-booked Sell of 120 shares on 06/03/2024 from blocks 01/01/2024-1 (100), 02/01/2024-1 "
-    "(20) to ";
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, RebookTest,
-    ::testing::Values(
-        // The split before the sale leaves the January block alone enough.
-        RebookCase{true, "04/01/2024", Answer::kYes, "01/01/2024-1 -120 1200 12",
-                   "01/01/2024-1 80; 02/01/2024-1 200",
-                   kRebooked + "01/01/2024-1 (120)\n" +
-                       "Added Split of 80 shares on 07/01/2024 to block 01/01/2024-1\n"
-                       "Changed Split (Unique ID = 1), field 'Shares' from 80 to 200\n"},
-        // A forgotten earlier lot is taken second.
-        RebookCase{false, "01/15/2024", Answer::kYes,
-                   "01/01/2024-1 -100 1000 10; 01/15/2024-1 -20 200 2",
-                   "01/15/2024-1 30; 02/01/2024-1 100",
-                   kRebooked + "01/01/2024-1 (100), 01/15/2024-1 (20)\n" +
-                       "Added Split of 30 shares on 07/01/2024 to block 01/15/2024-1\n"
-                       "Changed Split (Unique ID = 1), field 'Shares' from 80 to 100\n"},
-        RebookCase{true, "04/01/2024", Answer::kNo,
-                   "01/01/2024-1 -100 1000 10; 02/01/2024-1 -20 200 2", "02/01/2024-1 80", ""}));
+INSTANTIATE_TEST_SUITE_P(Entries, RebookTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "rebooks.txt")));
 
 // OK refuses a sale without a method or without shares (pointing to the
 // Select button only where the user picks the shares), or with a zero price
@@ -176,8 +113,8 @@ INSTANTIATE_TEST_SUITE_P(
 struct RefusalCase {
   SellMethod method;
   double shares;
-  const char* title;
-  std::string text;
+  const char* key;
+  std::string value = "";
 };
 
 class RefusalTest : public SaleTest, public ::testing::WithParamInterface<RefusalCase> {};
@@ -192,26 +129,19 @@ TEST_P(RefusalTest, SellShares_OK_Refused) {
     EXPECT_FALSE(form.closed);
     EXPECT_EQ(ui_.hourglass_depth(), 0);
   });
-  ui_.Expect(c.text, c.title, Answer::kNo);
+  ExpectSaid(ui_, __FILE__, c.key, Answer::kNo, {c.value});
   ShowSellShares(*app_);
   EXPECT_EQ(CountClientRows("Sell"), 0);
   EXPECT_EQ(StoredMethod(), c.method);
 }
 
-const std::string kZero =
-    "The Number of Shares is equal to zero. To make a sale you must have shares to sell. ";
-const std::string kSelect = "To select shares click on the 'Select' button.";
-
-INSTANTIATE_TEST_SUITE_P(
-    Entries, RefusalTest,
-    ::testing::Values(RefusalCase{SellMethod::kNotSelected, 10, "No Sell Method",
-                                  "You must specify a Sell Method to use when selling shares "
-                                  "from this security. Please select one."},
-                      RefusalCase{SellMethod::kFifo, 0, "No Shares", kZero},
-                      RefusalCase{SellMethod::kSpecificId, 0, "No Shares", kZero + kSelect},
-                      RefusalCase{SellMethod::kFifo, 1, "Sale Price is zero",
-                                  "The Sale Price is equal to zero, this is probably a mistake. "
-                                  "\nDo still want to enter this sale?"}));
+INSTANTIATE_TEST_SUITE_P(Entries, RefusalTest,
+                         ::testing::Values(RefusalCase{SellMethod::kNotSelected, 10, "no_method"},
+                                           RefusalCase{SellMethod::kFifo, 0, "zero_shares"},
+                                           RefusalCase{
+                                               SellMethod::kSpecificId, 0, "zero_shares",
+                                               "To select shares click on the 'Select' button."},
+                                           RefusalCase{SellMethod::kFifo, 1, "zero_price"}));
 
 // A confirmed zero price stores the rows with price 0.
 TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
@@ -221,10 +151,7 @@ TEST_F(SaleTest, SellShares_OK_ZeroPriceConfirmed) {
     Fill(form, 10, "0", "1");
     SellShares_OK(*app_, form, false);
   });
-  ui_.Expect(
-      "The Sale Price is equal to zero, this is probably a mistake. \nDo still want to enter this "
-      "sale?",
-      "Sale Price is zero", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "zero_price", Answer::kYes);
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), "01/01/2024-1 -10 0 1");
 }
@@ -260,12 +187,8 @@ TEST_F(SaleTest, SellShares_OK_FileBusy_NotCompletedThenRetried) {
     SellShares_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   });
-  ui_.Expect(kFileBusy, "Warning");
-  ui_.Expect(
-      "The Sale of Shares was not completed. If there was an error message you should correct "
-      "that problem first, if possible. You will need to add this Sale again by clicking the OK "
-      "button.",
-      "Sale not completed!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "busy");
+  ExpectSaid(ui_, __FILE__, "not_completed");
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), "01/01/2024-1 -40 400 0");
 }
@@ -283,13 +206,7 @@ class ModEntireSellTest : public SaleTest {
     ASSERT_TRUE(AddSell(*app_, jan_, D("06/03/2024"), Money("666.67"), Money("6.67"), -100, "A"));
     ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("333.33"), Money("3.33"), -50, "A"));
     ASSERT_TRUE(AddSell(*app_, mar_, D("06/04/2024"), Money("9"), Currency(), -1, "other day"));
-    ui_.Expect(
-        "In-order for the program to modify an entire sell it must assume that any sell "
-        "transaction in the security with the same date is part of the original sell on that "
-        "date. Therefore, if you entered two separate sells that were on the same date as the "
-        "sell you are modifying, it will consider them to be one sell. If this is the case, you "
-        "will need to adjust each sell transaction separately.\n\nDo you want to continue?",
-        "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, "mod_entire", Answer::kYes);
   }
 
   int64_t jan_ = 0;
@@ -339,19 +256,12 @@ TEST_P(ModEntireSellKeptTest, ShowModEntireSell_NotStored_OldSaleKept) {
     SellShares_Cancel(*app_, form);
   });
   if (c.shares > 199) {
-    ui_.Expect("There are 199" + kNotEnough, "Not enough shares");
+    ExpectSaid(ui_, __FILE__, "not_enough", Answer::kOk, {"199"});
   } else if (c.busy) {
-    ui_.Expect(kFileBusy, "Warning");
+    ExpectSaid(ui_, __FILE__, "busy");
   } else {
-    ui_.Expect(
-        "There is already a Purchase of Shares in this Security on 06/04/2024.\nDo you "
-        "still want to add this transaction?",
-        "Purchase with same date exists", Answer::kNo);
-    ui_.Expect(
-        "The Sale was not changed: the original sale of 06/03/2024 is kept as it was. If there "
-        "was an error message you should correct that problem first, if possible, then click the "
-        "OK button again.",
-        "Sale not changed", Icon::kExclamation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "purchase_same_date", Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "not_changed");
   }
   ShowModEntireSell(*app_, sec_id_, D("06/03/2024"));
   EXPECT_EQ(SellRows(), before);

@@ -7,6 +7,7 @@
 
 #include "lots/buy_reinvest.h"
 #include "lots_sell/sale_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
@@ -79,11 +80,7 @@ TEST_F(SellSpecificTest, SellSpecific_AddTwiceFromOneBlock_OneEntry) {
   });
   AnswerAdd("60.5", 30);
   AnswerAdd("30.5", 20);
-  ui_.Expect(
-      "Block 03/01/2024-1 was acquired on 03/01/2024, after the sale date 02/15/2024. A sale can "
-      "only take shares from blocks acquired on or before its date. Please remove this block from "
-      "the selection or correct the Date.",
-      "Block acquired after the sale");
+  ExpectSaid(ui_, __FILE__, "after_sale_date");
   ShowSellShares(*app_);
   EXPECT_EQ(SellRows(), "03/01/2024-1 -50 500 0");
 }
@@ -92,11 +89,7 @@ TEST_F(SellSpecificTest, SellSpecific_AddTwiceFromOneBlock_OneEntry) {
 // the later sales are listed for review and stay as they are.
 TEST_F(SellSpecificTest, BuyBeforeSale_LaterSalesListedForReview) {
   ASSERT_TRUE(AddSell(*app_, mar_, D("06/03/2024"), Money("100"), Currency(), -10, ""));
-  ui_.Expect(
-      "This entry is dated before sales already entered for this security. Their blocks were "
-      "chosen by hand and are left as they are; please review these sales:\nthe sale of 10 "
-      "shares on 06/03/2024",
-      "Review later sales", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "review_later");
   BuyReinvestForm form;
   form.caption = BuyReinvestForm::kBuyCaption;
   form.date = "02/01/2024";
@@ -135,22 +128,11 @@ TEST_F(SellSpecificTest, SellSpecific_AllOfBlock_AddedThenRemoved) {
     NumShares_OK(*app_, form);
     EXPECT_TRUE(form.accepted);
   });
-  ui_.Expect(
-      "You cannot sell a negative number of shares. Please enter the number of shares as a "
-      "positive number.",
-      "Invalid number of shares", Icon::kInformation, Buttons::kOk);
-  ui_.Expect(
-      "The Block you are selecting shares from only has 100 shares in it. The number you select "
-      "must be less than this amount. Please re-enter the number of shares",
-      "Too many shares");
-  ui_.Expect(
-      "There are no more shares in this block. Please select another block to sell shares from.",
-      "No shares", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "negative_shares");
+  ExpectSaid(ui_, __FILE__, "too_many");
+  ExpectSaid(ui_, __FILE__, "block_empty");
   AnswerPrompt("Remove Shares", "Enter the number of shares to remove\n(0 - 100)", 100);
-  ui_.Expect(
-      "There are no shares to remove from the sale. To add shares to the sale select a Block and "
-      "then click on the 'Add' button.",
-      "Can't remove shares", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "nothing_to_remove");
   ShowSellShares(*app_);
 }
 
@@ -183,15 +165,10 @@ TEST_F(SellSpecificTest, SellSpecific_CancelThenOkEmpty) {
     SellSpecific_OK(*app_, form);
     EXPECT_TRUE(form.closed && form.accepted);
   });
-  const char* question =
-      "You have not selected any shares to sell. This could be a mistake.\nDo you still want to "
-      "exit?";
-  ui_.Expect(question, "No shares selected", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(question, "No shares selected", Answer::kYes);
-  ui_.Expect(
-      "The Number of Shares is equal to zero. To make a sale you must have shares to sell. To "
-      "select shares click on the 'Select' button.",
-      "No Shares");
+  ExpectSaid(ui_, __FILE__, "none_selected", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "none_selected", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "zero_shares", Answer::kOk,
+             {"To select shares click on the 'Select' button."});
   ShowSellShares(*app_);
   EXPECT_EQ(CountClientRows("Sell"), 0);
 }
@@ -200,10 +177,7 @@ TEST_F(SaleTest, ShowSellSpecific_NoShares_NoDialog) {
   Block("01/01/2024", 10, -10);
   OpenSecurity(SellMethod::kAvgDouble);
   OnSale([&](SellSharesForm& form) { NumSharesSS_Click(*app_, form); });
-  ui_.Expect(
-      "There are no shares in this security to sell. You may want to verify your transactions "
-      "for this security if you think this is a mistake. You will not be able to make a sale.",
-      "No shares", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "nothing_to_sell");
   ShowSellShares(*app_);
 }
 

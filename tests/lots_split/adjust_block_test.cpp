@@ -6,13 +6,10 @@
 
 #include "lots_buy/lots_fixture.h"
 #include "storage/storage_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
-
-const std::string kBeforePurchase =
-    "You can't enter an Adjustment that is before the original purchase of this block of shares. "
-    "Please correct the date, and make sure you are adding this to the correct block.";
 
 class AdjustBlockTest : public LotsTest {
  protected:
@@ -41,7 +38,7 @@ TEST_F(AdjustBlockTest, Ok_DateAgainstPurchase) {
     }
     EXPECT_TRUE(form.closed);
   });
-  ui_.Expect(kBeforePurchase, "Incorrect Date", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "before_purchase");
   ShowAdjustBlock(*app_);
   EXPECT_EQ(
       Rows(app_->client->Select(R"(SELECT * FROM "Adjust")")),
@@ -56,11 +53,8 @@ TEST_F(AdjustBlockTest, Ok_FilteredListOrNoDate_Refused) {
   app_->window.display.trans_filter = 3;
   UpdateTransInBlock(*app_, 3);
   ASSERT_TRUE(app_->window.display.transactions.empty());
-  ui_.Expect(kBeforePurchase, "Incorrect Date", Icon::kExclamation, Buttons::kOk);
-  ui_.Expect(
-      "The date entered as 04/31/2024 is not valid.  Please re-enter the date. If you are "
-      "cancelling, click OK, and then click Cancel again.",
-      "Invalid Date", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "before_purchase");
+  ExpectSaid(ui_, __FILE__, "adjust_bad_date");
   AdjustBlockForm form;
   form.date = "01/15/2024";
   AdjustBlock_OK(*app_, form);
@@ -74,14 +68,8 @@ TEST_F(AdjustBlockTest, Ok_FilteredListOrNoDate_Refused) {
 // the failure message.
 TEST_F(AdjustBlockTest, Ok_SameDateDeclined_NotAdded) {
   ASSERT_TRUE(AddAdjust(*app_, BlockNo(block_), D("04/01/2024"), 1, Currency(), ""));
-  ui_.Expect(
-      "There is already an Adjustment in this block for 04/01/2024.\nDo you still want to add "
-      "this Adjustment?",
-      "Adjustment with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(
-      "The Adjustment was not added. If an error message was displayed you should try to correc "
-      "the error first. You will need to add this Adjustment again.",
-      "Error!", Icon::kCritical, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "adjust_same_date", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "adjust_not_added");
   AdjustBlockForm form;
   form.date = "04/01/2024";
   AdjustBlock_OK(*app_, form);
@@ -90,10 +78,7 @@ TEST_F(AdjustBlockTest, Ok_SameDateDeclined_NotAdded) {
 }
 
 TEST_F(LotsTest, ShowAdjustBlock_NoBlocks_NoDialog) {
-  ui_.Expect(
-      "There are no Blocks to make an Adjustment to. To enter a purchase of Shares click on the "
-      "Buy button.",
-      "No Blocks to add to", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no_blocks_adjust");
   ShowAdjustBlock(*app_);
 }
 

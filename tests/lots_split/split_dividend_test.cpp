@@ -2,27 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "ground/number_text.h"
 #include "lots_buy/lots_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
-const std::string kNoneAdded =
-    "No Stock Splits (or Dividends) were added. If you think this is incorrect you should check "
-    "your data, and try this again.";
-
-std::string ModifyQuestion(const std::string& w) {
-  return "In-order for the program to modify an entire " + w + " it must assume that any " + w +
-         " transaction in the security with the same date is part of the original " + w +
-         " on that date.  Therefore, if you entered two separate " + w +
-         "s that were on the same date as the " + w +
-         " you are modifying, it will consider them to be one " + w +
-         ". If this is the case, you will need to adjust each " + w +
-         " transaction separately.\n\nDo you want to continue?";
+// Expects the question before a whole split or dividend is modified.
+void ExpectModifyQuestion(ScriptedUi& ui, const std::string& what, Answer answer) {
+  ExpectSaid(ui, __FILE__, "modify_entire", answer, std::vector<std::string>(7, what));
 }
 
 class SplitDivTest : public LotsTest {
@@ -66,37 +59,27 @@ class SplitDivTest : public LotsTest {
 // On the current block only that block gets a row, with its kind's type,
 // rank and added shares to five decimals; a reverse split takes away
 // exactly its share, and a zero second part adds nothing.
-struct KindCase {
-  const char* caption;
-  double pre, post, shares;
-  const char *row, *help;
-};
 
-class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<KindCase> {};
+class SplitKindTest : public SplitDivTest, public ::testing::WithParamInterface<GoldenCase> {};
 
 TEST_P(SplitKindTest, CurrentBlock_AddsRatioShares) {
-  const KindCase& c = GetParam();
+  const GoldenCase& c = GetParam();
+  double shares = 0, pre = 0, post = 0;
+  std::istringstream(c.sections.at(1).args) >> shares >> pre >> post;
   BuyShares("01/02/2024", 70, "700");
-  LoadBlocks(BuyShares("01/03/2024", c.shares, "500"));
+  LoadBlocks(BuyShares("01/03/2024", shares, "500"));
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
-    Type(form, "06/28/2024", c.pre, c.post, SplitDivForm::kCurrentBlock);
+    Type(form, "06/28/2024", pre, post, SplitDivForm::kCurrentBlock);
     PressOkSplitDiv(*app_, form);
     EXPECT_TRUE(form.closed);
   });
-  ShowSplit(*app_, c.caption);
-  EXPECT_EQ(SplitRows(), std::vector<std::string>{c.row});
-  EXPECT_EQ(HelpTexts().at(0), c.help);
+  ShowSplit(*app_, c.name);
+  EXPECT_EQ(SplitRows(), std::vector<std::string>{c.sections.at(2).args});
+  EXPECT_EQ(HelpTexts().at(0), c.sections.at(3).args);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, SplitKindTest,
-    ::testing::Values(KindCase{"Stock Split", 3, 2, 101, "01/03/2024-1|06/28/2024|11|60|3|2|50.5|",
-                               "Calculating and adding Stock Split"},
-                      KindCase{"Stock Split", 1, 2, 100, "01/03/2024-1|06/28/2024|11|60|1|2|-50|",
-                               "Calculating and adding Stock Split"},
-                      KindCase{"Stock Dividend", 0.05, 1, 33,
-                               "01/03/2024-1|06/28/2024|21|50|0.05|1|1.65|",
-                               "Calculating and adding Stock Dividend"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, SplitKindTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "current_block.txt")));
 
 TEST(SplitSharesAddedTest, PostZero_AddsNothing) {
   EXPECT_EQ(SplitSharesAdded(kTypeSplit, 2, 0, 100), 0);
@@ -144,27 +127,17 @@ TEST_F(SplitDivTest, Ok_BadInputOrAllBlocksEmpty_NothingWritten) {
   LoadBlocks();
   const struct {
     double pre, post;
-    const char *date, *message, *title;
-  } refusals[] = {
-      {0, -1, "03/01/2024",
-       "The first part of the Ratio is either negative or zero. Please re-enter the first part of "
-       "the ratio.",
-       "Please Re-enter"},
-      {2, -1, "03/01/2024",
-       "The second part of the Ratio is either negative or zero. Please re-enter the second part "
-       "of the ratio.",
-       "Please Re-enter"},
-      {2, 1, "13/01/2024",
-       "The Date entered as 13/01/2024 is not valid.  Please re-enter the Date. If you are "
-       "cancelling, click OK, and then click Cancel again.",
-       "Invalid Date"}};
+    const char *date, *key;
+  } refusals[] = {{0, -1, "03/01/2024", "first_part"},
+                  {2, -1, "03/01/2024", "second_part"},
+                  {2, 1, "13/01/2024", "split_bad_date"}};
   for (const auto& r : refusals) {
-    ui_.Expect(r.message, r.title);
+    ExpectSaid(ui_, __FILE__, r.key);
     SplitDivForm form = AllBlocksForm(r.date, r.pre, r.post);
     PressOkSplitDiv(*app_, form);
     EXPECT_FALSE(form.closed);
   }
-  ui_.Expect(kNoneAdded, "Please Note!", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "none_added");
   SplitDivForm form = AllBlocksForm("03/01/2024", 2, 1);
   PressOkSplitDiv(*app_, form);
   EXPECT_TRUE(form.closed);
@@ -197,8 +170,7 @@ TEST_F(SplitDivTest, ModifyEntireSplit_ReplacesTheDaysRows) {
   LoadBlocks(second);
   EnterAll(kTypeSplit, "03/01/2024", 2, 1, "as announced");
   EnterAll(kTypeSplit, "05/01/2024", 2, 1);
-  ui_.Expect(ModifyQuestion("stock split"), "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kYes);
+  ExpectModifyQuestion(ui_, "stock split", Answer::kYes);
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
     EXPECT_EQ(form.caption, "Modify Entire Split");
     EXPECT_EQ(form.blocks, SplitDivForm::kAllBlocks);
@@ -230,14 +202,10 @@ TEST_F(SplitDivTest, ModifyEntireSplit_OneBlockDeclined_OldRowsKept) {
   split.blocks = SplitDivForm::kCurrentBlock;
   PressOkSplitDiv(*app_, split);
   ASSERT_TRUE(split.accepted);
-  ui_.Expect(
-      "There is already a Stock Dividend(or Stock Split) on 03/01/2024.\nDo you still want to "
-      "add this Stock Dividend?",
-      "Stock Dividend with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "dividend_same_date", Answer::kYes);
   EnterAll(kTypeDividend, "03/01/2024", 0.1, 1);
   const std::vector<std::string> before = SplitRows();
-  ui_.Expect(ModifyQuestion("stock split"), "Modify Entire Sell?", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kYes);
+  ExpectModifyQuestion(ui_, "stock split", Answer::kYes);
   OnDialog<SplitDivForm>("dlgSplitDiv", [&](SplitDivForm& form) {
     EXPECT_EQ(form.blocks, SplitDivForm::kCurrentBlock);
     form.pre_ratio = 3;
@@ -245,15 +213,8 @@ TEST_F(SplitDivTest, ModifyEntireSplit_OneBlockDeclined_OldRowsKept) {
     EXPECT_FALSE(form.closed);
     EXPECT_FALSE(form.accepted);
   });
-  ui_.Expect(
-      "There is already a Stock Split(or Stock Dividend) on 03/01/2024.\nDo you still want to add "
-      "this Stock Split?",
-      "Stock Split with same Date exists", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
-  ui_.Expect(
-      "The transaction was not changed: the original one of 03/01/2024 is kept as it was. If an "
-      "error message was displayed the error will need to be corrected before you click the OK "
-      "button again.",
-      "Transaction not changed", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "split_same_date", Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "not_changed");
   ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeSplit);
   EXPECT_EQ(SplitRows(), before);
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
@@ -262,20 +223,13 @@ TEST_F(SplitDivTest, ModifyEntireSplit_OneBlockDeclined_OldRowsKept) {
 // Without a block there is nothing to split or modify; a No to the modify
 // question opens nothing and deletes nothing.
 TEST_F(SplitDivTest, NoBlocksOrNo_NothingOpens) {
-  ui_.Expect(
-      "There are no Blocks to enter a Stock Split or Stock Dividend for. To enter a purchase of "
-      "Shares click on the Buy button.",
-      "No Blocks", Icon::kInformation, Buttons::kOk);
-  ui_.Expect(
-      "There are no Blocks to enter a Stock Split for. To enter a purchase of Shares click on the "
-      "Buy button.",
-      "No Blocks", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no_blocks_split_div");
+  ExpectSaid(ui_, __FILE__, "no_blocks_split");
   ShowSplit(*app_, "Stock Dividend");
   ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeDividend);
   LoadBlocks(BuyShares("01/02/2024", 100, "1000"));
   EnterAll(kTypeDividend, "03/01/2024", 0.1, 1);
-  ui_.Expect(ModifyQuestion("stock dividend"), "Modify Entire Sell?", Icon::kQuestion,
-             Buttons::kYesNo, Answer::kNo);
+  ExpectModifyQuestion(ui_, "stock dividend", Answer::kNo);
   ShowModEntSplitDiv(*app_, sec_id_, D("03/01/2024"), kTypeDividend);
   EXPECT_EQ(CountClientRows("Split"), 1);
 }

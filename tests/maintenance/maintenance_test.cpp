@@ -8,16 +8,12 @@
 #include "data/database.h"
 #include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr const char* kCrLf = "\r\n";
-const char* const kRebuiltText =
-    "These files were damaged and have been rebuilt from the records that could still be read. "
-    "Each damaged file is kept with the extension .bak:";
 
 // A form for a run, as the dialog leaves it after loading, recording every
 // progress text the window is told about.
@@ -121,8 +117,7 @@ TEST_P(RepairTest, Repair_KeepsEveryReadableRow) {
   if (c.damage) {
     ASSERT_LT(RowCount(readable), RowCount(before) - 100);
     ASSERT_EQ(readable.at("Buy").count("2000"), 0u);
-    ui_.Expect(std::string(kRebuiltText) + kCrLf + "John & Jane Doe (DOE0101.mdb)", "Files Rebuilt",
-               Icon::kInformation, Buttons::kOk);
+    ExpectSaid(ui_, __FILE__, "rebuilt");
   }
 
   auto run = Load(kRepairCaption);
@@ -162,8 +157,8 @@ TEST_F(CompressRepairTest, AllTaxpayers_MissingFileReportedOthersDone) {
   Index("A1", "Adams", "AAA.mdb");
   Index("B1", "Baker & Sons", "BBB.mdb");
   Index("C1", "Cole", "CCC.mdb");
-  ui_.Expect("Baker & Sons was not completed: Could not find file '" + Path("BBB.mdb") + "'.",
-             "Not Done", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "not_done", Answer::kOk,
+             {"Baker & Sons", "Could not find file '" + Path("BBB.mdb") + "'."});
 
   auto run = Load(kCompressCaption);
   run->form.all_chosen = true;
@@ -181,8 +176,8 @@ TEST_F(CompressRepairTest, AllTaxpayers_MissingFileReportedOthersDone) {
 // A failure on the Security Symbols File leaves it untouched and reopened.
 TEST_F(CompressRepairTest, Central_FailureReportedAndFileReopened) {
   app_->temp_folder = root_ + "no-such-folder/";
-  ui_.Expect("Securites Symbol File was not completed: Path not found: " + app_->temp_folder,
-             "Not Done", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "not_done", Answer::kOk,
+             {"Securites Symbol File", "Path not found: " + app_->temp_folder});
   const std::string old_bytes = FileBytes(app_->central_path);
 
   auto run = Load(kCompressCaption);
@@ -199,15 +194,9 @@ TEST_F(CompressRepairTest, Central_FailureReportedAndFileReopened) {
 // caption does nothing.
 TEST_F(CompressRepairTest, Buttons_NothingSelectedAndIllegalCaption) {
   Index("A1", "Adams", "AAA.mdb");
-  ui_.Expect(
-      "You have not selected any files to be compressed. First, select the files to be "
-      "compressed, then click on 'Compress'",
-      "No files selected");
-  ui_.Expect(
-      "You have not selected any files to be repaired. First, select the files to be "
-      "repaired, then click on 'Repair'",
-      "No files selected");
-  ui_.Expect("Illegal caption on dlgCR_Report", "Warning", Icon::kExclamation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "nothing_compress");
+  ExpectSaid(ui_, __FILE__, "nothing_repair");
+  ExpectSaid(ui_, __FILE__, "illegal_caption");
 
   auto compress = Load(kCompressCaption);
   compress->form.picked_chosen = true;  // but no taxpayer picked
@@ -266,9 +255,8 @@ TEST_F(MaintenanceTest, DelBackups_DeletesOnlyBackups) {
     std::ofstream(app_->taxpayer_folder + name) << "x";
   }
   std::ofstream(app_->ssf_folder + "CENTRAL.bak") << "x";
-  ui_.Expect("Backup Files were deleted successfully", "Backups Deleted", Icon::kInformation,
-             Buttons::kOk);
-  ui_.Expect("There are no Backup Files to delete", "No Backups", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "backups_deleted");
+  ExpectSaid(ui_, __FILE__, "no_backups");
 
   DelBackupsForm form;
   std::vector<std::string> statuses;

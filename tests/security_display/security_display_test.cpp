@@ -15,6 +15,7 @@
 #include "data/transaction_store.h"
 #include "lots/block_edit.h"
 #include "lots/security_list.h"
+#include "support/tests_a_helpers.h"
 #include "support/values.h"
 
 namespace lotwise::testing {
@@ -191,10 +192,7 @@ TEST_F(SecurityDisplayTest, SelectAndDisplayBlock_FollowRow) {
   ASSERT_TRUE(UpdateBlock(*app_, ibm_, second, D("03/20/2024")));
   EXPECT_EQ(app_->current.block_id, "03/20/2024-1");
   EXPECT_EQ(app_->window.display.blocks[2].block_id, "03/20/2024-1");
-  ui_.Expect(
-      "You are about to delete Block: 03/20/2024-1. This will also delete all transactions in "
-      "this block. Are you sure you want to do this?",
-      "Delete Block?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "delete_block", Answer::kYes);
   DeleteBlock(*app_);
   EXPECT_EQ(DisplayedBlockIds(), (Texts{"01/01/2024-1", "01/15/2024-1"}));
   EXPECT_EQ(app_->window.display.selected_block, 1);

@@ -10,24 +10,12 @@
 #include "data/application.h"
 #include "data/database.h"
 #include "lots/security_display.h"
+#include "support/tests_a_helpers.h"
 
 namespace lotwise::testing {
 namespace {
 
 using Texts = std::vector<std::string>;
-
-const char* const kNoSecuritiesText =
-    "There are no Securities to display. To Add a security to this portfolio, click on the "
-    "'Security' menu , then the 'Add a Security' menu item.";
-const char* const kCantDeleteText =
-    "There are no Securities to delete in this Portfolio. If you want to create a new Security, "
-    "click on the Security menu, and then click on the Add Security menu item.";
-
-std::string DeleteQuestion(const std::string& symbol) {
-  return "You are about to delete Security: " + symbol +
-         ". The Security will be removed from the Portfolio and all blocks in it will be deleted. "
-         "Are you sure you want to do this?";
-}
 
 class SecurityListTest : public WindowTest {};
 
@@ -37,9 +25,9 @@ class SecurityListTest : public WindowTest {};
 // returns to the portfolio's reloaded list.
 TEST_F(SecurityListTest, SecList_EmptyPortfolioThenDelete) {
   State(*app_, kPortOpen);
-  ui_.Expect(kNoSecuritiesText, "No Securities!");
+  ExpectSaid(ui_, __FILE__, "no_securities");
   SecList_Select(*app_);
-  ui_.Expect(kCantDeleteText, "Can't delete");
+  ExpectSaid(ui_, __FILE__, "cant_delete");
   SecList_Delete(*app_);
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   EXPECT_FALSE(app_->window.display.visible);
@@ -50,12 +38,11 @@ TEST_F(SecurityListTest, SecList_EmptyPortfolioThenDelete) {
   Buy(ibm, "02/15/2024", 5);
   DisplaySecurity(*app_);
   SecList_Select(*app_, 0);
-  ui_.Expect(DeleteQuestion("IBM"), "Delete Security?", Icon::kQuestion, Buttons::kYesNo,
-             Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "delete_security", Answer::kNo);
   SecList_Delete(*app_);
   EXPECT_EQ(CountClientRows("Security"), 2);
   EXPECT_EQ(State(*app_, kStateQuery), kSecOpen);
-  ui_.Expect(DeleteQuestion("IBM"), "Delete Security?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "delete_security", Answer::kYes);
   SecList_Delete(*app_);
   EXPECT_EQ(
       CountClientRows("Security") * 100 + CountClientRows("Blocks") * 10 + CountClientRows("Buy"),
@@ -102,8 +89,7 @@ TEST_F(SecurityListTest, SecList_Select_SecurityGone) {
   AddSecurity("MSFT", "Microsoft");
   State(*app_, kPortOpen);
   app_->client->Execute(R"(DELETE FROM "Security" WHERE "Sec Symbol" = 'MSFT')");
-  ui_.Expect("The Security MSFT is no longer in this Portfolio. Another user may have deleted it.",
-             "Security not found", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "security_gone");
   SecList_Select(*app_, 0);
   EXPECT_EQ(State(*app_, kStateQuery), kPortOpen);
   EXPECT_FALSE(app_->window.display.visible);

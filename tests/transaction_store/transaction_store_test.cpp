@@ -2,26 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <string_view>
 
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "lots/block_edit.h"
+#include "support/tests_a_helpers.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {
 namespace {
-
-constexpr const char* kPurchaseQuestion =
-    "There is already a Purchase of Shares in this Security on 03/01/2024.\n"
-    "Do you still want to add this transaction?";
-constexpr const char* kPurchaseTitle = "Purchase with same date exists";
-
-std::string RedateQuestion(const std::string& date) {
-  return "There is already a Purchase (or Reinvestment) of Shares in this Security on " + date +
-         ".\nDo you still want to modify this transaction?";
-}
 
 // The acquisition and split kinds are their transaction types.
 enum Kind : int16_t {
@@ -89,11 +81,11 @@ class TransactionStoreTest : public StoreTest {
 // number first.
 TEST_F(TransactionStoreTest, AddBuy_SameDate_TakesFirstFreeNumber) {
   for (int n = 1; n <= 3; ++n) {
-    if (n > 1) ui_.Expect(kPurchaseQuestion, kPurchaseTitle, Answer::kYes);
+    if (n > 1) ExpectSaid(ui_, __FILE__, "purchase", Answer::kYes);
     EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-" + std::to_string(n));
   }
   app_->client->Execute(R"(DELETE FROM "Blocks" WHERE "Block ID" = '03/01/2024-2')");
-  ui_.Expect(kPurchaseQuestion, kPurchaseTitle, Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "purchase", Answer::kYes);
   EXPECT_EQ(BuyShares("03/01/2024", 10, "100"), "03/01/2024-2");
 }
 
@@ -102,7 +94,7 @@ TEST_F(TransactionStoreTest, AddBuy_SameDate_TakesFirstFreeNumber) {
 // No leaves the file as it was and Yes writes.
 struct SameDateCase {
   Kind existing, added;
-  const char *text, *title;  // nullptr: no question
+  const char* question;  // nullptr: none
 };
 
 class SameDateTest : public TransactionStoreTest,
@@ -116,14 +108,14 @@ TEST_P(SameDateTest, Add_SameDate_AsksOnlyWhereDue) {
   EXPECT_TRUE(Enter(c.added, AddSecurity(kPort, "MSFT"), 2, "03/01/2024"));
   const long long rows = TransactionRows();
   const long long blocks = CountOnDisk("Blocks");
-  if (c.text != nullptr) {
-    ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  if (c.question != nullptr) {
+    ExpectSaid(ui_, __FILE__, c.question, Answer::kNo);
     block_id_ = "untouched";
     EXPECT_FALSE(Enter(c.added, sec_id_, 1, "03/01/2024"));
     EXPECT_EQ(block_id_, "untouched");
     EXPECT_EQ(TransactionRows(), rows);
     EXPECT_EQ(CountOnDisk("Blocks"), blocks);
-    ui_.Expect(c.text, c.title, Icon::kQuestion, Buttons::kYesNo, Answer::kYes);
+    ExpectSaid(ui_, __FILE__, c.question, Answer::kYes);
   }
   EXPECT_TRUE(Enter(c.added, sec_id_, 1, "03/01/2024"));
   EXPECT_EQ(TransactionRows(), rows + 1);
@@ -132,26 +124,15 @@ TEST_P(SameDateTest, Add_SameDate_AsksOnlyWhereDue) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, SameDateTest,
-    ::testing::Values(
-        SameDateCase{kBuy, kBuy, kPurchaseQuestion, kPurchaseTitle},
-        SameDateCase{kReinvest, kReinvest, kPurchaseQuestion, kPurchaseTitle},
-        SameDateCase{kReinvest, kBuy, nullptr, nullptr},
-        SameDateCase{kBuy, kReinvest, nullptr, nullptr},
-        SameDateCase{kSell, kSell, kPurchaseQuestion, kPurchaseTitle},
-        SameDateCase{kDividend, kSplit,
-                     "There is already a Stock Split(or Stock Dividend) on 03/01/2024.\n"
-                     "Do you still want to add this Stock Split?",
-                     "Stock Split with same Date exists"},
-        SameDateCase{kSplit, kDividend,
-                     "There is already a Stock Dividend(or Stock Split) on 03/01/2024.\n"
-                     "Do you still want to add this Stock Dividend?",
-                     "Stock Dividend with same Date exists"},
-        SameDateCase{kAdjust, kAdjust,
-                     "There is already an Adjustment in this block for 03/01/2024.\n"
-                     "Do you still want to add this Adjustment?",
-                     "Adjustment with same Date exists"}));
+INSTANTIATE_TEST_SUITE_P(Kinds, SameDateTest,
+                         ::testing::Values(SameDateCase{kBuy, kBuy, "purchase"},
+                                           SameDateCase{kReinvest, kReinvest, "purchase"},
+                                           SameDateCase{kReinvest, kBuy, nullptr},
+                                           SameDateCase{kBuy, kReinvest, nullptr},
+                                           SameDateCase{kSell, kSell, "purchase"},
+                                           SameDateCase{kDividend, kSplit, "split"},
+                                           SameDateCase{kSplit, kDividend, "dividend"},
+                                           SameDateCase{kAdjust, kAdjust, "adjust"}));
 
 // Each row lands with its values in the right fields and the same-date rank
 // of its kind (rows as "Unique ID|Block No|Date|...|Notes|Prec Sort").
@@ -180,13 +161,8 @@ TEST_F(TransactionStoreTest, Add_EachKind_WritesFieldsAndPrecSort) {
 // default text form, under the current portfolio and security and today's
 // date, and rewrites the row; notes changes are never logged. A unique id
 // that is not there is reported and changes nothing.
-struct ModifyCase {
-  const char *table, *date, *money, *fee;  // money: cost, or sale price
-  double shares;
-  Lines logged;  // each after "Changed <table> (Unique ID = 1), field "
-};
 
-class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInterface<ModifyCase> {
+class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInterface<GoldenCase> {
  protected:
   void SetUp() override {
     TransactionStoreTest::SetUp();
@@ -197,61 +173,52 @@ class ModifyTest : public TransactionStoreTest, public ::testing::WithParamInter
   }
 
   bool Modify(int64_t id) {
-    const ModifyCase& c = GetParam();
-    const std::string_view table = c.table;
+    std::string date, money, fee;
+    double shares = 0;
+    std::istringstream(GetParam().sections.at(1).args) >> date >> money >> fee >> shares;
+    const std::string table = Table();
     if (table == "Buy") {
-      return ModifyBuy(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+      return ModifyBuy(*app_, id, D(date.c_str()), Money(money.c_str()), Money(fee.c_str()), shares,
+                       "new");
     }
     if (table == "Sell") {
-      return ModifySell(*app_, id, D(c.date), Money(c.money), Money(c.fee), c.shares, "new");
+      return ModifySell(*app_, id, D(date.c_str()), Money(money.c_str()), Money(fee.c_str()),
+                        shares, "new");
     }
-    if (table == "Split") return ModifySplit(*app_, id, D(c.date), c.shares, "new");
-    return ModifyAdjust(*app_, id, D(c.date), Money(c.money), c.shares, "new");
+    if (table == "Split") return ModifySplit(*app_, id, D(date.c_str()), shares, "new");
+    return ModifyAdjust(*app_, id, D(date.c_str()), Money(money.c_str()), shares, "new");
+  }
+
+  std::string Table() {
+    const std::string& name = GetParam().name;
+    return name.substr(0, name.find(' '));
   }
 
   Lines Notes() {
-    return Rows(app_->client->Select("SELECT \"Notes\" FROM \"" + std::string(GetParam().table) +
-                                     "\" WHERE \"Unique ID\" = 1"));
+    return Rows(
+        app_->client->Select("SELECT \"Notes\" FROM \"" + Table() + "\" WHERE \"Unique ID\" = 1"));
   }
 };
 
 TEST_P(ModifyTest, Modify_Fields_MissingIdRefusedChangesLogged) {
-  const ModifyCase& c = GetParam();
-  ui_.Expect(
-      "The transaction could not be located with Unique ID = 999. This modification can not be "
-      "made. It is suggested that you exit the Modify form and try this modification again. If "
-      "you continue to get this error please contact Tarnwick Software, Inc.",
-      "Error!");
+  const GoldenCase& c = GetParam();
+  ExpectSaid(ui_, __FILE__, "not_located");
   EXPECT_FALSE(Modify(999));
   EXPECT_EQ(CountClientRows("Change"), 0);
   EXPECT_EQ(Notes(), Lines{"old"});
 
   ASSERT_TRUE(Modify(1));
   Lines expected;
-  for (const std::string& field : c.logged) {
-    expected.push_back("2026-11-22|Growth|" + std::to_string(sec_id_) + "|Changed " + c.table +
+  for (const std::string& field : c.Lines("logged")) {
+    expected.push_back("2026-11-22|Growth|" + std::to_string(sec_id_) + "|Changed " + Table() +
                        " (Unique ID = 1), field " + field);
   }
   EXPECT_EQ(Rows(app_->client->Select(R"(SELECT * FROM "Change" ORDER BY rowid)")), expected);
   EXPECT_EQ(Notes(), Lines{"new"});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, ModifyTest,
-    ::testing::Values(
-        ModifyCase{"Buy", "01/03/2024", "1000.5", "9.95", 100.5,
-                   Lines{"'Date' from 01/02/2024 to 01/03/2024", "'Cost' from 1000 to 1000.5",
-                         "'Fee' from 0 to 9.95", "'Shares' from 100 to 100.5"}},
-        ModifyCase{"Sell", "06/04/2024", "550.25", "0", -40.25,
-                   Lines{"'Date' from 06/03/2024 to 06/04/2024", "'Sale Price' from 500 to 550.25",
-                         "'Fee' from 5 to 0", "'Shares' from -40 to -40.25"}},
-        ModifyCase{"Split", "07/02/2024", "0", "0", 61.5,
-                   Lines{"'Date' from 07/01/2024 to 07/02/2024", "'Shares' from 60 to 61.5"}},
-        ModifyCase{"Adjust", "12/31/2024", "-0.0001", "0", -2,
-                   Lines{"'Date' from 08/01/2024 to 12/31/2024", "'Cost' from 10 to -0.0001",
-                         "'Shares' from 1 to -2"}},
-        ModifyCase{"Sell", "06/03/2024", "500", "5", -40, Lines{}},
-        ModifyCase{"Adjust", "08/01/2024", "10", "0", 1, Lines{}}));
+INSTANTIATE_TEST_SUITE_P(Kinds, ModifyTest,
+                         ::testing::ValuesIn(ReadCases(__FILE__, "modifications.txt")));
 
 // Re-dating a lot onto a date that already has lots gives it the next free
 // number there, whether the buy or the block is re-dated; only a lot of the
@@ -274,13 +241,12 @@ TEST_P(RedateTest, Redate_OntoOccupiedDate_TakesNextNumber) {
   app_->current.block_id = "02/06/2024-1";
   if (c.asks) {
     const Lines before = BlocksOnDisk();
-    ui_.Expect(RedateQuestion("01/03/2024"), kPurchaseTitle, Answer::kNo);
+    ExpectSaid(ui_, __FILE__, "redate", Answer::kNo, {"01/03/2024"});
     EXPECT_FALSE(ModifyBuy(*app_, 4, D("01/03/2024"), Money("250"), Currency(), 20, "x"));
     EXPECT_EQ(BlocksOnDisk(), before);
     EXPECT_EQ(CountClientRows("Change"), 0);
     for (const char* date : {"01/02/2024", "01/03/2024"}) {
-      ui_.Expect(RedateQuestion(date), kPurchaseTitle, Icon::kQuestion, Buttons::kYesNo,
-                 Answer::kYes);
+      ExpectSaid(ui_, __FILE__, "redate", Answer::kYes, {date});
     }
   }
   ASSERT_TRUE(UpdateBlock(*app_, sec_id_, 3, D("01/02/2024")));
@@ -300,9 +266,7 @@ INSTANTIATE_TEST_SUITE_P(Lots, RedateTest,
 // stays; confirmed, every transaction of it goes along and the other block
 // and the file stay sound.
 TEST_F(TransactionStoreTest, DeleteBlock_NoneDeclinedConfirmed) {
-  ui_.Expect(
-      "There are no blocks to delete. To add a block you need to enter a Buy or Reinvestment.",
-      "No Blocks", Icon::kInformation, Buttons::kOk);
+  ExpectSaid(ui_, __FILE__, "no_blocks");
   DeleteBlock(*app_);
 
   BuyShares("01/02/2024", 100, "1000");
@@ -311,13 +275,10 @@ TEST_F(TransactionStoreTest, DeleteBlock_NoneDeclinedConfirmed) {
   FillBlock(2);
   app_->current.block_no = 1;
   app_->current.block_id = "01/02/2024-1";
-  const std::string question =
-      "You are about to delete Block: 01/02/2024-1. This will also delete all transactions in "
-      "this block. Are you sure you want to do this?";
-  ui_.Expect(question, "Delete Block?", Icon::kQuestion, Buttons::kYesNo, Answer::kNo);
+  ExpectSaid(ui_, __FILE__, "delete_block", Answer::kNo);
   DeleteBlock(*app_);
   EXPECT_EQ(TransactionRows(), 12);
-  ui_.Expect(question, "Delete Block?", Answer::kYes);
+  ExpectSaid(ui_, __FILE__, "delete_block", Answer::kYes);
   DeleteBlock(*app_);
   EXPECT_EQ(BlocksOnDisk(), Lines{"2|01/03/2024-1|2024-01-03|2024-01-03|10000000"});
   EXPECT_EQ(TransactionRows(), 6);
