@@ -2,9 +2,9 @@
 
 #include <random>
 
-#include "ground/number_text.h"
 #include "data/block_shares.h"
 #include "data/database.h"
+#include "ground/number_text.h"
 #include "support/app_fixture.h"
 #include "support/values.h"
 
