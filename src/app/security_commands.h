@@ -6,8 +6,11 @@ namespace lotwise {
 
 class Application;
 
-// Opening a security in the main window: the security panel of the main
-// window, kept in app.window.display. Every procedure traps its own errors
+// The main window's commands on the open portfolio's securities: open one
+// in the security panel (app.window.display), delete one, re-enter a symbol
+// that the Security Symbols File lost. They sit above the panel and the list
+// (src/lots) because opening a security may change the application state
+// and show the security dialog. Every procedure traps its own errors
 // (reported under its own name).
 
 // Fills app.window.display for the security `symbol` of the current
