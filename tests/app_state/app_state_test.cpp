@@ -13,7 +13,7 @@
 #include "ground/program_ended.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

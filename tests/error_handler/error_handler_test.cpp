@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise {
 namespace {

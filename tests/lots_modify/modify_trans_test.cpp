@@ -8,7 +8,7 @@
 #include <string>
 
 #include "lots_modify/modify_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

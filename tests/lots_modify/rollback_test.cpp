@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "lots_modify/modify_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

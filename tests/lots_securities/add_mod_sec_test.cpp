@@ -8,7 +8,7 @@
 #include "app/app_state.h"
 #include "data/central_file.h"
 #include "lots_securities/securities_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

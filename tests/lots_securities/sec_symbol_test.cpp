@@ -13,7 +13,7 @@
 #include "ground/date.h"
 #include "lots/security_display.h"
 #include "lots_securities/securities_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "lots/sell_shares.h"
 #include "lots_sell/sale_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -9,7 +9,7 @@
 #include "lots/buy_reinvest.h"
 #include "lots/split_dividend.h"
 #include "lots_sell/sale_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -6,7 +6,7 @@
 
 #include "lots_buy/lots_fixture.h"
 #include "storage/storage_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

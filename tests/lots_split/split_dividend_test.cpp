@@ -8,7 +8,7 @@
 
 #include "ground/number_text.h"
 #include "lots_buy/lots_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -8,7 +8,7 @@
 #include "data/database.h"
 #include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "data/database.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {

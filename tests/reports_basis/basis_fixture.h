@@ -14,7 +14,7 @@
 #include "ground/number_text.h"
 #include "reports/basis_report.h"
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "support/values.h"
 
 namespace lotwise::testing {

@@ -13,7 +13,7 @@
 #include "reports/report_engine.h"
 #include "reports/report_runner.h"
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 

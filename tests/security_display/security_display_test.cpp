@@ -15,7 +15,7 @@
 #include "data/transaction_store.h"
 #include "lots/block_edit.h"
 #include "lots/security_list.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "support/values.h"
 
 namespace lotwise::testing {

@@ -10,7 +10,7 @@
 #include "data/application.h"
 #include "data/database.h"
 #include "lots/security_display.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

@@ -17,7 +17,7 @@
 #include "ground/paths.h"
 #include "ground/program_ended.h"
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

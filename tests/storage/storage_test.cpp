@@ -7,7 +7,7 @@
 
 #include "data/database.h"
 #include "storage/storage_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

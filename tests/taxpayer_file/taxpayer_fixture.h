@@ -9,7 +9,7 @@
 #include "data/database.h"
 #include "ground/paths.h"
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 

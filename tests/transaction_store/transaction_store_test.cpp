@@ -9,7 +9,7 @@
 #include "data/database.h"
 #include "data/error_handler.h"
 #include "lots/block_edit.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "transaction_store/store_fixture.h"
 
 namespace lotwise::testing {

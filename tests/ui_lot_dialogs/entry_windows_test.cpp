@@ -11,7 +11,7 @@
 #include "lots/sell_method.h"
 #include "lots/sell_shares.h"
 #include "lots/split_dividend.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "ui_lot_dialogs/lot_window_fixture.h"
 
 namespace lotwise::testing {

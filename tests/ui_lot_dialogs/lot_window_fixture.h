@@ -14,7 +14,7 @@
 #include "ground/number_text.h"
 #include "lots/security_display.h"
 #include "support/app_fixture.h"
-#include "support/tests_c_helpers.h"
+#include "support/real_windows.h"
 #include "support/values.h"
 #include "ui/form_widgets.h"
 

@@ -4,7 +4,7 @@
 #include <QTableView>
 
 #include "lots/sell_shares.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "ui_lot_dialogs/lot_window_fixture.h"
 
 namespace lotwise::testing {

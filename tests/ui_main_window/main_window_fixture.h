@@ -11,7 +11,7 @@
 #include "app_state/window_fixture.h"
 #include "data/application.h"
 #include "lots/security_list.h"
-#include "support/tests_c_helpers.h"
+#include "support/real_windows.h"
 #include "ui/main_window.h"
 
 namespace lotwise::testing {

@@ -12,7 +12,7 @@
 #include "data/database.h"
 #include "data/transaction_store.h"
 #include "lots/security_display.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "support/values.h"
 #include "ui/grid_models.h"
 #include "ui_main_window/main_window_fixture.h"

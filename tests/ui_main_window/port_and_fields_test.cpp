@@ -12,8 +12,8 @@
 
 #include "data/application.h"
 #include "lots/buy_reinvest.h"
-#include "support/tests_a_helpers.h"
-#include "support/tests_c_helpers.h"
+#include "support/golden.h"
+#include "support/real_windows.h"
 #include "ui/dialog_registry.h"
 #include "ui/form_widgets.h"
 #include "ui/qt_ui_port.h"

@@ -6,8 +6,8 @@
 #include "app/maintenance.h"
 #include "ground/paths.h"
 #include "maintenance/maint_fixture.h"
-#include "support/tests_a_helpers.h"
-#include "support/tests_c_helpers.h"
+#include "support/golden.h"
+#include "support/real_windows.h"
 
 namespace lotwise::testing {
 namespace {

@@ -15,7 +15,7 @@
 #include "lots/sell_shares.h"
 #include "reports/report_dialogs.h"
 #include "reports_basis/basis_fixture.h"
-#include "support/tests_c_helpers.h"
+#include "support/real_windows.h"
 #include "ui/qt_ui_port.h"
 #include "ui/report_viewer.h"
 

@@ -15,7 +15,7 @@
 #include "data/application.h"
 #include "data/database.h"
 #include "support/app_fixture.h"
-#include "support/tests_c_helpers.h"
+#include "support/real_windows.h"
 #include "ui/dialog_registry.h"
 
 namespace lotwise::testing {

@@ -11,7 +11,7 @@
 #include "app/taxpayer_file.h"
 #include "ground/ini_file.h"
 #include "ground/program_ended.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 #include "ui_taxpayer_dialogs/window_fixture.h"
 
 namespace lotwise::testing {

@@ -13,7 +13,7 @@
 #include "ground/paths.h"
 #include "storage/storage_fixture.h"
 #include "support/app_fixture.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise::testing {
 namespace {

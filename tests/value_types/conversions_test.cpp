@@ -10,7 +10,7 @@
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
 #include "ground/value_helpers.h"
-#include "support/tests_a_helpers.h"
+#include "support/golden.h"
 
 namespace lotwise {
 namespace {

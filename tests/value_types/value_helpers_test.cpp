@@ -6,8 +6,8 @@
 
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
+#include "support/golden.h"
 #include "support/scripted_ui.h"
-#include "support/tests_a_helpers.h"
 
 namespace lotwise {
 namespace {

@@ -1,5 +1,8 @@
 #pragma once
 
+// Driving a dialog's real Qt window from a test: show the window of a core
+// form, find its widgets by name, type, click, and read what it shows.
+
 #include <gtest/gtest.h>
 
 #include <QApplication>

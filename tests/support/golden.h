@@ -1,5 +1,10 @@
 #pragma once
 
+// Golden files of the tests: long expected texts, case files ("=== name"
+// cases of "--- section" lines) read by one loop, and a folder's messages
+// (golden/messages.txt) that the scripted UI expects exactly. Setting
+// LOTWISE_UPDATE_GOLDEN=1 rewrites the expected texts instead of comparing.
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
