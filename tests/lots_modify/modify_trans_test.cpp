@@ -13,14 +13,6 @@
 namespace lotwise::testing {
 namespace {
 
-// The arguments of a case's section `key`, or "".
-std::string Args(const GoldenCase& c, const std::string& key) {
-  for (const GoldenSection& section : c.sections) {
-    if (section.key == key) return section.args;
-  }
-  return "";
-}
-
 // Block 01/02/2024-1 holds one transaction of every kind but reinvestment
 // (108 shares in all with block 02/01/2024-1, which holds only its
 // reinvestment). Each table's first row has Unique ID 1; the reinvestment is
@@ -57,10 +49,10 @@ TEST_P(ModifyKindTest, ModifyTrans_OK_EachKind_RowRewrittenAndLogged) {
   const GoldenCase& c = GetParam();
   std::string date, amount, block, total;
   double shares = 0;
-  std::istringstream(Args(c, "typed")) >> date >> shares >> amount;
-  std::istringstream(Args(c, "after")) >> block >> total;
+  std::istringstream(c.Args("typed")) >> date >> shares >> amount;
+  std::istringstream(c.Args("after")) >> block >> total;
   ExpectModify(c.name.c_str(), [&](ModifyTransForm& form) {
-    EXPECT_EQ(form.caption + "|" + form.cost_of_shares.ToString(), Args(c, "dialog"));
+    EXPECT_EQ(form.caption + "|" + form.cost_of_shares.ToString(), c.Args("dialog"));
     EXPECT_EQ(form.security, "International Business Machines");
     form.date = date;
     form.num_shares = shares;

@@ -14,14 +14,6 @@
 namespace lotwise::testing {
 namespace {
 
-// The arguments of a case's section `key`, or "".
-std::string Args(const GoldenCase& c, const std::string& key) {
-  for (const GoldenSection& section : c.sections) {
-    if (section.key == key) return section.args;
-  }
-  return "";
-}
-
 // A FIFO sale takes the blocks still holding shares oldest first (date, then
 // block id as text), each remainder rounded to five decimals, and spreads
 // price and fee by shares: each row to the currency, then to the cent half to
@@ -40,9 +32,9 @@ TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
   }
   std::string price, fee, refusal, value;
   double shares = 0;
-  std::istringstream(Args(c, "sale")) >> shares >> price >> fee;
-  std::istringstream(Args(c, "refused")) >> refusal >> value;
-  const std::string rows = Args(c, "rows");
+  std::istringstream(c.Args("sale")) >> shares >> price >> fee;
+  std::istringstream(c.Args("refused")) >> refusal >> value;
+  const std::string rows = c.Args("rows");
   OpenSecurity(SellMethod::kFifo);
   OnSale([&](SellSharesForm& form) {
     Fill(form, shares, price.c_str(), fee.c_str());
@@ -72,7 +64,7 @@ class RebookTest : public SaleTest, public ::testing::WithParamInterface<GoldenC
 TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
   const GoldenCase& c = GetParam();
   std::string kind, date, answer;
-  std::istringstream(Args(c, "entry")) >> kind >> date >> answer;
+  std::istringstream(c.Args("entry")) >> kind >> date >> answer;
   const int64_t jan = Block("01/01/2024", 100);
   const int64_t feb = Block("02/01/2024", 100);
   ASSERT_TRUE(AddSell(*app_, jan, D("06/03/2024"), Money("1000"), Money("10"), -100, ""));
@@ -97,8 +89,8 @@ TEST_P(RebookTest, EntryBeforeFifoSale_SaleRebooked) {
     BuyReinvest_OK(*app_, form, false);
     EXPECT_TRUE(form.closed);
   }
-  EXPECT_EQ(SellRows(), Args(c, "sale"));
-  EXPECT_EQ(SellRows("07/01/2024", "Split"), Args(c, "splits"));
+  EXPECT_EQ(SellRows(), c.Args("sale"));
+  EXPECT_EQ(SellRows("07/01/2024", "Split"), c.Args("splits"));
   EXPECT_EQ(Changes(), c.Text("changes"));
   EXPECT_EQ(app_->client->IntegrityCheck(), "ok");
 }

@@ -70,6 +70,14 @@ struct GoldenCase {
     }
     return {};
   }
+  // The arguments of the first section `key` (its header after the key), or
+  // empty text.
+  std::string Args(const std::string& key) const {
+    for (const GoldenSection& section : sections) {
+      if (section.key == key) return section.args;
+    }
+    return "";
+  }
   // The lines joined by "\n", each ended by it.
   std::string Text(const std::string& key) const {
     std::string text;
