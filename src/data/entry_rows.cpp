@@ -88,12 +88,12 @@ std::vector<BlockOnFile> BlocksOfSecurity(Database& client, int64_t sec_id) {
   return rows;
 }
 
-std::vector<ListedTransaction> TransactionsInBlock(Database& client, int64_t block_no,
-                                                   TransKind kind) {
-  std::vector<ListedTransaction> rows;
+std::vector<TransactionRow> TransactionsInBlock(Database& client, int64_t block_no,
+                                                TransKind kind) {
+  std::vector<TransactionRow> rows;
   Query q = Select(client, Query_TransInBlock(block_no, kind));
   while (q.Next()) {
-    ListedTransaction& row = rows.emplace_back();
+    TransactionRow& row = rows.emplace_back();
     row.date = q.DateValue("Date");
     row.transaction = q.Text("Transaction");
     row.cost = q.Money("Cost");

@@ -10,6 +10,7 @@
 #include "data/transaction_store.h"
 #include "ground/currency.h"
 #include "ground/date.h"
+#include "ground/window_state.h"
 
 namespace lotwise {
 
@@ -39,11 +40,7 @@ struct SplitRowOnFile {
 };
 
 // The block itself: its id and acquisition date.
-struct BlockOnFile {
-  int64_t block_no = 0;
-  std::string block_id;
-  Date date;
-};
+using BlockOnFile = BlockRow;
 
 // Every Sell row of security `sec_id` dated `date`, oldest block first.
 std::vector<SaleRowOnFile> EntireSell(Database& client, int64_t sec_id, Date date);
@@ -68,22 +65,9 @@ std::optional<Date> FirstTransactionDate(Database& client, int64_t block_no);
 // The security's blocks, oldest first (date, then block id).
 std::vector<BlockOnFile> BlocksOfSecurity(Database& client, int64_t sec_id);
 
-// One row of a block's transaction list, whatever its table.
-struct ListedTransaction {
-  Date date;
-  std::string transaction;  // "Buy", "Sell", "Stock Split (1 to 2)", ...
-  Currency cost;
-  Currency sale_price;
-  double shares = 0;
-  Currency fee;
-  std::string notes;
-  int64_t unique_id = 0;
-  int16_t prec_sort = 0;
-};
 // The block's transactions of one kind (kAll: every kind), in the order of
 // Query_TransInBlock.
-std::vector<ListedTransaction> TransactionsInBlock(Database& client, int64_t block_no,
-                                                   TransKind kind);
+std::vector<TransactionRow> TransactionsInBlock(Database& client, int64_t block_no, TransKind kind);
 
 // Deletes one row of `table` (one of the program's transaction tables) /
 // the block's own row, inside the caller's unit of work if any.

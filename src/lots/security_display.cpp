@@ -35,11 +35,7 @@ bool SameSymbol(std::string_view a, std::string_view b) {
 }
 
 std::vector<BlockRow> ReadBlocks(Application& app, int64_t sec_id) {
-  std::vector<BlockRow> rows;
-  for (const BlockOnFile& block : BlocksOfSecurity(ClientFile(app), sec_id)) {
-    rows.push_back({block.block_no, block.block_id, block.date});
-  }
-  return rows;
+  return BlocksOfSecurity(ClientFile(app), sec_id);
 }
 
 int FindBlockNo(const std::vector<BlockRow>& rows, int64_t block_no) {
@@ -118,14 +114,8 @@ void UpdateTransInBlock(Application& app, int16_t type_index) {
       block.block_id = fresh->block_id;
       block.date = fresh->date;
     }
-    std::vector<TransactionRow> rows;
-    for (ListedTransaction& listed :
-         TransactionsInBlock(db, block.block_no, static_cast<TransKind>(type_index))) {
-      rows.push_back({listed.date, std::move(listed.transaction), listed.cost, listed.sale_price,
-                      listed.shares, listed.fee, std::move(listed.notes), listed.unique_id,
-                      listed.prec_sort});
-    }
-    display.transactions = std::move(rows);
+    display.transactions =
+        TransactionsInBlock(db, block.block_no, static_cast<TransKind>(type_index));
     display.selected_transaction = display.transactions.empty() ? -1 : 0;
     display.transactions_caption = "Transaction List for Block - " + std::to_string(block.block_no);
     app.current.block_no = block.block_no;

@@ -23,8 +23,8 @@ class FifoSaleTest : public SaleTest, public ::testing::WithParamInterface<Golde
 
 TEST_P(FifoSaleTest, SellShares_OK_Fifo) {
   const GoldenCase& c = GetParam();
-  for (const std::string& spec : c.Lines("blocks")) {
-    std::istringstream in(spec);
+  for (const std::string& line : c.Lines("blocks")) {
+    std::istringstream in(line);
     std::string date, seq = "1";
     double shares = 0, adjusted = 0;
     in >> date >> shares >> adjusted >> seq;
