@@ -19,6 +19,7 @@
 #include "data/upgrades.h"
 #include "ground/lw_error.h"
 #include "ground/sell_method_codes.h"
+#include "ground/text.h"
 #include "ground/ui_port.h"
 #include "lots/security_display.h"
 #include "lots/security_list.h"
@@ -26,11 +27,6 @@
 namespace lotwise {
 
 namespace {
-
-Database& ClientFile(Application& app) {
-  if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
-  return *app.client;
-}
 
 bool AskReEnterDeletedSymbol(Application& app, const std::string& symbol) {
   const std::string text =
@@ -47,19 +43,13 @@ bool AskReEnterDeletedSymbol(Application& app, const std::string& symbol) {
 // portfolio no longer holds it (another user of a shared file may have
 // deleted it).
 std::optional<SecurityOnFile> GetASecurity(Application& app, const std::string& symbol) {
-  return FindSecurity(ClientFile(app), GetCurrPortInfo(app, "[Port Name]"), symbol);
+  return FindSecurity(app.ClientFile(), GetCurrPortInfo(app, "[Port Name]"), symbol);
 }
 
 // Shows the add/modify security dialog until the user closes it.
 void RunAddModSec(Application& app, AddModSecForm& form) {
   form.hidden = false;
   app.ui().RunModal(form);
-}
-
-// Symbols are keys without regard to case in every file.
-bool SameSymbol(std::string_view a, std::string_view b) {
-  return std::ranges::equal(
-      a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "data/database.h"
 #include "ground/environment.h"
+#include "ground/lw_error.h"
 #include "ground/paths.h"
 
 namespace lotwise {
@@ -42,6 +43,11 @@ Application::~Application() = default;
 
 std::string Application::ProgramFile(const std::string& name) const {
   return JoinPath(program_folder, name);
+}
+
+Database& Application::ClientFile() {
+  if (!client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
+  return *client;
 }
 
 }  // namespace lotwise

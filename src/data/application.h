@@ -97,6 +97,9 @@ class Application {
   // travels as ProgramEnded.
   bool ended = false;
 
+  // The open Taxpayer File; throws LwError (kUnexpected) when none is open.
+  Database& ClientFile();
+
   // Returns program folder & separator & name.
   std::string ProgramFile(const std::string& name) const;
 

@@ -1,5 +1,8 @@
 #include "ground/text.h"
 
+#include <algorithm>
+#include <cctype>
+
 namespace lotwise {
 
 namespace {
@@ -22,6 +25,11 @@ std::string TruncateUtf8(const std::string& text, size_t size) {
   size_t cut = size;
   while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0) == 0x80) --cut;
   return text.substr(0, cut);
+}
+
+bool SameSymbol(std::string_view a, std::string_view b) {
+  return std::ranges::equal(
+      a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
 }
 
 }  // namespace lotwise

@@ -20,11 +20,6 @@ namespace {
 
 // The open Taxpayer File; a command reached without one is a fault of the
 // program, reported like any other rather than dereferenced.
-Database& ClientFile(Application& app) {
-  if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
-  return *app.client;
-}
-
 }  // namespace
 
 void ShowAdjustBlock(Application& app) {
@@ -66,7 +61,7 @@ void AdjustBlock_OK(Application& app, AdjustBlockForm& form) {
     const int64_t block_no = app.current.block_no;
     // The purchase is read from the file rather than from the transactions
     // grid: the grid may be filtered to a type that hides it.
-    std::optional<Date> purchase = FirstTransactionDate(ClientFile(app), block_no);
+    std::optional<Date> purchase = FirstTransactionDate(app.ClientFile(), block_no);
     if (purchase && date < *purchase) {
       app.ui().MessageBox(
           "You can't enter an Adjustment that is before the original purchase of this block of "

@@ -15,6 +15,7 @@
 #include "data/security_rows.h"
 #include "ground/lw_error.h"
 #include "ground/number_text.h"
+#include "ground/text.h"
 #include "ground/ui_port.h"
 #include "ground/value_helpers.h"
 
@@ -24,18 +25,8 @@ namespace {
 
 constexpr int16_t kFilterCount = 7;
 
-Database& ClientFile(Application& app) {
-  if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
-  return *app.client;
-}
-
-bool SameSymbol(std::string_view a, std::string_view b) {
-  return std::ranges::equal(
-      a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
-}
-
 std::vector<BlockRow> ReadBlocks(Application& app, int64_t sec_id) {
-  return BlocksOfSecurity(ClientFile(app), sec_id);
+  return BlocksOfSecurity(app.ClientFile(), sec_id);
 }
 
 int FindBlockNo(const std::vector<BlockRow>& rows, int64_t block_no) {
@@ -54,7 +45,7 @@ int FindBlockId(const std::vector<BlockRow>& rows, std::string_view block_id) {
 
 void ComputeTotalShares(Application& app) {
   app.ui().SetHelpBarText("Calculating Total Shares");
-  const double total = TotalSharesOfSecurity(ClientFile(app), app.current.sec_id);
+  const double total = TotalSharesOfSecurity(app.ClientFile(), app.current.sec_id);
   app.window.display.total_shares = NumberText(RoundShares(total));
 }
 
@@ -107,7 +98,7 @@ void UpdateTransInBlock(Application& app, int16_t type_index) {
     }
 
     BlockRow& block = display.blocks[static_cast<size_t>(display.selected_block)];
-    Database& db = ClientFile(app);
+    Database& db = app.ClientFile();
     // A re-dated block keeps its row in the grid; its new id and date are
     // read here so that the caption and the current block never go stale.
     if (const std::optional<BlockOnFile> fresh = FindBlock(db, block.block_no)) {

@@ -13,23 +13,13 @@
 #include "data/query_builders.h"
 #include "data/security_rows.h"
 #include "ground/lw_error.h"
+#include "ground/text.h"
 #include "ground/ui_port.h"
 #include "lots/security_display.h"
 
 namespace lotwise {
 
 namespace {
-
-// Symbols are keys without regard to case in every file.
-bool SameSymbol(std::string_view a, std::string_view b) {
-  return std::ranges::equal(
-      a, b, [](unsigned char x, unsigned char y) { return std::toupper(x) == std::toupper(y); });
-}
-
-Database& ClientFile(Application& app) {
-  if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
-  return *app.client;
-}
 
 int FindSymbol(const std::vector<SecurityRow>& rows, std::string_view symbol) {
   for (size_t i = 0; i < rows.size(); ++i) {
@@ -40,7 +30,7 @@ int FindSymbol(const std::vector<SecurityRow>& rows, std::string_view symbol) {
 
 std::vector<SecurityRow> ReadSecurities(Application& app) {
   std::vector<SecurityRow> rows;
-  for (SecurityOnFile& sec : SecurityListOfPort(ClientFile(app), app.current.port_name)) {
+  for (SecurityOnFile& sec : SecurityListOfPort(app.ClientFile(), app.current.port_name)) {
     rows.push_back({std::move(sec.symbol), sec.second_line.value_or(""), sec.sec_id});
   }
   return rows;

@@ -22,11 +22,6 @@ namespace {
 
 // The open Taxpayer File; a command reached without one is a fault of the
 // program, reported like any other rather than dereferenced.
-Database& ClientFile(Application& app) {
-  if (!app.client) throw LwError(err::kUnexpected, "No Taxpayer File is open");
-  return *app.client;
-}
-
 const char* const kSplitExplanation =
     "For a 2 to 1 Stock Split, 'Ratio of Number of New Shares:' would be 2, and 'To Number of Old "
     "Shares:' would be 1.";
@@ -121,7 +116,7 @@ void ShowModEntSplitDiv(Application& app, int64_t sec_id, Date date, int16_t typ
       form.modify_sec_id = sec_id;
       form.modify_date = date;
       const std::vector<SplitRowOnFile> rows =
-          EntireSplitDiv(ClientFile(app), sec_id, date, split ? kTypeSplit : kTypeDividend);
+          EntireSplitDiv(app.ClientFile(), sec_id, date, split ? kTypeSplit : kTypeDividend);
       if (!rows.empty()) {
         form.pre_ratio = rows.front().pre_ratio;
         form.post_ratio = rows.front().post_ratio;
@@ -222,7 +217,7 @@ bool AddAllSplitDivs(Application& app, int16_t type, Date date, double pre, doub
     ui.SetHelpBarText(type == kTypeSplit ? "Calculating and adding Stock Split"
                                          : "Calculating and adding Stock Dividend");
     GaugeGuard gauge(ui);
-    Database& client = ClientFile(app);
+    Database& client = app.ClientFile();
 
     // Phase one: the shares of each block treated, as of the split date,
     // without the rows being replaced.
