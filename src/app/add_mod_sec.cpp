@@ -27,12 +27,6 @@ bool SymbolIsFixed(const AddModSecForm& form) {
   return form.caption == kModSecInCdbCaption || form.caption == kReplaceSecInCdbCaption;
 }
 
-// Shows the dialog until the user closes it.
-void RunAddModSec(Application& app, AddModSecForm& form) {
-  form.hidden = false;
-  app.ui().RunModal(form);
-}
-
 // The new security is listed and opened: DisplaySecurity reloads the
 // portfolio's list and opens the row of the symbol.
 void OpenAddedSecurity(Application& app, const std::string& symbol) {
@@ -74,7 +68,7 @@ void ShowAddSec(Application& app) {
     form.portfolio = FixAmpersand(GetCurrPortInfo(app, "[Port Name]"));
     form.portfolio_visible = true;
     form.focus = "txtSymbol";
-    RunAddModSec(app, form);
+    RunAddModSec(app.ui(), form);
   });
 }
 
@@ -83,7 +77,7 @@ void ShowAddSecToCDB(Application& app) {
     AddModSecForm form;
     form.caption = kAddSecToCdbCaption;
     form.focus = "txtSymbol";
-    RunAddModSec(app, form);
+    RunAddModSec(app.ui(), form);
   });
 }
 
@@ -98,7 +92,7 @@ void ShowModSecInCDB(Application& app, const std::string& symbol) {
     form.sec_name = GetSecInfoFromCDB(app, symbol, "[Sec Name]");
     form.cusip = GetSecInfoFromCDB(app, symbol, "CUSIP");
     form.focus = "txtSecName";
-    RunAddModSec(app, form);
+    RunAddModSec(app.ui(), form);
   });
 }
 
@@ -164,7 +158,7 @@ void AddModSec_Ok(Application& app, AddModSecForm& form) {
       form.accepted = form.closed = true;
       return;
     }
-    RunAddModSec(app, form);
+    RunAddModSec(app.ui(), form);
   });
 }
 

@@ -41,4 +41,10 @@ struct AddModSecForm : DialogForm {
   std::string_view Name() const override { return "dlgAddModSec"; }
 };
 
+// Shows the dialog until the user closes it.
+inline void RunAddModSec(UiPort& ui, AddModSecForm& form) {
+  form.hidden = false;
+  ui.RunModal(form);
+}
+
 }  // namespace lotwise

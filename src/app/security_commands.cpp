@@ -1,7 +1,6 @@
 #include "app/security_commands.h"
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -44,12 +43,6 @@ bool AskReEnterDeletedSymbol(Application& app, const std::string& symbol) {
 // deleted it).
 std::optional<SecurityOnFile> GetASecurity(Application& app, const std::string& symbol) {
   return FindSecurity(app.ClientFile(), GetCurrPortInfo(app, "[Port Name]"), symbol);
-}
-
-// Shows the add/modify security dialog until the user closes it.
-void RunAddModSec(Application& app, AddModSecForm& form) {
-  form.hidden = false;
-  app.ui().RunModal(form);
 }
 
 }  // namespace
@@ -108,7 +101,7 @@ void ShowReplaceSecInCDB(Application& app, const std::string& symbol) {
     form.fixed_symbol = symbol;
     form.find_enabled = false;
     form.focus = "txtSecName";
-    RunAddModSec(app, form);
+    RunAddModSec(app.ui(), form);
   });
 }
 

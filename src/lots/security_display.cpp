@@ -1,7 +1,6 @@
 #include "lots/security_display.h"
 
 #include <algorithm>
-#include <cctype>
 #include <optional>
 #include <string_view>
 #include <vector>

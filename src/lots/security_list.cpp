@@ -1,7 +1,6 @@
 #include "lots/security_list.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string_view>
 #include <utility>
 #include <vector>
